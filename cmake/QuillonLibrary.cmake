@@ -1,0 +1,31 @@
+# One static library per source folder. Its sources are the folder's .cpp files, so adding a
+# file needs no edit here; the link lines passed in are the only arrows the layer may use.
+function(quillon_library name)
+  cmake_parse_arguments(QL "" "" "LINKS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  if(sources)
+    set(scope PUBLIC)
+    add_library(quillon_${name} STATIC ${sources})
+  else()
+    # A layer that has no code yet still passes its arrows on.
+    set(scope INTERFACE)
+    add_library(quillon_${name} INTERFACE)
+  endif()
+  add_library(quillon::${name} ALIAS quillon_${name})
+  target_include_directories(quillon_${name} ${scope} "${PROJECT_SOURCE_DIR}/src" "${PROJECT_BINARY_DIR}/src")
+  target_link_libraries(quillon_${name} ${scope} ${QL_LINKS})
+  target_compile_definitions(quillon_${name} ${scope} QT_NO_KEYWORDS)
+endfunction()
+
+# One GoogleTest program per test folder; each test case becomes a CTest test.
+function(quillon_test name)
+  cmake_parse_arguments(QT "" "" "LINKS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  add_executable(test_${name} ${sources})
+  target_link_libraries(test_${name} PRIVATE ${QT_LINKS} GTest::gtest GTest::gmock quillon_testmain)
+  target_compile_definitions(test_${name} PRIVATE QUILLON_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(test_${name}
+    WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0"
+    DISCOVERY_TIMEOUT 60)
+endfunction()

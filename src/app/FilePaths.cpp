@@ -1,0 +1,159 @@
+#include "app/FilePaths.h"
+
+#include "app/Alerts.h"
+#include "app/Company.h"
+#include "app/Log.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <system_error>
+
+namespace quillon::app {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool pathExists(const QString& path)
+{
+    std::error_code ec;
+    return fs::exists(fs::symlink_status(path.toStdString(), ec));
+}
+
+fs::path toFs(const QString& path)
+{
+    return fs::path(path.toStdString());
+}
+
+Error fsError(const QString& action, const QString& path, const std::error_code& ec)
+{
+    return makeError(QStringLiteral("could not %1: %2").arg(action, QString::fromStdString(ec.message())), path);
+}
+
+bool isInside(const QString& inner, const QString& outer)
+{
+    const QString a = QDir::cleanPath(QFileInfo(inner).absoluteFilePath());
+    const QString b = QDir::cleanPath(QFileInfo(outer).absoluteFilePath());
+    return a == b || a.startsWith(b + u'/');
+}
+
+} // namespace
+
+QString finalPathByAppendingNumberToFileName(const QString& fileName, const QString& folder)
+{
+    const QString dir = folder.endsWith(u'/') ? folder.chopped(1) : folder;
+    QString candidate = dir + u'/' + fileName;
+    if (pathExists(candidate)) {
+        const qsizetype dot = fileName.lastIndexOf(u'.');
+        const bool hasExtension = dot > 0 && dot < fileName.size() - 1;
+        const QString base = hasExtension ? fileName.left(dot) : fileName;
+        const QString extension = hasExtension ? fileName.mid(dot) : QString();
+        for (int counter = 1;; ++counter) {
+            candidate = QStringLiteral("%1/%2_%3%4").arg(dir, base).arg(counter).arg(extension);
+            if (!pathExists(candidate))
+                break;
+        }
+    }
+    logLine(QStringLiteral("final filePathFinal: %1").arg(candidate));
+    return candidate;
+}
+
+SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError,
+                               bool canCancel)
+{
+    if (path.isEmpty())
+        return SlashCheck::Clean;
+    const QStringList components = path.split(u'/', Qt::SkipEmptyParts);
+    for (const QString& component : components) {
+        if (!component.contains(u':'))
+            continue;
+        const QString reason = appSpecificError.isEmpty()
+            ? QStringLiteral("Forward slash \"/\" found in a path component. Please replace it with another "
+                             "character to ensure reliable processing.")
+            : appSpecificError;
+        QString shownComponent = component;
+        QString shownPath = path;
+        shownComponent.replace(u':', u'/');
+        shownPath.replace(u':', u'/');
+        const QString message = QStringLiteral("%1\n\nUnsafe name: %2\n\nFile path: %3").arg(reason, shownComponent, shownPath) +
+                                supportContactLine() + u'\n';
+        QStringList buttons{QStringLiteral("OK")};
+        if (canCancel)
+            buttons << QStringLiteral("Cancel");
+        const int answer = runAlert(alerts, QStringLiteral("Error: Unsafe character in file path"), message, buttons, true);
+        return (canCancel && answer == kAlertSecondButton) ? SlashCheck::Cancelled : SlashCheck::Confirmed;
+    }
+    return SlashCheck::Clean;
+}
+
+bool checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError)
+{
+    return checkPathForSlashes(alerts, path, appSpecificError, false) == SlashCheck::Clean;
+}
+
+namespace {
+
+Status removeExisting(const QString& destination)
+{
+    std::error_code ec;
+    fs::remove_all(toFs(destination), ec);
+    if (ec)
+        return fsError(QStringLiteral("remove the existing item"), destination, ec);
+    return {};
+}
+
+Status checkReplaceable(const QString& source, const QString& destination)
+{
+    if (!pathExists(source))
+        return makeError(QStringLiteral("the item to copy does not exist"), source);
+    if (isInside(destination, source))
+        return makeError(QStringLiteral("cannot replace an item with a copy of itself or put it inside itself"),
+                         destination);
+    return {};
+}
+
+} // namespace
+
+Status copyPathReplacingIt(const QString& source, const QString& destination)
+{
+    if (Status ok = checkReplaceable(source, destination); !ok)
+        return ok;
+    if (Status ok = removeExisting(destination); !ok)
+        return ok;
+    std::error_code ec;
+    fs::copy(toFs(source), toFs(destination), fs::copy_options::recursive | fs::copy_options::copy_symlinks, ec);
+    if (ec)
+        return fsError(QStringLiteral("copy %1").arg(source), destination, ec);
+    return {};
+}
+
+Status movePathReplacingIt(const QString& source, const QString& destination)
+{
+    if (Status ok = checkReplaceable(source, destination); !ok)
+        return ok;
+    if (Status ok = removeExisting(destination); !ok)
+        return ok;
+    std::error_code ec;
+    fs::rename(toFs(source), toFs(destination), ec);
+    if (ec == std::errc::cross_device_link) {
+        // Another volume: copy, then remove the original only once the copy is whole.
+        ec.clear();
+        fs::copy(toFs(source), toFs(destination), fs::copy_options::recursive | fs::copy_options::copy_symlinks, ec);
+        if (!ec)
+            fs::remove_all(toFs(source), ec);
+    }
+    if (ec)
+        return fsError(QStringLiteral("move %1").arg(source), destination, ec);
+    return {};
+}
+
+QString safeFileName(QString name)
+{
+    name.replace(u'/', u'_');
+    name.replace(u':', u'_');
+    return name;
+}
+
+} // namespace quillon::app

@@ -1,0 +1,505 @@
+// XML property lists: reading with pugixml and writing by hand in the layout macOS writes.
+#include "app/PropertyList.h"
+
+#include "app/PropertyListBinary.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QSaveFile>
+#include <QTimeZone>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace quillon::app {
+
+namespace {
+
+constexpr int kMaxDepth = 512;
+
+class XmlReader {
+public:
+    XmlReader(const QByteArray& bytes, const QString& sourceName) : m_bytes(bytes), m_source(sourceName) {}
+
+    Result<QVariant> read()
+    {
+        if (Status ok = checkStart(); !ok)
+            return ok.error();
+        pugi::xml_document doc;
+        const pugi::xml_parse_result parsed =
+            doc.load_buffer(m_bytes.constData(), static_cast<size_t>(m_bytes.size()),
+                            pugi::parse_default | pugi::parse_ws_pcdata_single, pugi::encoding_auto);
+        if (!parsed)
+            return errorAt(static_cast<qint64>(parsed.offset),
+                           QStringLiteral("not well-formed XML (%1)").arg(QLatin1String(parsed.description())));
+        pugi::xml_node root = doc.document_element();
+        if (!root)
+            return errorAt(0, QStringLiteral("no property list in the file"));
+        pugi::xml_node top = root;
+        if (std::string_view(root.name()) == "plist") {
+            top = pugi::xml_node();
+            for (pugi::xml_node child : root.children()) {
+                if (child.type() == pugi::node_element) {
+                    if (top)
+                        return errorAt(child, QStringLiteral("more than one value at the top of the property list"));
+                    top = child;
+                } else if (isMeaningfulText(child)) {
+                    return errorAt(child, QStringLiteral("unexpected text in <plist>"));
+                }
+            }
+            if (!top)
+                return errorAt(root, QStringLiteral("the property list is empty"));
+        }
+        return value(top, 0);
+    }
+
+private:
+    // The parser skips text before the root element; a plist must start with markup (after one
+    // optional byte-order mark), or it is not the file it claims to be.
+    Status checkStart() const
+    {
+        qsizetype i = m_bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+        if (m_bytes.startsWith("\xFF\xFE") || m_bytes.startsWith("\xFE\xFF"))
+            return {}; // UTF-16, checked by the parser after decoding
+        while (i < m_bytes.size() && (m_bytes[i] == ' ' || m_bytes[i] == '\t' || m_bytes[i] == '\r' || m_bytes[i] == '\n'))
+            ++i;
+        if (i >= m_bytes.size())
+            return errorAt(i, QStringLiteral("the file holds no property list"));
+        if (m_bytes[i] != '<')
+            return errorAt(i, QStringLiteral("the file does not start with XML markup (a stray byte-order mark or "
+                                             "other bytes before the first tag)"));
+        return {};
+    }
+
+    static bool isMeaningfulText(pugi::xml_node node)
+    {
+        if (node.type() != pugi::node_pcdata && node.type() != pugi::node_cdata)
+            return false;
+        const std::string_view text = node.value();
+        return text.find_first_not_of(" \t\r\n") != std::string_view::npos;
+    }
+
+    qint64 lineOf(qint64 offset) const
+    {
+        const qint64 end = std::min<qint64>(offset, m_bytes.size());
+        return 1 + std::count(m_bytes.constData(), m_bytes.constData() + end, '\n');
+    }
+
+    Error errorAt(qint64 offset, const QString& message) const
+    {
+        return makeError(message, m_source, QStringLiteral("line %1").arg(lineOf(offset)));
+    }
+
+    Error errorAt(pugi::xml_node node, const QString& message) const
+    {
+        return errorAt(static_cast<qint64>(node.offset_debug()), message);
+    }
+
+    // The text of a leaf element; an element inside it is an error.
+    Result<QString> leafText(pugi::xml_node node) const
+    {
+        QByteArray text;
+        for (pugi::xml_node child : node.children()) {
+            if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+                text += child.value();
+            else if (child.type() == pugi::node_element)
+                return errorAt(child, QStringLiteral("<%1> inside <%2>").arg(QLatin1String(child.name()), QLatin1String(node.name())));
+        }
+        return QString::fromUtf8(text);
+    }
+
+    Result<QVariant> value(pugi::xml_node node, int depth)
+    {
+        if (depth > kMaxDepth)
+            return errorAt(node, QStringLiteral("values nested more than %1 deep").arg(kMaxDepth));
+        const std::string_view name = node.name();
+        if (name == "dict")
+            return dict(node, depth);
+        if (name == "array")
+            return array(node, depth);
+        if (name == "true" || name == "false") {
+            if (node.first_child() && isMeaningfulText(node.first_child()))
+                return errorAt(node, QStringLiteral("<%1/> must be empty").arg(QLatin1String(node.name())));
+            return QVariant(name == "true");
+        }
+        Result<QString> text = leafText(node);
+        if (!text)
+            return text.error();
+        if (name == "string")
+            return QVariant(*text);
+        if (name == "integer")
+            return integer(node, text->trimmed());
+        if (name == "real")
+            return real(node, text->trimmed());
+        if (name == "date")
+            return date(node, text->trimmed());
+        if (name == "data")
+            return data(node, *text);
+        if (name == "key")
+            return errorAt(node, QStringLiteral("<key> outside a <dict>"));
+        return errorAt(node, QStringLiteral("unknown element <%1>").arg(QString::fromUtf8(node.name())));
+    }
+
+    Result<QVariant> dict(pugi::xml_node node, int depth)
+    {
+        QVariantMap map;
+        pugi::xml_node pendingKey;
+        QString key;
+        for (pugi::xml_node child : node.children()) {
+            if (child.type() != pugi::node_element) {
+                if (isMeaningfulText(child))
+                    return errorAt(child, QStringLiteral("unexpected text in <dict>"));
+                continue;
+            }
+            if (!pendingKey) {
+                if (std::string_view(child.name()) != "key")
+                    return errorAt(child, QStringLiteral("<%1> in <dict> where a <key> was expected").arg(QLatin1String(child.name())));
+                Result<QString> text = leafText(child);
+                if (!text)
+                    return text.error();
+                pendingKey = child;
+                key = *text;
+                continue;
+            }
+            if (std::string_view(child.name()) == "key")
+                return errorAt(pendingKey, QStringLiteral("key \"%1\" has no value").arg(key));
+            Result<QVariant> v = value(child, depth + 1);
+            if (!v)
+                return v.error();
+            map.insert(key, std::move(*v));
+            pendingKey = pugi::xml_node();
+        }
+        if (pendingKey)
+            return errorAt(pendingKey, QStringLiteral("key \"%1\" has no value").arg(key));
+        return QVariant(map);
+    }
+
+    Result<QVariant> array(pugi::xml_node node, int depth)
+    {
+        QVariantList list;
+        for (pugi::xml_node child : node.children()) {
+            if (child.type() != pugi::node_element) {
+                if (isMeaningfulText(child))
+                    return errorAt(child, QStringLiteral("unexpected text in <array>"));
+                continue;
+            }
+            Result<QVariant> v = value(child, depth + 1);
+            if (!v)
+                return v.error();
+            list.append(std::move(*v));
+        }
+        return QVariant(list);
+    }
+
+    Result<QVariant> integer(pugi::xml_node node, const QString& text) const
+    {
+        const QByteArray ascii = text.toLatin1();
+        std::string_view digits(ascii.constData(), static_cast<size_t>(ascii.size()));
+        bool negative = false;
+        if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) {
+            negative = digits.front() == '-';
+            digits.remove_prefix(1);
+        }
+        int base = 10;
+        if (digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X')) {
+            base = 16;
+            digits.remove_prefix(2);
+        }
+        quint64 magnitude = 0;
+        const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude, base);
+        if (digits.empty() || ec == std::errc::invalid_argument || end != digits.data() + digits.size())
+            return errorAt(node, QStringLiteral("<integer> holds \"%1\", which is not a whole number").arg(text));
+        if (ec == std::errc::result_out_of_range)
+            return errorAt(node, QStringLiteral("<integer> %1 is too large").arg(text));
+        if (negative) {
+            if (magnitude > quint64(std::numeric_limits<qint64>::max()) + 1)
+                return errorAt(node, QStringLiteral("<integer> %1 is too small").arg(text));
+            return QVariant(static_cast<qint64>(0 - magnitude));
+        }
+        if (magnitude > quint64(std::numeric_limits<qint64>::max()))
+            return QVariant(static_cast<quint64>(magnitude));
+        return QVariant(static_cast<qint64>(magnitude));
+    }
+
+    Result<QVariant> real(pugi::xml_node node, const QString& text) const
+    {
+        const QString lower = text.toLower();
+        if (lower == QLatin1String("nan"))
+            return QVariant(std::numeric_limits<double>::quiet_NaN());
+        if (lower == QLatin1String("inf") || lower == QLatin1String("+inf") || lower == QLatin1String("infinity") ||
+            lower == QLatin1String("+infinity"))
+            return QVariant(std::numeric_limits<double>::infinity());
+        if (lower == QLatin1String("-inf") || lower == QLatin1String("-infinity"))
+            return QVariant(-std::numeric_limits<double>::infinity());
+        bool ok = false;
+        const double v = text.toDouble(&ok);
+        if (!ok)
+            return errorAt(node, QStringLiteral("<real> holds \"%1\", which is not a number").arg(text));
+        return QVariant(v);
+    }
+
+    Result<QVariant> date(pugi::xml_node node, const QString& text) const
+    {
+        QDateTime dt = QDateTime::fromString(text, Qt::ISODate);
+        if (!dt.isValid())
+            return errorAt(node, QStringLiteral("<date> holds \"%1\", which is not a date").arg(text));
+        if (!text.endsWith(u'Z') && dt.timeSpec() == Qt::LocalTime)
+            dt = QDateTime(dt.date(), dt.time(), QTimeZone::utc());
+        return QVariant(dt.toUTC());
+    }
+
+    Result<QVariant> data(pugi::xml_node node, const QString& text) const
+    {
+        QByteArray compact;
+        compact.reserve(text.size());
+        for (const QChar c : text)
+            if (!c.isSpace())
+                compact += static_cast<char>(c.unicode() < 128 ? c.unicode() : '!');
+        const auto decoded = QByteArray::fromBase64Encoding(compact, QByteArray::AbortOnBase64DecodingErrors);
+        if (!decoded)
+            return errorAt(node, QStringLiteral("<data> is not valid base64"));
+        return QVariant(decoded.decoded);
+    }
+
+    const QByteArray& m_bytes;
+    QString m_source;
+};
+
+class XmlWriter {
+public:
+    Result<QByteArray> write(const QVariant& root)
+    {
+        m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                "<plist version=\"1.0\">\n";
+        if (Status ok = value(root, 0, QStringLiteral("(top)")); !ok)
+            return ok.error();
+        m_out += "</plist>\n";
+        return m_out;
+    }
+
+private:
+    static QByteArray escaped(const QString& text)
+    {
+        QByteArray out;
+        const QByteArray utf8 = text.toUtf8();
+        out.reserve(utf8.size());
+        for (const char c : utf8) {
+            const auto u = static_cast<unsigned char>(c);
+            if (c == '&')
+                out += "&amp;";
+            else if (c == '<')
+                out += "&lt;";
+            else if (c == '>')
+                out += "&gt;";
+            else if (u < 0x20 && c != '\t' && c != '\n' && c != '\r')
+                continue; // not allowed in XML 1.0
+            else if (c == '\r')
+                out += "&#13;"; // a bare CR would be read back as a line feed
+            else
+                out += c;
+        }
+        return out;
+    }
+
+    void indent(int depth) { m_out.append(QByteArray(depth, '\t')); }
+
+    void leaf(int depth, const char* tag, const QByteArray& text)
+    {
+        indent(depth);
+        m_out += '<';
+        m_out += tag;
+        m_out += '>';
+        m_out += text;
+        m_out += "</";
+        m_out += tag;
+        m_out += ">\n";
+    }
+
+    static QByteArray realText(double v)
+    {
+        if (std::isnan(v))
+            return "nan";
+        if (std::isinf(v))
+            return v < 0 ? "-inf" : "inf";
+        char buffer[64];
+        const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, v);
+        QByteArray text(buffer, static_cast<qsizetype>(end - buffer));
+        // Keep a real a real when read back by tools that look at the text.
+        if (!text.contains('.') && !text.contains('e') && !text.contains('E'))
+            text += ".0";
+        return text;
+    }
+
+    Status value(const QVariant& v, int depth, const QString& path)
+    {
+        if (depth > kMaxDepth)
+            return makeError(QStringLiteral("values nested more than %1 deep at %2").arg(kMaxDepth).arg(path));
+        switch (v.typeId()) {
+        case QMetaType::QVariantMap:
+            return dict(v.toMap(), depth, path);
+        case QMetaType::QVariantHash: {
+            QVariantMap map;
+            const QVariantHash hash = v.toHash();
+            for (auto it = hash.cbegin(); it != hash.cend(); ++it)
+                map.insert(it.key(), it.value());
+            return dict(map, depth, path);
+        }
+        case QMetaType::QVariantList:
+        case QMetaType::QStringList:
+            return array(v.toList(), depth, path);
+        case QMetaType::QString:
+        case QMetaType::QChar:
+        case QMetaType::QUrl:
+            leaf(depth, "string", escaped(v.toString()));
+            return {};
+        case QMetaType::Bool:
+            indent(depth);
+            m_out += v.toBool() ? "<true/>\n" : "<false/>\n";
+            return {};
+        case QMetaType::Int:
+        case QMetaType::Long:
+        case QMetaType::LongLong:
+        case QMetaType::Short:
+        case QMetaType::SChar:
+            leaf(depth, "integer", QByteArray::number(v.toLongLong()));
+            return {};
+        case QMetaType::UInt:
+        case QMetaType::ULong:
+        case QMetaType::ULongLong:
+        case QMetaType::UShort:
+        case QMetaType::UChar:
+            leaf(depth, "integer", QByteArray::number(v.toULongLong()));
+            return {};
+        case QMetaType::Double:
+        case QMetaType::Float:
+            leaf(depth, "real", realText(v.toDouble()));
+            return {};
+        case QMetaType::QDateTime:
+        case QMetaType::QDate: {
+            const QDateTime dt = v.toDateTime();
+            if (!dt.isValid())
+                return makeError(QStringLiteral("an invalid date at %1").arg(path));
+            leaf(depth, "date", dt.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ssZ")).toLatin1());
+            return {};
+        }
+        case QMetaType::QByteArray:
+            data(v.toByteArray(), depth);
+            return {};
+        default:
+            break;
+        }
+        if (!v.isValid() || v.isNull())
+            return makeError(QStringLiteral("a property list cannot hold an empty value (at %1)").arg(path));
+        return makeError(QStringLiteral("a property list cannot hold a value of type %1 (at %2)")
+                             .arg(QLatin1String(v.typeName()), path));
+    }
+
+    void data(const QByteArray& bytes, int depth)
+    {
+        indent(depth);
+        m_out += "<data>\n";
+        const QByteArray encoded = bytes.toBase64();
+        for (qsizetype i = 0; i < encoded.size(); i += 68) {
+            indent(depth);
+            m_out += encoded.mid(i, 68);
+            m_out += '\n';
+        }
+        indent(depth);
+        m_out += "</data>\n";
+    }
+
+    Status dict(const QVariantMap& map, int depth, const QString& path)
+    {
+        indent(depth);
+        if (map.isEmpty()) {
+            m_out += "<dict/>\n";
+            return {};
+        }
+        m_out += "<dict>\n";
+        for (auto it = map.cbegin(); it != map.cend(); ++it) {
+            leaf(depth + 1, "key", escaped(it.key()));
+            if (Status ok = value(it.value(), depth + 1, path + u'.' + it.key()); !ok)
+                return ok;
+        }
+        indent(depth);
+        m_out += "</dict>\n";
+        return {};
+    }
+
+    Status array(const QVariantList& list, int depth, const QString& path)
+    {
+        indent(depth);
+        if (list.isEmpty()) {
+            m_out += "<array/>\n";
+            return {};
+        }
+        m_out += "<array>\n";
+        for (qsizetype i = 0; i < list.size(); ++i)
+            if (Status ok = value(list[i], depth + 1, QStringLiteral("%1[%2]").arg(path).arg(i)); !ok)
+                return ok;
+        indent(depth);
+        m_out += "</array>\n";
+        return {};
+    }
+
+    QByteArray m_out;
+};
+
+} // namespace
+
+Result<QVariant> parsePropertyList(const QByteArray& bytes, const QString& sourceName)
+{
+    if (bytes.startsWith("bplist"))
+        return parseBinaryPropertyList(bytes, sourceName);
+    if (bytes.trimmed().isEmpty())
+        return makeError(QStringLiteral("the file is empty"), sourceName);
+    return XmlReader(bytes, sourceName).read();
+}
+
+Result<QVariant> readPropertyListFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return makeError(QStringLiteral("cannot be read: %1").arg(file.errorString()), path);
+    // Property lists here are records and presets, never large; refuse what cannot be one.
+    constexpr qint64 kMaxSize = 512LL * 1024 * 1024;
+    if (file.size() > kMaxSize)
+        return makeError(QStringLiteral("is too large for a property list (%1 bytes)").arg(file.size()), path);
+    return parsePropertyList(file.readAll(), path);
+}
+
+Result<QVariantMap> readPropertyListDictionary(const QString& path)
+{
+    Result<QVariant> value = readPropertyListFile(path);
+    if (!value)
+        return value.error();
+    if (value->typeId() != QMetaType::QVariantMap)
+        return makeError(QStringLiteral("the property list does not hold a dictionary at the top"), path);
+    return value->toMap();
+}
+
+Result<QByteArray> toXmlPropertyList(const QVariant& root)
+{
+    return XmlWriter().write(root);
+}
+
+Status writePropertyListFile(const QVariant& root, const QString& path)
+{
+    Result<QByteArray> xml = toXmlPropertyList(root);
+    if (!xml)
+        return makeError(xml.error().message, path);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return makeError(QStringLiteral("cannot be written: %1").arg(file.errorString()), path);
+    file.write(*xml);
+    if (!file.commit())
+        return makeError(QStringLiteral("cannot be written: %1").arg(file.errorString()), path);
+    return {};
+}
+
+} // namespace quillon::app
