@@ -1,0 +1,72 @@
+#pragma once
+
+#include "results/ResultRows.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <optional>
+
+namespace quillon::results {
+
+// The link results: every placed link of the preflighted document (or one group per document),
+// judged by the link rules and thresholds of the current checkup preset.
+class QNLinksOutline {
+public:
+    void startup() { m_items.clear(); }
+    void clear() { m_items.clear(); }
+
+    // Loads the rows from the link data file's dictionary, judges them with `preset` and sorts
+    // the top-level rows with the list's current sort descriptors.
+    void setItems(const QVariantMap& dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort = {});
+    const QVariantList& items() const { return m_items; }
+    // The rows, for the rename (which changes "name" and "path" of the relinked rows).
+    QVariantList& mutableItems() { return m_items; }
+    QString headerTitle() const;
+    void sortItems(const QList<SortDescriptor>& descriptors) { sortRows(m_items, descriptors); }
+
+    // The rule pass: a copy of every record with "icon", "statusImg", "badfolder", "alerts",
+    // "alert" and "alertName" added. Pure; see LinkResults.cpp for the order of the checks.
+    static QVariantList applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset);
+
+    // The alert texts that `conditions` raise on the record's `attribute` key. Unlike the font
+    // rules, "is" means exact, case-sensitive equality here, and no diacritics are folded.
+    static QStringList alertsForFile(const QVariantMap& record, const QString& attribute, const QString& attrUIStr,
+                                     const QVariantList& conditions);
+
+    // "blank" for a path that is "?" or empty, else the file's own icon.
+    static QString iconForLink(const QString& path);
+    // The image named by the status for the four known ones, else "blank".
+    static QString statusImage(const QString& status);
+
+    // The records a command acts on. "Missing" and "Embedded" links are left out unless `sender`
+    // is "goToLink". A right-clicked row outside the selection is taken from the top-level rows
+    // by its row number directly.
+    static QVariantList itemsForAction(const OutlineSelection& selection, const QVariantList& topLevelItems,
+                                       const QString& sender);
+    // The top-level rows with that path and an "id"; nothing when none.
+    static std::optional<QList<qsizetype>> indexesOfItemsWhosePathIs(const QVariantList& items, const QString& path);
+
+    // No value, empty text, or text holding "-".
+    static bool emptyOrDash(const QVariant& value);
+    // The pull-down lines of an "epscols" or "epsfonts" cell ("\r"-separated list); empty when the
+    // cell's value is empty or a dash.
+    static QStringList epsPullDownItems(const QVariantMap& record, const QString& column);
+    // Only the name of a row that is not an expanded group and whose file is there can be edited.
+    static bool shouldEditName(const QVariantMap& row, const QString& column, bool isExpandedGroup);
+    // The first argument of "Go to Link": the link's "id" and the document's file name; nothing
+    // when there is no row to go to (beep).
+    struct GoToLinkTarget {
+        QString linkId;
+        QString docName;
+    };
+    static std::optional<GoToLinkTarget> goToLinkTarget(const QVariantList& rowsToActOn);
+
+private:
+    QVariantList m_items;
+};
+
+} // namespace quillon::results
