@@ -7,6 +7,7 @@
 #include "links/LinkRecordKeys.h"
 #include "results/LinkRuleTable.h"
 #include "results/PresetKeys.h"
+#include "results/ParallelRanges.h"
 #include "results/ResultKeys.h"
 
 #include <algorithm>
@@ -33,25 +34,121 @@ QString QNLinksOutline::headerTitle() const
 
 namespace {
 
+// A record value as text without copying it: text values are viewed in place, other values
+// are converted into `storage`.
+QStringView textOf(const QVariantMap& record, const QString& key, QString& storage)
+{
+    const auto it = record.constFind(key);
+    if (it == record.cend())
+        return {};
+    if (it->typeId() == QMetaType::QString)
+        return *static_cast<const QString*>(it->constData());
+    storage = it->toString();
+    return storage;
+}
+
+// Text values only: anything else reads as empty.
+QStringView onlyTextOf(const QVariantMap& record, const QString& key)
+{
+    const auto it = record.constFind(key);
+    if (it == record.cend() || it->typeId() != QMetaType::QString)
+        return {};
+    return *static_cast<const QString*>(it->constData());
+}
+
+int intOf(const QVariantMap& record, const QString& key)
+{
+    const auto it = record.constFind(key);
+    return it == record.cend() ? 0 : app::intValueOf(*it);
+}
+
+// A rule with its value and its alert text worked out once for a whole list.
+struct CompiledRule {
+    enum class Test { Contains, DoesntContain, Is, Never };
+    Test test = Test::Never;
+    QString value;
+    QString alertText;
+};
+
+std::vector<CompiledRule> compileRules(const QVariantList& conditions, const QString& attrUIStr, bool isStatus)
+{
+    std::vector<CompiledRule> compiled;
+    for (const QVariant& entry : conditions) {
+        const QVariantMap rule = entry.toMap();
+        const QVariant rawValue = rule.value(kRuleValueKey);
+        CompiledRule c;
+        if (rawValue.typeId() == QMetaType::QString)
+            c.value = rawValue.toString();
+        else if (isStatus)
+            c.value = linkStatusForIndex(app::intValueOf(rawValue));
+        if (c.value.isEmpty())
+            continue;
+        // Conditions compare as whole texts.
+        const QString condition = rule.value(kRuleConditionKey).toString();
+        if (condition == kConditionContains) {
+            c.test = CompiledRule::Test::Contains;
+            c.alertText = QStringLiteral("%1 contains \"%2\"").arg(attrUIStr, c.value);
+        } else if (condition == kConditionDoesntContain) {
+            c.test = CompiledRule::Test::DoesntContain;
+            c.alertText = QStringLiteral("%1 doesn't contain \"%2\"").arg(attrUIStr, c.value);
+        } else if (condition == kConditionIs) {
+            c.test = CompiledRule::Test::Is;
+            c.alertText = QStringLiteral("%1 is \"%2\"").arg(attrUIStr, c.value);
+        } else {
+            continue;
+        }
+        compiled.push_back(std::move(c));
+    }
+    return compiled;
+}
+
+// "contains" and "doesn't contain" ignore case; "is" is exact equality (which implies the
+// case-insensitive containment the test starts from).
+QStringList evaluateRules(QStringView text, const std::vector<CompiledRule>& rules)
+{
+    QStringList alerts;
+    if (text.isEmpty())
+        return alerts;
+    for (const CompiledRule& rule : rules) {
+        bool hit = false;
+        switch (rule.test) {
+        case CompiledRule::Test::Contains:
+            hit = text.contains(rule.value, Qt::CaseInsensitive);
+            break;
+        case CompiledRule::Test::DoesntContain:
+            hit = !text.contains(rule.value, Qt::CaseInsensitive);
+            break;
+        case CompiledRule::Test::Is:
+            hit = text == rule.value;
+            break;
+        case CompiledRule::Test::Never:
+            break;
+        }
+        if (hit)
+            alerts.append(rule.alertText);
+    }
+    return alerts;
+}
+
 // One size limit of the preset; off when its field is empty.
 struct SizeLimit {
     bool set = false;
     std::uint64_t bytes = 0;
-    QString fieldText;
-    QString unit;
+    QString alertText;
 };
 
 SizeLimit readSizeLimit(const QVariantMap& links, const QString& fieldKey, const QString& bytesKey,
-                        const QString& unitKey)
+                        const QString& unitKey, const char* comparison)
 {
     SizeLimit limit;
-    limit.fieldText = links.value(fieldKey).toString();
-    limit.set = !limit.fieldText.isEmpty();
+    const QString field = links.value(fieldKey).toString();
+    limit.set = !field.isEmpty();
     if (limit.set) {
         limit.bytes = links.value(bytesKey).toULongLong();
-        limit.unit = links.value(unitKey).toString();
-        if (limit.unit.isEmpty())
-            limit.unit = kUnitMB;
+        QString unit = links.value(unitKey).toString();
+        if (unit.isEmpty())
+            unit = kUnitMB;
+        limit.alertText = QStringLiteral("Size %1 %2 %3").arg(QLatin1String(comparison), field, unit);
     }
     return limit;
 }
@@ -59,15 +156,22 @@ SizeLimit readSizeLimit(const QVariantMap& links, const QString& fieldKey, const
 struct ResolutionLimits {
     int below = 0;
     int above = 0;
+    QString belowText;
+    QString aboveText;
+
+    ResolutionLimits(int low, int high)
+        : below(low), above(high), belowText(QStringLiteral("Effective res < %1 dpi").arg(low)),
+          aboveText(QStringLiteral("Effective res > %1 dpi").arg(high))
+    {
+    }
     bool set() const { return std::int64_t(below) + std::int64_t(above) >= 1; }
 };
 
 // The thresholds and rules of a preset's "Links", read once for a whole list.
 struct LinkChecks {
     struct AttributeRules {
-        QString displayName;
         QString recordKey;
-        QVariantList rules;
+        std::vector<CompiledRule> rules;
     };
     std::vector<AttributeRules> attributes;
     SizeLimit sizeBelow;
@@ -80,39 +184,43 @@ struct LinkChecks {
     bool nonPrint = false;
 
     explicit LinkChecks(const QVariantMap& links)
+        : sizeBelow(readSizeLimit(links, kSizeBelowFieldKey, kSizeBelowBytesKey, kSizeBelowUnitsKey, "<")),
+          sizeAbove(readSizeLimit(links, kSizeAboveFieldKey, kSizeAboveBytesKey, kSizeAboveUnitsKey, ">")),
+          colorRes(app::intValueOf(links.value(kResBelowFieldKey)), app::intValueOf(links.value(kResAboveFieldKey))),
+          bwRes(app::intValueOf(links.value(kResBWBelowFieldKey)), app::intValueOf(links.value(kResBWAboveFieldKey))),
+          fontsEps(app::variantToBool(links.value(kFontsEpsBtnKey))),
+          anyEpsFont(app::intValueOf(links.value(kFontsEpsMtrxKey)) == 0),
+          scaledNonProp(app::variantToBool(links.value(kScaledNonPropBtnKey))),
+          nonPrint(app::variantToBool(links.value(kNonPrintBtnKey)))
     {
         const QVariantList conditions = links.value(kConditionsKey).toList();
         for (const LinkAttribute& a : linkAttributes()) {
-            AttributeRules entry{a.displayName, a.recordKey, {}};
+            QVariantList rules;
             for (const QVariant& rule : conditions)
                 if (rule.toMap().value(kRuleAttributeKey).toString() == a.displayName)
-                    entry.rules.append(rule);
-            if (!entry.rules.isEmpty())
+                    rules.append(rule);
+            AttributeRules entry{a.recordKey, compileRules(rules, a.displayName, a.recordKey == lk::kLinkStatusKey)};
+            if (!entry.rules.empty())
                 attributes.push_back(std::move(entry));
         }
-        sizeBelow = readSizeLimit(links, kSizeBelowFieldKey, kSizeBelowBytesKey, kSizeBelowUnitsKey);
-        sizeAbove = readSizeLimit(links, kSizeAboveFieldKey, kSizeAboveBytesKey, kSizeAboveUnitsKey);
-        colorRes = {app::intValueOf(links.value(kResBelowFieldKey)), app::intValueOf(links.value(kResAboveFieldKey))};
-        bwRes = {app::intValueOf(links.value(kResBWBelowFieldKey)), app::intValueOf(links.value(kResBWAboveFieldKey))};
-        fontsEps = app::variantToBool(links.value(kFontsEpsBtnKey));
-        anyEpsFont = app::intValueOf(links.value(kFontsEpsMtrxKey)) == 0;
-        scaledNonProp = app::variantToBool(links.value(kScaledNonPropBtnKey));
-        nonPrint = app::variantToBool(links.value(kNonPrintBtnKey));
     }
 
-    void judge(QVariantMap& record, QVariantMap& alerts) const
+    // The alerts the record raises, in the order of the checks.
+    QVariantMap judge(const QVariantMap& record) const
     {
+        QVariantMap alerts;
+        QString storage;
         for (const AttributeRules& a : attributes) {
-            if (a.recordKey == lk::kLinkColorKey && record.value(lk::kLinkColorKey).toString().size() < 2)
+            if (a.recordKey == lk::kLinkColorKey && textOf(record, lk::kLinkColorKey, storage).size() < 2)
                 continue;
-            const QStringList texts = QNLinksOutline::alertsForFile(record, a.recordKey, a.displayName, a.rules);
+            const QStringList texts = evaluateRules(onlyTextOf(record, a.recordKey), a.rules);
             if (!texts.isEmpty())
                 alerts.insert(a.recordKey, texts);
         }
         checkSize(record, alerts);
         checkResolution(record, alerts);
         if (fontsEps) {
-            const QString fonts = record.value(lk::kLinkEpsFontListKey).toString();
+            const QStringView fonts = textOf(record, lk::kLinkEpsFontListKey, storage);
             if (!fonts.isEmpty() && fonts != QLatin1String("-")) {
                 // A capital "E" marks an embedded font in the list.
                 if (anyEpsFont)
@@ -121,11 +229,11 @@ struct LinkChecks {
                     alerts.insert(lk::kLinkEpsFontsKey, QStringLiteral("Contains embedded fonts"));
             }
         }
-        if (scaledNonProp &&
-            app::intValueOf(record.value(lk::kLinkHorScaleKey)) != app::intValueOf(record.value(lk::kLinkVertScaleKey)))
+        if (scaledNonProp && intOf(record, lk::kLinkHorScaleKey) != intOf(record, lk::kLinkVertScaleKey))
             alerts.insert(lk::kLinkScaleKey, QStringLiteral("Non-proportional scale"));
-        if (nonPrint && record.value(lk::kLinkPrintKey).toString() == lk::kLinkNonPrinting)
+        if (nonPrint && textOf(record, lk::kLinkPrintKey, storage) == lk::kLinkNonPrinting)
             alerts.insert(lk::kLinkPrintKey, QStringLiteral("Non-printing"));
+        return alerts;
     }
 
     void checkSize(const QVariantMap& record, QVariantMap& alerts) const
@@ -134,27 +242,28 @@ struct LinkChecks {
             return;
         // The size is read as a signed 32-bit number and compared unsigned after sign extension:
         // a file of 2 GiB or more never counts as small and always counts as large. Kept so.
-        const std::int32_t size32 = app::intValueOf(record.value(lk::kLinkSizeBytesKey));
+        const std::int32_t size32 = intOf(record, lk::kLinkSizeBytesKey);
         const auto size = static_cast<std::uint64_t>(static_cast<std::int64_t>(size32));
         if (sizeBelow.set && size < sizeBelow.bytes)
-            alerts.insert(lk::kLinkSizeKey, QStringLiteral("Size < %1 %2").arg(sizeBelow.fieldText, sizeBelow.unit));
+            alerts.insert(lk::kLinkSizeKey, sizeBelow.alertText);
         else if (sizeAbove.set && size > sizeAbove.bytes)
-            alerts.insert(lk::kLinkSizeKey, QStringLiteral("Size > %1 %2").arg(sizeAbove.fieldText, sizeAbove.unit));
+            alerts.insert(lk::kLinkSizeKey, sizeAbove.alertText);
     }
 
     void checkResolution(const QVariantMap& record, QVariantMap& alerts) const
     {
-        const bool blackAndWhite = record.value(lk::kLinkColorKey).toString() == lk::kLinkColorBlackAndWhite;
+        QString storage;
+        const bool blackAndWhite = textOf(record, lk::kLinkColorKey, storage) == lk::kLinkColorBlackAndWhite;
         const ResolutionLimits& limits = blackAndWhite ? bwRes : colorRes;
         if (!limits.set())
             return;
-        const int effective = app::intValueOf(record.value(lk::kLinkEffectiveResKey));
+        const int effective = intOf(record, lk::kLinkEffectiveResKey);
         if (effective <= 0)
             return;
         if (effective < limits.below)
-            alerts.insert(lk::kLinkEffectiveResKey, QStringLiteral("Effective res < %1 dpi").arg(limits.below));
+            alerts.insert(lk::kLinkEffectiveResKey, limits.belowText);
         else if (limits.above >= 1 && effective > limits.above)
-            alerts.insert(lk::kLinkEffectiveResKey, QStringLiteral("Effective res > %1 dpi").arg(limits.above));
+            alerts.insert(lk::kLinkEffectiveResKey, limits.aboveText);
     }
 };
 
@@ -167,65 +276,44 @@ QVariantList QNLinksOutline::applyCurrPresetToArray(const QVariantList& records,
         return records;
     const LinkChecks checks(linksIt->toMap());
 
-    QVariantList judged;
-    judged.reserve(records.size());
-    for (const QVariant& input : records) {
-        QVariantMap record = input.toMap();
-        record.insert(kIconKey, iconForLink(record.value(lk::kLinkPathKey).toString()));
-        record.insert(kStatusImgKey, statusImage(record.value(lk::kLinkStatusKey).toString()));
-        record.insert(kBadFolderKey, kImageBlank);
-        QVariantMap alerts;
-        checks.judge(record, alerts);
-        record.insert(kAlertsKey, alerts);
-        setAlertDecoration(record, kImageWarning);
-        judged.append(std::move(record));
-    }
+    QVariantList judged(records.size());
+    QVariant* out = judged.data();
+    auto judgeRange = [&records, &checks, out](qsizetype begin, qsizetype end) {
+        QString storage;
+        for (qsizetype i = begin; i < end; ++i) {
+            QVariantMap record = records.at(i).toMap();
+            const QVariantMap alerts = checks.judge(record);
+            const bool alerted = !alerts.isEmpty();
+            record.insert(kIconKey, iconForLink(textOf(record, lk::kLinkPathKey, storage)));
+            record.insert(kStatusImgKey, statusImage(textOf(record, lk::kLinkStatusKey, storage)));
+            record.insert(kBadFolderKey, kImageBlank);
+            record.insert(kAlertsKey, alerts);
+            record.insert(kAlertKey, alerted ? kImageWarning : kImageBlank);
+            record.insert(kAlertNameKey, alerted ? kImageWarning : QString());
+            out[i] = std::move(record);
+        }
+    };
+    runInParallel(records.size(), judgeRange);
     return judged;
 }
 
 QStringList QNLinksOutline::alertsForFile(const QVariantMap& record, const QString& attribute,
                                           const QString& attrUIStr, const QVariantList& conditions)
 {
-    QStringList alerts;
-    const QVariant subject = record.value(attribute);
-    if (subject.typeId() != QMetaType::QString)
-        return alerts;
-    const QString text = subject.toString();
-    if (text.isEmpty())
-        return alerts;
-    const bool isStatus = attribute == lk::kLinkStatusKey;
-    for (const QVariant& entry : conditions) {
-        const QVariantMap rule = entry.toMap();
-        const QVariant rawValue = rule.value(kRuleValueKey);
-        QString value;
-        if (rawValue.typeId() == QMetaType::QString)
-            value = rawValue.toString();
-        else if (isStatus)
-            value = linkStatusForIndex(app::intValueOf(rawValue));
-        if (value.isEmpty())
-            continue;
-        const QString condition = rule.value(kRuleConditionKey).toString();
-        const bool found = text.contains(value, Qt::CaseInsensitive);
-        if (condition == kConditionContains && found)
-            alerts.append(QStringLiteral("%1 contains \"%2\"").arg(attrUIStr, value));
-        else if (condition == kConditionDoesntContain && !found)
-            alerts.append(QStringLiteral("%1 doesn't contain \"%2\"").arg(attrUIStr, value));
-        else if (condition == kConditionIs && found && text == value)
-            alerts.append(QStringLiteral("%1 is \"%2\"").arg(attrUIStr, value));
-    }
-    return alerts;
+    return evaluateRules(onlyTextOf(record, attribute),
+                         compileRules(conditions, attrUIStr, attribute == lk::kLinkStatusKey));
 }
 
-QString QNLinksOutline::iconForLink(const QString& path)
+QString QNLinksOutline::iconForLink(QStringView path)
 {
     return (path.isEmpty() || path == lk::kLinkNoPath) ? kImageBlank : kImageFileIcon;
 }
 
-QString QNLinksOutline::statusImage(const QString& status)
+QString QNLinksOutline::statusImage(QStringView status)
 {
-    if (status == lk::kLinkStatusOK || status == lk::kLinkStatusModified || status == lk::kLinkStatusMissing ||
-        status == lk::kLinkStatusEmbedded)
-        return status;
+    for (const QString& known : {lk::kLinkStatusOK, lk::kLinkStatusModified, lk::kLinkStatusMissing, lk::kLinkStatusEmbedded})
+        if (status == known)
+            return known;
     return kImageBlank;
 }
 

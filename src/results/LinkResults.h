@@ -38,9 +38,9 @@ public:
                                      const QVariantList& conditions);
 
     // "blank" for a path that is "?" or empty, else the file's own icon.
-    static QString iconForLink(const QString& path);
+    static QString iconForLink(QStringView path);
     // The image named by the status for the four known ones, else "blank".
-    static QString statusImage(const QString& status);
+    static QString statusImage(QStringView status);
 
     // The records a command acts on. "Missing" and "Embedded" links are left out unless `sender`
     // is "goToLink". A right-clicked row outside the selection is taken from the top-level rows

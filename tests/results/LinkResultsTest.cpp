@@ -193,6 +193,20 @@ TEST(LinkRules, DisplayKeysAndThePlainCopyWithoutLinks)
     EXPECT_EQ(judged[1].toMap().value(kStatusImgKey).toString(), QStringLiteral("blank"));
 }
 
+TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
+{
+    // Long lists are judged on several threads; the result must not show it.
+    QVariantList records;
+    for (int i = 0; i < 4500; ++i)
+        records.append(link({{QStringLiteral("id"), QString::number(i)}, {QStringLiteral("eres"), QString::number(i % 600)}}));
+    const QVariantMap preset = linksPreset(resolution(QStringLiteral("100"), QStringLiteral("500")));
+    const QVariantList judged = QNLinksOutline::applyCurrPresetToArray(records, preset);
+    ASSERT_EQ(judged.size(), records.size());
+    for (qsizetype i = 0; i < records.size(); i += 499)
+        EXPECT_EQ(judged[i], QNLinksOutline::applyCurrPresetToArray({records[i]}, preset)[0]) << i;
+    EXPECT_EQ(judged.last().toMap().value(QStringLiteral("id")).toString(), QStringLiteral("4499"));
+}
+
 TEST(LinkResults, LoadingSortsTheTopLevelRows)
 {
     const QVariantMap data{{QStringLiteral("/jobs/a.indd"),
