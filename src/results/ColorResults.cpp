@@ -21,16 +21,10 @@ void QNColorsOutlineController::startup()
 
 void QNColorsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
-    m_dataFile = dataFile;
     m_presetDict = preset.value(kPresetColorsKey).toMap();
-    m_items = loadResultRows(dataFile, [this](const QVariantMap& doc) {
+    load(dataFile, [this](const QVariantMap& doc) {
         return judgeColors(prepareColorsArr(doc.value(app::kGroupChildrenKey).toList(), doc), m_presetDict);
     });
-}
-
-QString QNColorsOutlineController::headerTitle() const
-{
-    return listHeaderTitle(QStringLiteral("COLORS"), m_items.size());
 }
 
 void QNColorsOutlineController::reapplyPreset(const QVariantMap& preset)

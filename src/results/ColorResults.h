@@ -12,21 +12,14 @@ namespace quillon::results {
 
 // The colour results: the swatches of the preflighted document (or one group per document),
 // prepared for display and judged by the colour check boxes of the current checkup preset.
-class QNColorsOutlineController {
+class QNColorsOutlineController : public ResultList {
 public:
+    QNColorsOutlineController() : ResultList(QStringLiteral("COLORS")) {}
     void startup();
-    void clear()
-    {
-        m_dataFile.clear();
-        m_items.clear();
-    }
 
     // Loads the rows from the colour data file's dictionary: each document's records are prepared
     // (with its unused names and Registration count) and judged with the preset.
     void setItems(const QVariantMap& dataFile, const QVariantMap& preset);
-    const QVariantList& items() const { return m_items; }
-    QString headerTitle() const;
-    void sortItems(const QList<SortDescriptor>& descriptors) { sortRows(m_items, descriptors); }
 
     // Judges the rows of the last data file again with another preset (the user chose one).
     void reapplyPreset(const QVariantMap& preset);
@@ -68,8 +61,6 @@ public:
     static SwatchSample swatchSample(const QString& space, const QVariantList& normalizedValues);
 
 private:
-    QVariantMap m_dataFile;
-    QVariantList m_items;
     QVariantMap m_presetDict;
 };
 

@@ -8,22 +8,15 @@
 #include "results/ResultKeys.h"
 #include "results/TextMatching.h"
 
-#include <algorithm>
 #include <array>
 
 namespace quillon::results {
 
 namespace pf = quillon::preflight;
 
-void QNFontsOutlineController::startup()
-{
-    clear();
-}
-
 void QNFontsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
-    m_dataFile = dataFile;
-    m_items = loadResultRows(dataFile, [&preset](const QVariantMap& doc) {
+    load(dataFile, [&preset](const QVariantMap& doc) {
         return applyCurrPresetToArray(doc.value(app::kGroupChildrenKey).toList(), preset);
     });
 }
@@ -31,11 +24,6 @@ void QNFontsOutlineController::setItems(const QVariantMap& dataFile, const QVari
 void QNFontsOutlineController::reapplyPreset(const QVariantMap& preset)
 {
     setItems(m_dataFile, preset);
-}
-
-QString QNFontsOutlineController::headerTitle() const
-{
-    return listHeaderTitle(QStringLiteral("FONTS"), m_items.size());
 }
 
 QVariantList QNFontsOutlineController::applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset)
@@ -180,27 +168,7 @@ bool hasFontPath(const QVariantMap& record)
 
 QVariantList QNFontsOutlineController::itemsForAction(const OutlineSelection& selection)
 {
-    QVariantList rows;
-    if (selection.rows.isEmpty() || (selection.selected.isEmpty() && selection.clickedRow < 0))
-        return rows;
-    if (selection.clickedOutsideSelection()) {
-        if (selection.clickedRow < selection.rows.size()) {
-            const QVariantMap clicked = selection.rows.at(selection.clickedRow).toMap();
-            if (hasFontPath(clicked))
-                rows.append(clicked);
-        }
-        return rows;
-    }
-    QList<qsizetype> selected = selection.selected;
-    std::sort(selected.begin(), selected.end());
-    for (qsizetype row : selected) {
-        if (row < 0 || row >= selection.rows.size())
-            continue;
-        const QVariantMap record = selection.rows.at(row).toMap();
-        if (hasFontPath(record))
-            rows.append(record);
-    }
-    return rows;
+    return rowsToActOn(selection, selection.rows, hasFontPath);
 }
 
 QNFontsOutlineController::RevealMenuItem QNFontsOutlineController::revealMenuItem(const QVariantList& rowsToActOn)

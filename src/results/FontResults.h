@@ -12,30 +12,19 @@ namespace quillon::results {
 // The font results: the fonts of the preflighted document (or one group per document of a batch)
 // judged by the font rules of the current checkup preset. The fonts outline of the desktop
 // application shows `items()`; everything it decides beyond drawing is here.
-class QNFontsOutlineController {
+class QNFontsOutlineController : public ResultList {
 public:
+    QNFontsOutlineController() : ResultList(QStringLiteral("FONTS")) {}
     // Empties the rows.
-    void startup();
-    void clear()
-    {
-        m_dataFile.clear();
-        m_items.clear();
-    }
+    void startup() { clear(); }
 
     // Loads the rows from the font data file's dictionary and judges them with `preset` (the
     // current preset's dictionary; empty when it could not be found, which leaves the records
     // without icons or alerts).
     void setItems(const QVariantMap& dataFile, const QVariantMap& preset);
-    const QVariantList& items() const { return m_items; }
 
     // Judges the rows of the last data file again with another preset (the user chose one).
     void reapplyPreset(const QVariantMap& preset);
-
-    // "FONTS • n" with the number of top-level rows.
-    QString headerTitle() const;
-
-    // Sorts the top-level rows; a group's children keep their order.
-    void sortItems(const QList<SortDescriptor>& descriptors) { sortRows(m_items, descriptors); }
 
     // The rule pass: a copy of every record with "typeIcon", "statusIcon", "alert", "alertName"
     // and "alerts" added, and the name of a font that is not installed cleaned. Pure.
@@ -68,10 +57,6 @@ public:
 
     // The paths "Reveal in Finder..." selects; empty means there is nothing to reveal (beep).
     static QStringList pathsToReveal(const QVariantList& rowsToActOn);
-
-private:
-    QVariantMap m_dataFile;
-    QVariantList m_items;
 };
 
 } // namespace quillon::results

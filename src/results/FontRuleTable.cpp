@@ -42,52 +42,34 @@ const FontAttribute* fontAttributeNamed(const QString& displayName)
 
 void QNFontRulesTableController::plusBtn()
 {
-    m_items.append(QVariantMap{{kRuleAttributeKey, QStringLiteral("Name")},
-                               {kRuleAttributeKeyKey, pf::kFontNameKey},
-                               {kRuleConditionKey, kConditionContains},
-                               {kRuleValueKey, QString()}});
-}
-
-void QNFontRulesTableController::minusBtn(qsizetype row)
-{
-    if (row >= 0 && row < m_items.size())
-        m_items.removeAt(row);
+    appendRule(QStringLiteral("Name"), pf::kFontNameKey, kConditionContains);
 }
 
 void QNFontRulesTableController::attributePopup(qsizetype row, const QString& title)
 {
-    if (row < 0 || row >= m_items.size())
+    if (!hasRow(row))
         return;
-    QVariantMap rule = m_items.at(row).toMap();
-    rule.insert(kRuleAttributeKey, title);
+    QVariantMap r = rule(row);
+    r.insert(kRuleAttributeKey, title);
     const FontAttribute* attribute = fontAttributeNamed(title);
-    rule.insert(kRuleConditionKey, attribute ? attribute->initialCondition : kConditionContains);
-    rule.insert(kRuleValueKey, attribute ? attribute->initialValue : QString());
-    m_items[row] = rule;
+    r.insert(kRuleConditionKey, attribute ? attribute->initialCondition : kConditionContains);
+    r.insert(kRuleValueKey, attribute ? attribute->initialValue : QString());
+    setRule(row, r);
 }
 
 void QNFontRulesTableController::conditionsPopup(qsizetype row, const QString& title)
 {
-    setValue(row, kRuleConditionKey, title);
+    setRuleValue(row, kRuleConditionKey, title);
 }
 
 void QNFontRulesTableController::typeAndStatusPopups(qsizetype row, const QString& title)
 {
-    setValue(row, kRuleValueKey, title);
+    setRuleValue(row, kRuleValueKey, title);
 }
 
 void QNFontRulesTableController::controlTextDidChange(qsizetype row, const QString& text)
 {
-    setValue(row, kRuleValueKey, text);
-}
-
-void QNFontRulesTableController::setValue(qsizetype row, const QString& key, const QString& value)
-{
-    if (row < 0 || row >= m_items.size())
-        return;
-    QVariantMap rule = m_items.at(row).toMap();
-    rule.insert(key, value);
-    m_items[row] = rule;
+    setRuleValue(row, kRuleValueKey, text);
 }
 
 FontRuleValueEntry QNFontRulesTableController::valueEntryForRule(const QVariantMap& rule)

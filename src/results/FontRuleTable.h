@@ -1,5 +1,7 @@
 #pragma once
 
+#include "results/RuleRows.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -38,22 +40,10 @@ inline constexpr std::array<FontAttributeId, 5> kFontAttributeEvaluationOrder{
     FontAttributeId::Name, FontAttributeId::Type, FontAttributeId::Status, FontAttributeId::PostScriptName,
     FontAttributeId::Location};
 
-class QNFontRulesTableController {
+class QNFontRulesTableController : public RuleRows {
 public:
-    void startup() { m_items.clear(); }
-
-    // Shows the selected preset's font rules.
-    void loadPresetData(const QVariantList& rules) { m_items = rules; }
-    // The rules being edited; the presets window writes them into the preset.
-    const QVariantList& items() const { return m_items; }
-
-    // The note "no rules" and its plus button show exactly when there is no rule.
-    bool emptyTableNoteVisible() const { return m_items.isEmpty(); }
-
     // Appends {"Name", "name", "contains", ""}.
     void plusBtn();
-    // Removes the rule of that row; nothing outside the rows.
-    void minusBtn(qsizetype row);
     // Stores the chosen attribute and resets condition and value to the attribute's initial
     // ones; "attributeKey" stays as it was (other readers keep it, the engine ignores it).
     void attributePopup(qsizetype row, const QString& title);
@@ -73,10 +63,6 @@ public:
     static QStringList conditionMenuTitles();
     static QStringList typeMenuTitles();
     static QStringList statusMenuTitles();
-
-private:
-    void setValue(qsizetype row, const QString& key, const QString& value);
-    QVariantList m_items;
 };
 
 } // namespace quillon::results

@@ -21,15 +21,10 @@ namespace lk = quillon::links;
 void QNLinksOutline::setItems(const QVariantMap& dataFile, const QVariantMap& preset,
                               const QList<SortDescriptor>& sort)
 {
-    m_items = loadResultRows(dataFile, [&preset](const QVariantMap& doc) {
+    load(dataFile, [&preset](const QVariantMap& doc) {
         return applyCurrPresetToArray(doc.value(app::kGroupChildrenKey).toList(), preset);
     });
     sortRows(m_items, sort);
-}
-
-QString QNLinksOutline::headerTitle() const
-{
-    return listHeaderTitle(QStringLiteral("LINKS"), m_items.size());
 }
 
 namespace {
@@ -332,28 +327,9 @@ bool isExcludedStatus(const QVariantMap& record, bool excludeAbsentFiles)
 QVariantList QNLinksOutline::itemsForAction(const OutlineSelection& selection, const QVariantList& topLevelItems,
                                             const QString& sender)
 {
-    QVariantList rows;
-    if (selection.rows.isEmpty() || (selection.selected.isEmpty() && selection.clickedRow < 0))
-        return rows;
     const bool exclude = sender != QLatin1String("goToLink");
-    if (selection.clickedOutsideSelection()) {
-        if (selection.clickedRow < topLevelItems.size()) {
-            const QVariantMap clicked = topLevelItems.at(selection.clickedRow).toMap();
-            if (!isExcludedStatus(clicked, exclude))
-                rows.append(clicked);
-        }
-        return rows;
-    }
-    QList<qsizetype> selected = selection.selected;
-    std::sort(selected.begin(), selected.end());
-    for (qsizetype row : selected) {
-        if (row < 0 || row >= selection.rows.size())
-            continue;
-        const QVariantMap record = selection.rows.at(row).toMap();
-        if (!isExcludedStatus(record, exclude))
-            rows.append(record);
-    }
-    return rows;
+    return rowsToActOn(selection, topLevelItems,
+                       [exclude](const QVariantMap& record) { return !isExcludedStatus(record, exclude); });
 }
 
 std::optional<QList<qsizetype>> QNLinksOutline::indexesOfItemsWhosePathIs(const QVariantList& items,

@@ -14,19 +14,16 @@ namespace quillon::results {
 
 // The link results: every placed link of the preflighted document (or one group per document),
 // judged by the link rules and thresholds of the current checkup preset.
-class QNLinksOutline {
+class QNLinksOutline : public ResultList {
 public:
-    void startup() { m_items.clear(); }
-    void clear() { m_items.clear(); }
+    QNLinksOutline() : ResultList(QStringLiteral("LINKS")) {}
+    void startup() { clear(); }
 
     // Loads the rows from the link data file's dictionary, judges them with `preset` and sorts
     // the top-level rows with the list's current sort descriptors.
     void setItems(const QVariantMap& dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort = {});
-    const QVariantList& items() const { return m_items; }
     // The rows, for the rename (which changes "name" and "path" of the relinked rows).
     QVariantList& mutableItems() { return m_items; }
-    QString headerTitle() const;
-    void sortItems(const QList<SortDescriptor>& descriptors) { sortRows(m_items, descriptors); }
 
     // The rule pass: a copy of every record with "icon", "statusImg", "badfolder", "alerts",
     // "alert" and "alertName" added. Pure; see LinkResults.cpp for the order of the checks.
@@ -64,9 +61,6 @@ public:
         QString docName;
     };
     static std::optional<GoToLinkTarget> goToLinkTarget(const QVariantList& rowsToActOn);
-
-private:
-    QVariantList m_items;
 };
 
 } // namespace quillon::results

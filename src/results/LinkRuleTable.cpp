@@ -48,23 +48,14 @@ QString linkStatusForIndex(qint64 index)
 
 void QNLinkRulesTable::plusBtn()
 {
-    m_items.append(QVariantMap{{kRuleAttributeKey, QStringLiteral("Kind")},
-                               {kRuleAttributeKeyKey, lk::kLinkKindKey},
-                               {kRuleConditionKey, kConditionContains},
-                               {kRuleValueKey, QString()}});
-}
-
-void QNLinkRulesTable::minusBtn(qsizetype selectedRow)
-{
-    if (selectedRow >= 0 && selectedRow < m_items.size())
-        m_items.removeAt(selectedRow);
+    appendRule(QStringLiteral("Kind"), lk::kLinkKindKey, kConditionContains);
 }
 
 void QNLinkRulesTable::setObjectValue(const QString& column, qsizetype row, const QVariant& value)
 {
-    if (row < 0 || row >= m_items.size())
+    if (!hasRow(row))
         return;
-    QVariantMap rule = m_items.at(row).toMap();
+    QVariantMap rule = RuleRows::rule(row);
     if (column == kRuleValueKey) {
         const bool fromStatusMenu = valueIsStatusMenu(rule) && value.typeId() != QMetaType::QString;
         rule.insert(kRuleValueKey, fromStatusMenu ? linkStatusForIndex(value.toLongLong()) : value.toString());
@@ -81,7 +72,7 @@ void QNLinkRulesTable::setObjectValue(const QString& column, qsizetype row, cons
     } else {
         return;
     }
-    m_items[row] = rule;
+    setRule(row, rule);
 }
 
 bool QNLinkRulesTable::valueIsStatusMenu(const QVariantMap& rule)

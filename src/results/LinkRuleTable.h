@@ -1,5 +1,7 @@
 #pragma once
 
+#include "results/RuleRows.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -24,19 +26,10 @@ QString linkAttributeKey(const QString& displayName);
 // index): 0 "Missing", 1 "Modified", 2 "Embedded", anything else "Missing".
 QString linkStatusForIndex(qint64 index);
 
-class QNLinkRulesTable {
+class QNLinkRulesTable : public RuleRows {
 public:
-    void startup() { m_items.clear(); }
-
-    // Shows the selected preset's link rules.
-    void loadPresetData(const QVariantList& rules) { m_items = rules; }
-    const QVariantList& items() const { return m_items; }
-    bool emptyTableNoteVisible() const { return m_items.isEmpty(); }
-
-    // Appends {"Kind", "kind", "contains", ""}.
+    // Appends {"Kind", "kind", "contains", ""}. (The minus button removes the selected row.)
     void plusBtn();
-    // Removes the selected row; nothing without one (-1).
-    void minusBtn(qsizetype selectedRow);
 
     // An edit of a cell. "value": typed text, or the status pop-up's index on a "Status" row,
     // stored as the status text. "attribute" and "condition": the chosen menu title; choosing an
@@ -51,9 +44,6 @@ public:
     static QStringList attributeMenuTitles();
     static QStringList conditionMenuTitles();
     static QStringList statusMenuTitles();
-
-private:
-    QVariantList m_items;
 };
 
 } // namespace quillon::results

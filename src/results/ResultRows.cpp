@@ -92,6 +92,32 @@ void setAlertDecoration(QVariantMap& record, const QString& alertImage)
     record.insert(kAlertNameKey, alerted ? kImageWarning : QString());
 }
 
+QVariantList rowsToActOn(const OutlineSelection& selection, const QVariantList& clickedRows,
+                         const std::function<bool(const QVariantMap& record)>& accept)
+{
+    QVariantList rows;
+    if (selection.rows.isEmpty() || (selection.selected.isEmpty() && selection.clickedRow < 0))
+        return rows;
+    if (selection.clickedOutsideSelection()) {
+        if (selection.clickedRow < clickedRows.size()) {
+            const QVariantMap clicked = clickedRows.at(selection.clickedRow).toMap();
+            if (accept(clicked))
+                rows.append(clicked);
+        }
+        return rows;
+    }
+    QList<qsizetype> selected = selection.selected;
+    std::sort(selected.begin(), selected.end());
+    for (qsizetype row : selected) {
+        if (row < 0 || row >= selection.rows.size())
+            continue;
+        const QVariantMap record = selection.rows.at(row).toMap();
+        if (accept(record))
+            rows.append(record);
+    }
+    return rows;
+}
+
 namespace {
 
 bool isNumber(const QVariant& v)

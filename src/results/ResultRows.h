@@ -71,4 +71,39 @@ struct SortDescriptor {
 // Sorts rows by the descriptors, first descriptor first; stable, absent values first.
 void sortRows(QVariantList& rows, const QList<SortDescriptor>& descriptors);
 
+// The records a context-menu command acts on: with a right-clicked row outside the selection that
+// row alone (taken from `clickedRows` by its row number), else the selected rows in row order;
+// only records `accept` takes. Nothing without rows, or without a selection and a click.
+QVariantList rowsToActOn(const OutlineSelection& selection, const QVariantList& clickedRows,
+                         const std::function<bool(const QVariantMap& record)>& accept);
+
+// What the font, colour and link lists share: the top-level rows loaded from a data file and the
+// header that counts them.
+class ResultList {
+public:
+    const QVariantList& items() const { return m_items; }
+    void clear()
+    {
+        m_dataFile.clear();
+        m_items.clear();
+    }
+    // "FONTS • n", "COLORS • n", "LINKS • n" with the number of top-level rows.
+    QString headerTitle() const { return listHeaderTitle(m_headerWord, m_items.size()); }
+    // Sorts the top-level rows; a group's children keep their order.
+    void sortItems(const QList<SortDescriptor>& descriptors) { sortRows(m_items, descriptors); }
+
+protected:
+    explicit ResultList(QString headerWord) : m_headerWord(std::move(headerWord)) {}
+    // Keeps the data file (for judging it again) and loads its judged rows.
+    void load(const QVariantMap& dataFile, const DocumentJudge& judge)
+    {
+        m_dataFile = dataFile;
+        m_items = loadResultRows(dataFile, judge);
+    }
+
+    QString m_headerWord;
+    QVariantMap m_dataFile;
+    QVariantList m_items;
+};
+
 } // namespace quillon::results
