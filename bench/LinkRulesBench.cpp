@@ -88,6 +88,7 @@ QVariantList linkRecords(int count)
     return records;
 }
 
+// The caller keeps its records: every record is copied before the display keys go in.
 void BM_JudgeLinks(benchmark::State& state)
 {
     const QVariantList records = linkRecords(static_cast<int>(state.range(0)));
@@ -99,6 +100,29 @@ void BM_JudgeLinks(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_JudgeLinks)->Arg(10000)->Arg(500)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// The records are handed over, as the link list does with a data file it has just read: they
+// take the display keys in place.
+void BM_JudgeHandedOverLinks(benchmark::State& state)
+{
+    const QVariantList records = linkRecords(static_cast<int>(state.range(0)));
+    const QVariantMap preset = everyRuleKindPreset();
+    for (auto _ : state) {
+        state.PauseTiming();
+        QVariantList own;
+        own.reserve(records.size());
+        for (const QVariant& r : records) {
+            QVariantMap copy = r.toMap();
+            copy.detach();
+            own.append(std::move(copy));
+        }
+        state.ResumeTiming();
+        QVariantList judged = QNLinksOutline::applyCurrPresetToArray(std::move(own), preset);
+        benchmark::DoNotOptimize(judged);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_JudgeHandedOverLinks)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // The floor: copying every record and adding the six display keys, with no judging, on one thread.
 void BM_CopyOnly(benchmark::State& state)

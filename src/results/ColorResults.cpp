@@ -22,7 +22,8 @@ void QNColorsOutlineController::startup()
 void QNColorsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
     m_presetDict = preset.value(kPresetColorsKey).toMap();
-    load(dataFile, [this](const QVariantMap& doc) {
+    m_dataFile = dataFile;
+    m_items = loadResultRows(dataFile, [this](QVariantMap doc) {
         return judgeColors(prepareColorsArr(doc.value(app::kGroupChildrenKey).toList(), doc), m_presetDict);
     });
 }

@@ -23,6 +23,11 @@ public:
 
     // Judges the rows of the last data file again with another preset (the user chose one).
     void reapplyPreset(const QVariantMap& preset);
+    void clear()
+    {
+        ResultList::clear();
+        m_dataFile.clear();
+    }
 
     // Keeps the preset's "Colors" as `presetDict()` and judges the records with it.
     QVariantList applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset);
@@ -61,6 +66,7 @@ public:
     static SwatchSample swatchSample(const QString& space, const QVariantList& normalizedValues);
 
 private:
+    QVariantMap m_dataFile;
     QVariantMap m_presetDict;
 };
 

@@ -16,8 +16,9 @@ namespace pf = quillon::preflight;
 
 void QNFontsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
-    load(dataFile, [&preset](const QVariantMap& doc) {
-        return applyCurrPresetToArray(doc.value(app::kGroupChildrenKey).toList(), preset);
+    m_dataFile = dataFile;
+    m_items = loadResultRows(dataFile, [&preset](QVariantMap doc) {
+        return applyCurrPresetToArray(takeList(doc[app::kGroupChildrenKey]), preset);
     });
 }
 
@@ -26,7 +27,7 @@ void QNFontsOutlineController::reapplyPreset(const QVariantMap& preset)
     setItems(m_dataFile, preset);
 }
 
-QVariantList QNFontsOutlineController::applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset)
+QVariantList QNFontsOutlineController::applyCurrPresetToArray(QVariantList records, const QVariantMap& preset)
 {
     const auto fontsIt = preset.constFind(kPresetFontsKey);
     if (fontsIt == preset.cend())
@@ -50,8 +51,8 @@ QVariantList QNFontsOutlineController::applyCurrPresetToArray(const QVariantList
 
     QVariantList judged;
     judged.reserve(records.size());
-    for (const QVariant& input : records) {
-        QVariantMap record = input.toMap();
+    for (QVariant& input : records) {
+        QVariantMap record = takeMap(input);
         const QString status = record.value(pf::kFontStatusKey).toString();
         record.insert(kTypeIconKey, iconForFontType(record.value(pf::kFontTypeKey).toString()));
         if (status != pf::kFontStatusInstalled)

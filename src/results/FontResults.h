@@ -25,10 +25,15 @@ public:
 
     // Judges the rows of the last data file again with another preset (the user chose one).
     void reapplyPreset(const QVariantMap& preset);
+    void clear()
+    {
+        ResultList::clear();
+        m_dataFile.clear();
+    }
 
     // The rule pass: a copy of every record with "typeIcon", "statusIcon", "alert", "alertName"
     // and "alerts" added, and the name of a font that is not installed cleaned. Pure.
-    static QVariantList applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset);
+    static QVariantList applyCurrPresetToArray(QVariantList records, const QVariantMap& preset);
 
     // A missing font's name with its doubled style made single ("Minion Pro RegularRegular"
     // gives "Minion Pro Regular"); see the .cpp for the order of the tests.
@@ -57,6 +62,9 @@ public:
 
     // The paths "Reveal in Finder..." selects; empty means there is nothing to reveal (beep).
     static QStringList pathsToReveal(const QVariantList& rowsToActOn);
+
+private:
+    QVariantMap m_dataFile;
 };
 
 } // namespace quillon::results

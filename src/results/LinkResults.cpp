@@ -18,11 +18,10 @@ namespace quillon::results {
 
 namespace lk = quillon::links;
 
-void QNLinksOutline::setItems(const QVariantMap& dataFile, const QVariantMap& preset,
-                              const QList<SortDescriptor>& sort)
+void QNLinksOutline::setItems(QVariantMap dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort)
 {
-    load(dataFile, [&preset](const QVariantMap& doc) {
-        return applyCurrPresetToArray(doc.value(app::kGroupChildrenKey).toList(), preset);
+    m_items = loadResultRows(std::move(dataFile), [&preset](QVariantMap doc) {
+        return applyCurrPresetToArray(takeList(doc[app::kGroupChildrenKey]), preset);
     });
     sortRows(m_items, sort);
 }
@@ -264,19 +263,19 @@ struct LinkChecks {
 
 } // namespace
 
-QVariantList QNLinksOutline::applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset)
+QVariantList QNLinksOutline::applyCurrPresetToArray(QVariantList records, const QVariantMap& preset)
 {
     const auto linksIt = preset.constFind(kPresetLinksKey);
     if (linksIt == preset.cend())
         return records;
     const LinkChecks checks(linksIt->toMap());
 
-    QVariantList judged(records.size());
-    QVariant* out = judged.data();
-    auto judgeRange = [&records, &checks, out](qsizetype begin, qsizetype end) {
+    // Each record is judged in place of its input, on as many threads as the list is worth.
+    QVariant* rows = records.data();
+    auto judgeRange = [&checks, rows](qsizetype begin, qsizetype end) {
         QString storage;
         for (qsizetype i = begin; i < end; ++i) {
-            QVariantMap record = records.at(i).toMap();
+            QVariantMap record = takeMap(rows[i]);
             const QVariantMap alerts = checks.judge(record);
             const bool alerted = !alerts.isEmpty();
             record.insert(kIconKey, iconForLink(textOf(record, lk::kLinkPathKey, storage)));
@@ -285,11 +284,11 @@ QVariantList QNLinksOutline::applyCurrPresetToArray(const QVariantList& records,
             record.insert(kAlertsKey, alerts);
             record.insert(kAlertKey, alerted ? kImageWarning : kImageBlank);
             record.insert(kAlertNameKey, alerted ? kImageWarning : QString());
-            out[i] = std::move(record);
+            rows[i] = std::move(record);
         }
     };
     runInParallel(records.size(), judgeRange);
-    return judged;
+    return records;
 }
 
 QStringList QNLinksOutline::alertsForFile(const QVariantMap& record, const QString& attribute,

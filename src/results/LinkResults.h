@@ -20,14 +20,16 @@ public:
     void startup() { clear(); }
 
     // Loads the rows from the link data file's dictionary, judges them with `preset` and sorts
-    // the top-level rows with the list's current sort descriptors.
-    void setItems(const QVariantMap& dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort = {});
+    // the top-level rows with the list's current sort descriptors. A data file handed over
+    // (moved in) is judged without copying its records.
+    void setItems(QVariantMap dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort = {});
     // The rows, for the rename (which changes "name" and "path" of the relinked rows).
     QVariantList& mutableItems() { return m_items; }
 
     // The rule pass: a copy of every record with "icon", "statusImg", "badfolder", "alerts",
     // "alert" and "alertName" added. Pure; see LinkResults.cpp for the order of the checks.
-    static QVariantList applyCurrPresetToArray(const QVariantList& records, const QVariantMap& preset);
+    // Records handed over (the list moved in and not shared) are reused rather than copied.
+    static QVariantList applyCurrPresetToArray(QVariantList records, const QVariantMap& preset);
 
     // The alert texts that `conditions` raise on the record's `attribute` key. Unlike the font
     // rules, "is" means exact, case-sensitive equality here, and no diacritics are folded.

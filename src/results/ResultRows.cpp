@@ -13,19 +13,37 @@
 
 namespace quillon::results {
 
-QVariantList loadResultRows(const QVariantMap& dataFile, const DocumentJudge& judge)
+QVariantMap takeMap(QVariant& value)
+{
+    if (value.typeId() != QMetaType::QVariantMap)
+        return value.toMap();
+    QVariantMap taken;
+    taken.swap(*static_cast<QVariantMap*>(value.data()));
+    return taken;
+}
+
+QVariantList takeList(QVariant& value)
+{
+    if (value.typeId() != QMetaType::QVariantList)
+        return value.toList();
+    QVariantList taken;
+    taken.swap(*static_cast<QVariantList*>(value.data()));
+    return taken;
+}
+
+QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge)
 {
     if (dataFile.size() == 1)
-        return judge(dataFile.first().toMap());
+        return judge(takeMap(*dataFile.begin()));
     QVariantList rows;
     rows.reserve(dataFile.size());
-    for (auto it = dataFile.cbegin(); it != dataFile.cend(); ++it) {
+    for (auto it = dataFile.begin(); it != dataFile.end(); ++it) {
         const QString docPath = it.key();
         QVariantMap group;
         group.insert(app::kGroupDocPathKey, docPath);
         group.insert(app::kGroupNameKey, app::lastPathComponent(docPath));
         group.insert(app::kGroupIsDockKey, 1);
-        group.insert(app::kGroupChildrenKey, judge(it.value().toMap()));
+        group.insert(app::kGroupChildrenKey, judge(takeMap(it.value())));
         rows.append(group);
     }
     return rows;

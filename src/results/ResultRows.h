@@ -15,12 +15,18 @@ namespace quillon::results {
 
 // Judges the records of one document: given the document's dictionary from the data file
 // ("children" and whatever else the file keeps per document), returns its judged records.
-using DocumentJudge = std::function<QVariantList(const QVariantMap& documentDict)>;
+using DocumentJudge = std::function<QVariantList(QVariantMap documentDict)>;
 
 // The rows of a data file: with exactly one document its judged records (a flat list);
 // otherwise one group row per document in key order ("docPath", "name" = the path's last
-// component, "isDock" = 1, "children" = its judged records).
-QVariantList loadResultRows(const QVariantMap& dataFile, const DocumentJudge& judge);
+// component, "isDock" = 1, "children" = its judged records). A data file handed over (moved in)
+// hands its records on without copying them.
+QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge);
+
+// The map or list a value holds, taken out of it: no copy when nothing else shares it (the value
+// is left empty). A value of another type is converted.
+QVariantMap takeMap(QVariant& value);
+QVariantList takeList(QVariant& value);
 
 // The dictionary of a data file in the temporary folder; empty (and logged) when the file is
 // missing or unreadable.
@@ -77,16 +83,11 @@ void sortRows(QVariantList& rows, const QList<SortDescriptor>& descriptors);
 QVariantList rowsToActOn(const OutlineSelection& selection, const QVariantList& clickedRows,
                          const std::function<bool(const QVariantMap& record)>& accept);
 
-// What the font, colour and link lists share: the top-level rows loaded from a data file and the
-// header that counts them.
+// What the font, colour and link lists share: the top-level rows and the header that counts them.
 class ResultList {
 public:
     const QVariantList& items() const { return m_items; }
-    void clear()
-    {
-        m_dataFile.clear();
-        m_items.clear();
-    }
+    void clear() { m_items.clear(); }
     // "FONTS • n", "COLORS • n", "LINKS • n" with the number of top-level rows.
     QString headerTitle() const { return listHeaderTitle(m_headerWord, m_items.size()); }
     // Sorts the top-level rows; a group's children keep their order.
@@ -94,15 +95,8 @@ public:
 
 protected:
     explicit ResultList(QString headerWord) : m_headerWord(std::move(headerWord)) {}
-    // Keeps the data file (for judging it again) and loads its judged rows.
-    void load(const QVariantMap& dataFile, const DocumentJudge& judge)
-    {
-        m_dataFile = dataFile;
-        m_items = loadResultRows(dataFile, judge);
-    }
 
     QString m_headerWord;
-    QVariantMap m_dataFile;
     QVariantList m_items;
 };
 

@@ -205,6 +205,9 @@ TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
     for (qsizetype i = 0; i < records.size(); i += 499)
         EXPECT_EQ(judged[i], QNLinksOutline::applyCurrPresetToArray({records[i]}, preset)[0]) << i;
     EXPECT_EQ(judged.last().toMap().value(QStringLiteral("id")).toString(), QStringLiteral("4499"));
+    // The caller's records are left as they were; only records handed over are reused.
+    EXPECT_FALSE(records.first().toMap().contains(kAlertsKey));
+    EXPECT_EQ(QNLinksOutline::applyCurrPresetToArray(std::move(records), preset), judged);
 }
 
 TEST(LinkResults, LoadingSortsTheTopLevelRows)
