@@ -101,13 +101,15 @@ app::Status QNPresetsTable::loadStartupSettings(const app::Settings& settings)
 
 namespace {
 
-// The presets of the folder in name order, each with a "name" (the file's base name when the
+// The presets of the folder in name order (digits by value), each with a "name" (the file's base name when the
 // file gives none).
 QVariantList readPresetFiles(const QString& folder)
 {
     QStringList names = QDir(folder).entryList(QDir::Files);
-    std::sort(names.begin(), names.end(),
-              [](const QString& a, const QString& b) { return app::numericCompare(a, b) < 0; });
+    // By preset name, so "Print" comes before "Print copy 1".
+    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
+        return app::numericCompare(app::stringByDeletingPathExtension(a), app::stringByDeletingPathExtension(b)) < 0;
+    });
     QVariantList presets;
     for (const QString& fileName : names) {
         if (fileName.startsWith(u'.') || app::pathExtension(fileName) != kPresetExtension)
