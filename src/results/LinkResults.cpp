@@ -379,4 +379,18 @@ std::optional<QNLinksOutline::GoToLinkTarget> QNLinksOutline::goToLinkTarget(con
                           app::lastPathComponent(docPath)};
 }
 
+void QNLinksOutline::acquireMetadata(QVariantMap& record,
+                                     const std::function<QVariantList(const QString& path)>& readMetadata)
+{
+    if (app::variantToBool(record.value(lk::kLinkMetadataWasAquiredKey)))
+        return;
+    record.insert(lk::kLinkMetadataWasAquiredKey, true);
+    record.insert(lk::kLinkMetadataKey, readMetadata ? readMetadata(record.value(lk::kLinkPathKey).toString()) : QVariantList());
+}
+
+QString QNLinksOutline::openWithPlaceholder(const QVariantList& rowsToActOn)
+{
+    return rowsToActOn.isEmpty() ? QStringLiteral("Selected items cannot be open") : QStringLiteral("Fetching...");
+}
+
 } // namespace quillon::results

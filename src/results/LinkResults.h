@@ -8,6 +8,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <functional>
 #include <optional>
 
 namespace quillon::results {
@@ -63,6 +64,15 @@ public:
         QString docName;
     };
     static std::optional<GoToLinkTarget> goToLinkTarget(const QVariantList& rowsToActOn);
+
+    // On a row's first selection: sets "metadataWasAquired" and stores what `readMetadata` gives
+    // for the file in "metadata" (empty when it gives nothing). Later selections keep both.
+    static void acquireMetadata(QVariantMap& record,
+                                const std::function<QVariantList(const QString& path)>& readMetadata);
+
+    // The first item of the context menu: "Fetching..." while the applications that open the
+    // first file are looked up, or "Selected items cannot be open" when there is no file.
+    static QString openWithPlaceholder(const QVariantList& rowsToActOn);
 };
 
 } // namespace quillon::results

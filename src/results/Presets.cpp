@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -54,6 +55,15 @@ std::uint64_t sizeLimitBytes(const QString& fieldText, const QString& unit)
     if (bytes >= 18446744073709551616.0f)
         return UINT64_MAX;
     return static_cast<std::uint64_t>(bytes);
+}
+
+bool acceptNumericField(app::AlertSink& alerts, const QString& text)
+{
+    static const QRegularExpression number(QStringLiteral("^\\s*([0-9]+\\.?[0-9]*|\\.[0-9]+)?\\s*$"));
+    if (number.match(text).hasMatch())
+        return true;
+    app::runAlert(alerts, QStringLiteral("Invalid numeric value"), QString(), QStringList{QStringLiteral("OK")}, true);
+    return false;
 }
 
 QString stringForKeyInDict(const QString& key, const QVariantMap& dict, const QString& defaultValue)

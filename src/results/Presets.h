@@ -40,6 +40,10 @@ std::uint64_t sizeLimitBytes(const QString& fieldText, const QString& unit);
 // The value when it is non-empty text, else `defaultValue`.
 QString stringForKeyInDict(const QString& key, const QVariantMap& dict, const QString& defaultValue);
 
+// A typed number field (sizes, resolutions): empty or a non-negative decimal number is taken;
+// anything else gets the critical alert "Invalid numeric value" and is refused.
+bool acceptNumericField(app::AlertSink& alerts, const QString& text);
+
 // What the presets window's editors show for a preset, and write back into it.
 struct PresetEditorState {
     QVariantList linkRules;

@@ -1,8 +1,14 @@
 #include "results/LinkResults.h"
 
+#include "app/AppPaths.h"
+#include "app/PropertyList.h"
+#include "app/Settings.h"
+#include "results/LinkOpening.h"
 #include "results/LinkRuleTable.h"
 #include "results/Presets.h"
 #include "results/ResultKeys.h"
+
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -266,6 +272,50 @@ TEST(LinkResults, CellHelpers)
     EXPECT_FALSE(QNLinksOutline::shouldEditName(link({{QStringLiteral("status"), QStringLiteral("Embedded")}}),
                                                 QStringLiteral("name"), false));
     EXPECT_FALSE(QNLinksOutline::shouldEditName(link(), QStringLiteral("name"), true));
+}
+
+TEST(LinkResults, MetadataIsReadOnceAndOpeningIsRemembered)
+{
+    QVariantMap record = link();
+    int reads = 0;
+    const auto reader = [&reads](const QString& path) {
+        ++reads;
+        return QVariantList{QVariantMap{{QStringLiteral("file"), path}}};
+    };
+    QNLinksOutline::acquireMetadata(record, reader);
+    QNLinksOutline::acquireMetadata(record, reader);
+    EXPECT_EQ(reads, 1);
+    EXPECT_TRUE(record.value(QStringLiteral("metadataWasAquired")).toBool());
+    EXPECT_EQ(record.value(QStringLiteral("metadata")).toList().size(), 1);
+
+    EXPECT_EQ(QNLinksOutline::openWithPlaceholder({}), QStringLiteral("Selected items cannot be open"));
+    EXPECT_EQ(QNLinksOutline::openWithPlaceholder({record}), QStringLiteral("Fetching..."));
+
+    QTemporaryDir dir;
+    app::Settings settings(dir.filePath(QStringLiteral("s.ini")));
+    EXPECT_EQ(defaultAppForType(settings, QStringLiteral("tif")), QString());
+    setDefaultAppForType(settings, QStringLiteral("/Applications/Preview.app"), QStringLiteral("tif"));
+    setDefaultAppForType(settings, QStringLiteral("/Applications/Acrobat.app"), QStringLiteral("pdf"));
+    EXPECT_EQ(defaultAppForType(settings, QStringLiteral("tif")), QStringLiteral("/Applications/Preview.app"));
+    EXPECT_EQ(defaultAppForType(settings, QStringLiteral("pdf")), QStringLiteral("/Applications/Acrobat.app"));
+}
+
+TEST(LinkResults, DataFilesFromTheTemporaryFolder)
+{
+    QTemporaryDir dir;
+    app::setTemporaryFolderOverride(dir.path());
+    EXPECT_TRUE(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")).isEmpty());
+    const QVariantMap data{{QStringLiteral("/jobs/a.indd"), QVariantMap{{QStringLiteral("children"), QVariantList{link()}}}}};
+    ASSERT_TRUE(app::writePropertyListFile(data, dir.filePath(QStringLiteral("qnf_tmpLinkData.plist"))).ok());
+    QNLinksOutline outline;
+    outline.setItems(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")),
+                     linksPreset({{QStringLiteral("conditions"),
+                                   QVariantList{rule(QStringLiteral("Kind"), QStringLiteral("contains"), QStringLiteral("TIFF"))}}}));
+    app::setTemporaryFolderOverride({});
+    ASSERT_EQ(outline.items().size(), 1);
+    const QVariantMap judged = outline.items()[0].toMap();
+    EXPECT_TRUE(hasAlertFor(judged, QStringLiteral("kind")));
+    EXPECT_FALSE(hasAlertFor(judged, QStringLiteral("name")));
 }
 
 TEST(LinkRulesEditor, OperationsHaveTheEditorsEffects)

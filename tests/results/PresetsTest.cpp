@@ -323,6 +323,19 @@ TEST_F(Presets, TheCurrentPresetIsReadFromDisk)
     EXPECT_TRUE(m_alerts.requests().back().message.contains(QStringLiteral("Print.qnfp")));
 }
 
+TEST(PresetHelpers, NumericFieldsTakeNumbersOnly)
+{
+    app::ScriptedAlertSink alerts;
+    for (const char* good : {"", "300", "1.5", ".5", " 12 "})
+        EXPECT_TRUE(acceptNumericField(alerts, QLatin1String(good))) << good;
+    EXPECT_TRUE(alerts.requests().empty());
+    for (const char* bad : {"abc", "-3", "1.2.3", "12 MB"})
+        EXPECT_FALSE(acceptNumericField(alerts, QLatin1String(bad))) << bad;
+    ASSERT_EQ(alerts.requests().size(), 4u);
+    EXPECT_EQ(alerts.requests()[0].title, QStringLiteral("Invalid numeric value"));
+    EXPECT_TRUE(alerts.requests()[0].critical);
+}
+
 TEST(PresetHelpers, StringForKeyInDict)
 {
     const QVariantMap dict{{QStringLiteral("a"), QStringLiteral("x")}, {QStringLiteral("b"), QString()}, {QStringLiteral("c"), 3}};
