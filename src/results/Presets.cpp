@@ -111,8 +111,8 @@ app::Status QNPresetsTable::loadStartupSettings(const app::Settings& settings)
 
 namespace {
 
-// The presets of the folder in name order (digits by value), each with a "name" (the file's base name when the
-// file gives none).
+// The presets of the folder in name order (digits by value), each with a "name" (the file's base
+// name when the file gives none).
 QVariantList readPresetFiles(const QString& folder)
 {
     QStringList names = QDir(folder).entryList(QDir::Files);
