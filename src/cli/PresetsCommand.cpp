@@ -204,7 +204,8 @@ int transferOutcome(rs::TransferOutcome outcome)
 void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
 {
     auto options = std::make_shared<PresetsOptions>();
-    CLI::App* presets = program.add_subcommand("presets", "List, show, add, rename, delete, export and import checkup presets");
+    CLI::App* presets =
+        program.add_subcommand("presets", "List, show, add, rename, delete, export and import checkup presets");
     presets->require_subcommand(1);
 
     CLI::App* list = presets->add_subcommand("list", "List the presets, \"[Default]\" first");
@@ -229,58 +230,59 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
     }
 
     commands.push_back({presets, [=]() -> int {
-        TerminalAlerts alerts(options->conflictChoice());
-        if (list->parsed()) {
-            const rs::QNPresetsTable table = loadTable();
-            for (const QString& name : table.presetNames())
-                std::cout << name.toStdString() << "\n";
-            return kExitOk;
-        }
-        if (show->parsed())
-            return showPreset(q(options->name));
-        if (add->parsed()) {
-            rs::QNPresetsTable table = loadTable();
-            const qsizetype row = findPreset(table, q(options->from));
-            if (row < 0)
-                return kExitFailure;
-            table.selectRow(row);
-            const auto name = table.addRow();
-            if (!name) {
-                std::cerr << name.error().text().toStdString() << std::endl;
-                return kExitFailure;
-            }
-            std::cout << name->toStdString() << "\n";
-            return kExitOk;
-        }
-        if (rename->parsed()) {
-            rs::QNPresetsTable table = loadTable();
-            const qsizetype row = findPreset(table, q(options->name));
-            if (row < 0 || !table.renamePreset(row, q(options->newName), alerts))
-                return kExitFailure;
-            followInSettings(q(options->name), q(options->newName));
-            return kExitOk;
-        }
-        if (remove->parsed()) {
-            rs::QNPresetsTable table = loadTable();
-            const qsizetype row = findPreset(table, q(options->name));
-            if (row < 0)
-                return kExitFailure;
-            table.selectRow(row);
-            if (!table.removeRow(alerts))
-                return kExitFailure;
-            followInSettings(q(options->name), QString());
-            return kExitOk;
-        }
-        if (exportCmd->parsed()) {
-            const rs::QNPresetsTable table = loadTable(); // makes "[Default].qnfp" in an empty folder
-            return transferOutcome(
-                rs::exportAllPresets(table.presetsFolder(), QDir(q(options->folder)).absolutePath(), alerts));
-        }
-        QStringList files;
-        for (const std::string& file : options->files)
-            files.append(QFileInfo(q(file)).absoluteFilePath());
-        return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
-    }});
+                            TerminalAlerts alerts(options->conflictChoice());
+                            if (list->parsed()) {
+                                const rs::QNPresetsTable table = loadTable();
+                                for (const QString& name : table.presetNames())
+                                    std::cout << name.toStdString() << "\n";
+                                return kExitOk;
+                            }
+                            if (show->parsed())
+                                return showPreset(q(options->name));
+                            if (add->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->from));
+                                if (row < 0)
+                                    return kExitFailure;
+                                table.selectRow(row);
+                                const auto name = table.addRow();
+                                if (!name) {
+                                    std::cerr << name.error().text().toStdString() << std::endl;
+                                    return kExitFailure;
+                                }
+                                std::cout << name->toStdString() << "\n";
+                                return kExitOk;
+                            }
+                            if (rename->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->name));
+                                if (row < 0 || !table.renamePreset(row, q(options->newName), alerts))
+                                    return kExitFailure;
+                                followInSettings(q(options->name), q(options->newName));
+                                return kExitOk;
+                            }
+                            if (remove->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->name));
+                                if (row < 0)
+                                    return kExitFailure;
+                                table.selectRow(row);
+                                if (!table.removeRow(alerts))
+                                    return kExitFailure;
+                                followInSettings(q(options->name), QString());
+                                return kExitOk;
+                            }
+                            if (exportCmd->parsed()) {
+                                const rs::QNPresetsTable table =
+                                    loadTable(); // makes "[Default].qnfp" in an empty folder
+                                return transferOutcome(rs::exportAllPresets(
+                                    table.presetsFolder(), QDir(q(options->folder)).absolutePath(), alerts));
+                            }
+                            QStringList files;
+                            for (const std::string& file : options->files)
+                                files.append(QFileInfo(q(file)).absoluteFilePath());
+                            return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
+                        }});
 }
 
 } // namespace quillon::cli

@@ -1,7 +1,7 @@
 #include "results/ColorResults.h"
 
-#include "app/NumericText.h"
 #include "app/Numbers.h"
+#include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Records.h"
 #include "app/Settings.h"

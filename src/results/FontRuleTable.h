@@ -22,8 +22,8 @@ enum class FontRuleValueEntry { TextField, TypeMenu, StatusMenu };
 
 struct FontAttribute {
     FontAttributeId id;
-    QString displayName;      // stored in the rule's "attribute"
-    QString recordKey;        // the font record key the rule tests
+    QString displayName; // stored in the rule's "attribute"
+    QString recordKey;   // the font record key the rule tests
     FontRuleValueEntry entry;
     QString initialCondition; // condition and value when the attribute is chosen
     QString initialValue;

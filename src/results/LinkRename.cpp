@@ -50,7 +50,8 @@ bool acceptNewName(app::AlertSink& alerts, const QString& oldName, const QString
         return false;
     }
     if (newName.contains(u':') || newName.contains(u'/')) {
-        alert(alerts, QStringLiteral("Error"), QStringLiteral("File names cannot contain the following characters: : /"));
+        alert(alerts, QStringLiteral("Error"),
+              QStringLiteral("File names cannot contain the following characters: : /"));
         return false;
     }
     if (app::pathExtension(newName) != app::pathExtension(oldName)) {
@@ -86,8 +87,8 @@ LinkRenameResult renameLinkedFile(QVariantList& items, const QVariantMap& edited
 
     if (const std::error_code ec = movePath(oldPath, newPath)) {
         alert(alerts, QStringLiteral("File could not be renamed"),
-              app::withSupportContact(QStringLiteral("File could not be renamed.\r\rError: %1")
-                                          .arg(QString::fromStdString(ec.message()))));
+              app::withSupportContact(
+                  QStringLiteral("File could not be renamed.\r\rError: %1").arg(QString::fromStdString(ec.message()))));
         return {LinkRenameOutcome::NotMoved, {}};
     }
 

@@ -21,12 +21,12 @@ public:
 };
 
 enum class LinkRenameOutcome {
-    Unchanged,     // the new name is the old one
-    Refused,       // the name was refused with an alert; nothing changed
-    NotMoved,      // the file could not be renamed (alert)
-    NotRelinked,   // the file has its new name but the list was left as it was (alert)
-    MovedBack,     // InDesign could not relink: the file has its old name again (alert when that failed)
-    Relinked,      // file renamed and every link to it relinked; the rows hold the new name and path
+    Unchanged,   // the new name is the old one
+    Refused,     // the name was refused with an alert; nothing changed
+    NotMoved,    // the file could not be renamed (alert)
+    NotRelinked, // the file has its new name but the list was left as it was (alert)
+    MovedBack,   // InDesign could not relink: the file has its old name again (alert when that failed)
+    Relinked,    // file renamed and every link to it relinked; the rows hold the new name and path
 };
 
 struct LinkRenameResult {

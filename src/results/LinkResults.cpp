@@ -6,8 +6,8 @@
 #include "app/Settings.h"
 #include "links/LinkRecordKeys.h"
 #include "results/LinkRuleTable.h"
-#include "results/PresetKeys.h"
 #include "results/ParallelRanges.h"
+#include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 
 #include <algorithm>
@@ -291,8 +291,8 @@ QVariantList QNLinksOutline::applyCurrPresetToArray(QVariantList records, const 
     return records;
 }
 
-QStringList QNLinksOutline::alertsForFile(const QVariantMap& record, const QString& attribute,
-                                          const QString& attrUIStr, const QVariantList& conditions)
+QStringList QNLinksOutline::alertsForFile(const QVariantMap& record, const QString& attribute, const QString& attrUIStr,
+                                          const QVariantList& conditions)
 {
     return evaluateRules(onlyTextOf(record, attribute),
                          compileRules(conditions, attrUIStr, attribute == lk::kLinkStatusKey));
@@ -305,7 +305,8 @@ QString QNLinksOutline::iconForLink(QStringView path)
 
 QString QNLinksOutline::statusImage(QStringView status)
 {
-    for (const QString& known : {lk::kLinkStatusOK, lk::kLinkStatusModified, lk::kLinkStatusMissing, lk::kLinkStatusEmbedded})
+    for (const QString& known :
+         {lk::kLinkStatusOK, lk::kLinkStatusModified, lk::kLinkStatusMissing, lk::kLinkStatusEmbedded})
         if (status == known)
             return known;
     return kImageBlank;
@@ -375,8 +376,7 @@ std::optional<QNLinksOutline::GoToLinkTarget> QNLinksOutline::goToLinkTarget(con
         return std::nullopt;
     const QVariantMap first = rowsToActOn.first().toMap();
     const QString docPath = first.value(lk::kLinkDocPathKey).toString();
-    return GoToLinkTarget{first.value(lk::kLinkIdKey).toString(),
-                          app::lastPathComponent(docPath)};
+    return GoToLinkTarget{first.value(lk::kLinkIdKey).toString(), app::lastPathComponent(docPath)};
 }
 
 void QNLinksOutline::acquireMetadata(QVariantMap& record,
@@ -385,7 +385,8 @@ void QNLinksOutline::acquireMetadata(QVariantMap& record,
     if (app::variantToBool(record.value(lk::kLinkMetadataWasAquiredKey)))
         return;
     record.insert(lk::kLinkMetadataWasAquiredKey, true);
-    record.insert(lk::kLinkMetadataKey, readMetadata ? readMetadata(record.value(lk::kLinkPathKey).toString()) : QVariantList());
+    record.insert(lk::kLinkMetadataKey,
+                  readMetadata ? readMetadata(record.value(lk::kLinkPathKey).toString()) : QVariantList());
 }
 
 QString QNLinksOutline::openWithPlaceholder(const QVariantList& rowsToActOn)

@@ -28,20 +28,20 @@ inline const QString kFontsEmbedKey = QStringLiteral("embed");       // boolean,
 inline const QString kFontsEmbedBtnKey = QStringLiteral("embedBtn"); // integer check-box state, written only
 
 // "Links" thresholds.
-inline const QString kSizeBelowFieldKey = QStringLiteral("sizeBelowField");           // text as typed; empty = off
-inline const QString kSizeBelowBytesKey = QStringLiteral("sizeBelowBytes");           // unsigned 64-bit bytes
-inline const QString kSizeBelowUnitsKey = QStringLiteral("sizeBelowUnitsPopup");      // "KB", "MB" or "GB"
+inline const QString kSizeBelowFieldKey = QStringLiteral("sizeBelowField");      // text as typed; empty = off
+inline const QString kSizeBelowBytesKey = QStringLiteral("sizeBelowBytes");      // unsigned 64-bit bytes
+inline const QString kSizeBelowUnitsKey = QStringLiteral("sizeBelowUnitsPopup"); // "KB", "MB" or "GB"
 inline const QString kSizeAboveFieldKey = QStringLiteral("sizeAboveField");
 inline const QString kSizeAboveBytesKey = QStringLiteral("sizeAboveBytes");
 inline const QString kSizeAboveUnitsKey = QStringLiteral("sizeAboveUnitsPopup");
-inline const QString kResBelowFieldKey = QStringLiteral("resBelowField");             // text of a dpi field
+inline const QString kResBelowFieldKey = QStringLiteral("resBelowField"); // text of a dpi field
 inline const QString kResAboveFieldKey = QStringLiteral("resAboveField");
-inline const QString kResBWBelowFieldKey = QStringLiteral("resBWBelowField");         // for "Black and White" images
+inline const QString kResBWBelowFieldKey = QStringLiteral("resBWBelowField"); // for "Black and White" images
 inline const QString kResBWAboveFieldKey = QStringLiteral("resBWAboveField");
-inline const QString kFontsEpsBtnKey = QStringLiteral("fontsEpsBtn");                 // integer state
-inline const QString kFontsEpsMtrxKey = QStringLiteral("fontsEpsMtrx");               // 0 any fonts, other = embedded only
-inline const QString kScaledNonPropBtnKey = QStringLiteral("scaledNonPropBtn");       // integer state
-inline const QString kNonPrintBtnKey = QStringLiteral("nonPrintBtn");                 // integer state
+inline const QString kFontsEpsBtnKey = QStringLiteral("fontsEpsBtn");           // integer state
+inline const QString kFontsEpsMtrxKey = QStringLiteral("fontsEpsMtrx");         // 0 any fonts, other = embedded only
+inline const QString kScaledNonPropBtnKey = QStringLiteral("scaledNonPropBtn"); // integer state
+inline const QString kNonPrintBtnKey = QStringLiteral("nonPrintBtn");           // integer state
 
 inline const QString kUnitKB = QStringLiteral("KB");
 inline const QString kUnitMB = QStringLiteral("MB");

@@ -14,8 +14,9 @@ class AlertSink;
 namespace quillon::results {
 
 // The user defaults of the checkup presets.
-inline const app::SettingKey kSelectedPresetSetting{"selectedPreset", QString()};           // name of the current preset
-inline const app::SettingKey kPresetIndexSelectedOnQuitSetting{"presetIndexSelectedOnQuit", 0}; // presets table row at quit
+inline const app::SettingKey kSelectedPresetSetting{"selectedPreset", QString()}; // name of the current preset
+inline const app::SettingKey kPresetIndexSelectedOnQuitSetting{"presetIndexSelectedOnQuit",
+                                                               0}; // presets table row at quit
 
 // The current preset's name: "selectedPreset", or "[Default]" when it is empty.
 QString selectedPresetName(const app::Settings& settings);

@@ -115,9 +115,9 @@ TransferOutcome importPresets(const QString& presetsFolder, const QStringList& f
         if (QFileInfo::exists(target)) {
             bool replaceThis = mode == Mode::Replace;
             if (mode == Mode::Ask) {
-                const int answer =
-                    app::runAlert(alerts, kConflictTitle, QStringLiteral("Do you want to replace them with the ones you import?"),
-                                  QStringList{QStringLiteral("Replace")}, true);
+                const int answer = app::runAlert(
+                    alerts, kConflictTitle, QStringLiteral("Do you want to replace them with the ones you import?"),
+                    QStringList{QStringLiteral("Replace")}, true);
                 if (answer == kClassicAlertAlternate)
                     return TransferOutcome::Cancelled;
                 if (answer == kClassicAlertDefault)

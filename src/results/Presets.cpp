@@ -234,8 +234,10 @@ app::Status QNPresetsTable::writeCurrPreset(const PresetEditorState& shown)
     links.insert(kResBWAboveFieldKey, shown.resBWAboveField);
     links.insert(kSizeBelowUnitsKey, shown.sizeBelowUnits);
     links.insert(kSizeAboveUnitsKey, shown.sizeAboveUnits);
-    links.insert(kSizeBelowBytesKey, QVariant::fromValue<quint64>(sizeLimitBytes(shown.sizeBelowField, shown.sizeBelowUnits)));
-    links.insert(kSizeAboveBytesKey, QVariant::fromValue<quint64>(sizeLimitBytes(shown.sizeAboveField, shown.sizeAboveUnits)));
+    links.insert(kSizeBelowBytesKey,
+                 QVariant::fromValue<quint64>(sizeLimitBytes(shown.sizeBelowField, shown.sizeBelowUnits)));
+    links.insert(kSizeAboveBytesKey,
+                 QVariant::fromValue<quint64>(sizeLimitBytes(shown.sizeAboveField, shown.sizeAboveUnits)));
     links.insert(kFontsEpsBtnKey, shown.fontsEpsBtn);
     links.insert(kFontsEpsMtrxKey, shown.fontsEpsMtrx);
     links.insert(kScaledNonPropBtnKey, shown.scaledNonPropBtn);

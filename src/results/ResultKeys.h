@@ -7,8 +7,8 @@ namespace quillon::results {
 // Keys the result lists add to the records they judge. Images are kept as image names; whoever
 // draws a row turns a name into an image (and sizes it).
 
-inline const QString kAlertsKey = QStringLiteral("alerts");       // dictionary: record key -> alert text, or array of texts
-inline const QString kAlertKey = QStringLiteral("alert");         // image name: "warning" or "blank"
+inline const QString kAlertsKey = QStringLiteral("alerts"); // dictionary: record key -> alert text, or array of texts
+inline const QString kAlertKey = QStringLiteral("alert");   // image name: "warning" or "blank"
 inline const QString kAlertNameKey = QStringLiteral("alertName"); // "warning" when there are alerts, else ""
 
 // Fonts.

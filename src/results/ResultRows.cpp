@@ -2,8 +2,8 @@
 
 #include "app/AppPaths.h"
 #include "app/Log.h"
-#include "app/PropertyList.h"
 #include "app/PathComponents.h"
+#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "app/Strings.h"

@@ -56,18 +56,18 @@ void setAlertDecoration(QVariantMap& record, const QString& alertImage);
 
 // The rows of an outline as its user sees and selects them.
 struct OutlineSelection {
-    QVariantList rows;            // the record shown at each outline row, in row order
-    QList<qsizetype> selected;    // indexes of the selected rows
-    qsizetype clickedRow = -1;    // the right-clicked row, -1 when none
+    QVariantList rows;         // the record shown at each outline row, in row order
+    QList<qsizetype> selected; // indexes of the selected rows
+    qsizetype clickedRow = -1; // the right-clicked row, -1 when none
     bool clickedOutsideSelection() const { return clickedRow >= 0 && !selected.contains(clickedRow); }
 };
 
 // One sort key of a list, as the user chose it by clicking a column header.
 struct SortDescriptor {
     enum class Comparison {
-        Plain,          // numbers by value, texts by code point
+        Plain, // numbers by value, texts by code point
         CaseInsensitive,
-        Natural,        // case-insensitive with digit runs compared as numbers ("Page 9" < "page 10")
+        Natural, // case-insensitive with digit runs compared as numbers ("Page 9" < "page 10")
     };
     QString key;
     bool ascending = true;

@@ -56,9 +56,14 @@ QList<QNSummaryItem> QNSummaryItem::childrenForSectionTitle(const QString& title
 {
     QStringList titles;
     if (title == kDocumentSection)
-        titles = {QStringLiteral("Name"),  QStringLiteral("Path"),  QStringLiteral("Date Created"),
-                  QStringLiteral("Date Modified"), QStringLiteral("InDesign Version"), QStringLiteral("Pages"),
-                  QStringLiteral("Bleed"), QStringLiteral("Slug")};
+        titles = {QStringLiteral("Name"),
+                  QStringLiteral("Path"),
+                  QStringLiteral("Date Created"),
+                  QStringLiteral("Date Modified"),
+                  QStringLiteral("InDesign Version"),
+                  QStringLiteral("Pages"),
+                  QStringLiteral("Bleed"),
+                  QStringLiteral("Slug")};
     else if (title == kFontsSection)
         titles = {QStringLiteral("Missing"), QStringLiteral("Type 1"), QStringLiteral("TrueType"),
                   QStringLiteral("OpenType"), kTotal};
@@ -66,9 +71,9 @@ QList<QNSummaryItem> QNSummaryItem::childrenForSectionTitle(const QString& title
         titles = {QStringLiteral("Process"), QStringLiteral("Spot"), QStringLiteral("CMYK"), QStringLiteral("RGB"),
                   kTotal};
     else if (title == kLinksSection)
-        titles = {QStringLiteral("Missing"), QStringLiteral("Modified"), QStringLiteral("Embedded"),
-                  QStringLiteral("CMYK"), QStringLiteral("RGB"), kTotal, QStringLiteral("Unique"),
-                  QStringLiteral("Total Size")};
+        titles = {QStringLiteral("Missing"), QStringLiteral("Modified"),  QStringLiteral("Embedded"),
+                  QStringLiteral("CMYK"),    QStringLiteral("RGB"),       kTotal,
+                  QStringLiteral("Unique"),  QStringLiteral("Total Size")};
     QList<QNSummaryItem> children;
     for (const QString& t : titles)
         children.append(childItemWithTitle(t));
@@ -78,8 +83,7 @@ QList<QNSummaryItem> QNSummaryItem::childrenForSectionTitle(const QString& title
 void QNSummaryOutlineController::startup()
 {
     m_items = {QNSummaryItem::sectionItemWithTitle(kDocumentSection),
-               QNSummaryItem::sectionItemWithTitle(kFontsSection),
-               QNSummaryItem::sectionItemWithTitle(kColorsSection),
+               QNSummaryItem::sectionItemWithTitle(kFontsSection), QNSummaryItem::sectionItemWithTitle(kColorsSection),
                QNSummaryItem::sectionItemWithTitle(kLinksSection)};
 }
 
@@ -151,7 +155,8 @@ void QNSummaryOutlineController::loadColorsSummary(const QVariantList& colors)
         countDictsWhoseValueForKey(pf::kColorModelKey, {QStringLiteral("process"), QStringLiteral("spot")}, colors);
     setValue(kColorsSection, QStringLiteral("Process"), count(models.value(QStringLiteral("process"))));
     setValue(kColorsSection, QStringLiteral("Spot"), count(models.value(QStringLiteral("spot"))));
-    const auto spaces = countDictsWhoseValueForKey(pf::kColorSpaceKey, {QStringLiteral("CM"), QStringLiteral("RG")}, colors);
+    const auto spaces =
+        countDictsWhoseValueForKey(pf::kColorSpaceKey, {QStringLiteral("CM"), QStringLiteral("RG")}, colors);
     setValue(kColorsSection, QStringLiteral("CMYK"), count(spaces.value(QStringLiteral("CM"))));
     setValue(kColorsSection, QStringLiteral("RGB"), count(spaces.value(QStringLiteral("RG"))));
 }
@@ -165,7 +170,8 @@ void QNSummaryOutlineController::loadLinksSummary(const QVariantList& links, con
     setValue(kLinksSection, QStringLiteral("Missing"), count(statuses.value(QStringLiteral("Miss"))));
     setValue(kLinksSection, QStringLiteral("Modified"), count(statuses.value(QStringLiteral("Modi"))));
     setValue(kLinksSection, QStringLiteral("Embedded"), count(statuses.value(QStringLiteral("Embed"))));
-    const auto spaces = countDictsWhoseValueForKey(lk::kLinkColorKey, {QStringLiteral("CM"), QStringLiteral("RG")}, links);
+    const auto spaces =
+        countDictsWhoseValueForKey(lk::kLinkColorKey, {QStringLiteral("CM"), QStringLiteral("RG")}, links);
     setValue(kLinksSection, QStringLiteral("CMYK"), count(spaces.value(QStringLiteral("CM"))));
     setValue(kLinksSection, QStringLiteral("RGB"), count(spaces.value(QStringLiteral("RG"))));
     setValue(kLinksSection, QStringLiteral("Total Size"),
@@ -239,8 +245,8 @@ qsizetype QNSummaryOutlineController::numberOfDictsWhoseValueForKey(const QStrin
 }
 
 QMap<QString, qsizetype> QNSummaryOutlineController::countDictsWhoseValueForKey(const QString& key,
-                                                                               const QStringList& parts,
-                                                                               const QVariantList& rows)
+                                                                                const QStringList& parts,
+                                                                                const QVariantList& rows)
 {
     QMap<QString, qsizetype> counts;
     for (const QString& part : parts)

@@ -93,8 +93,9 @@ TEST_F(PresetsCommand, TheCurrentPresetFollowsARenameAndFallsBackOnDelete)
     userSettings().setValue(QStringLiteral("selectedPreset"), QStringLiteral("New Preset 1"));
     ASSERT_EQ(presets({QStringLiteral("rename"), QStringLiteral("New Preset 1"), QStringLiteral("Print")}).exitCode, 0);
     EXPECT_EQ(userSettings().value(QStringLiteral("selectedPreset")).toString(), QStringLiteral("Print"));
-    EXPECT_EQ(app::readPropertyListDictionary(presetFile(QStringLiteral("Print")))->value(QStringLiteral("name")).toString(),
-              QStringLiteral("Print"));
+    EXPECT_EQ(
+        app::readPropertyListDictionary(presetFile(QStringLiteral("Print")))->value(QStringLiteral("name")).toString(),
+        QStringLiteral("Print"));
     ASSERT_EQ(presets({QStringLiteral("delete"), QStringLiteral("Print")}).exitCode, 0);
     EXPECT_FALSE(userSettings().contains(QStringLiteral("selectedPreset")));
     EXPECT_FALSE(QFileInfo::exists(presetFile(QStringLiteral("Print"))));
@@ -113,7 +114,10 @@ TEST_F(PresetsCommand, ConflictsNeedAFlag)
     run = presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--keep-both")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(QFileInfo::exists(m_target.filePath(QStringLiteral("New Preset 1 copy 1.qnfp"))));
-    EXPECT_NE(presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--keep-both"), QStringLiteral("--replace")}).exitCode, 0);
+    EXPECT_NE(
+        presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--keep-both"), QStringLiteral("--replace")})
+            .exitCode,
+        0);
 
     const QString incoming = m_target.filePath(QStringLiteral("New Preset 1.qnfp"));
     run = presets({QStringLiteral("import"), incoming});

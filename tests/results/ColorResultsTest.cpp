@@ -10,8 +10,10 @@ namespace {
 QVariantMap swatch(const QString& name, const QString& model, const QString& space, const QVariantList& values,
                    const QString& used = QStringLiteral("√"))
 {
-    return {{QStringLiteral("name"), name},   {QStringLiteral("spot"), model},
-            {QStringLiteral("space"), space}, {QStringLiteral("colValuesList"), values},
+    return {{QStringLiteral("name"), name},
+            {QStringLiteral("spot"), model},
+            {QStringLiteral("space"), space},
+            {QStringLiteral("colValuesList"), values},
             {QStringLiteral("used"), used}};
 }
 
@@ -40,7 +42,8 @@ TEST(ColorResults, SpecialSwatchesAndValues)
     const QVariantList prepared = QNColorsOutlineController::prepareColorsArr(
         {swatch(QStringLiteral("None"), QStringLiteral("process"), QStringLiteral("CMYK"), {0, 0, 0, 0}),
          swatch(QStringLiteral("Paper"), QStringLiteral("process"), QStringLiteral("CMYK"), {0, 0, 0, 0}),
-         swatch(QStringLiteral("Registration"), QStringLiteral("process"), QStringLiteral("CMYK"), {100, 100, 100, 100}),
+         swatch(QStringLiteral("Registration"), QStringLiteral("process"), QStringLiteral("CMYK"),
+                {100, 100, 100, 100}),
          swatch(QStringLiteral("Black"), QStringLiteral("process"), QStringLiteral("CMYK"), {12.34, 0, 0, 100})},
         documentWith({}));
     ASSERT_EQ(prepared.size(), 3);
@@ -86,12 +89,14 @@ TEST(ColorRules, ChecksByModelSpaceAndUse)
 {
     QNColorsOutlineController controller;
     controller.startup();
-    const QVariantMap data{{QStringLiteral("/d/doc.indd"),
-                            documentWith({swatch(QStringLiteral("Orange"), QStringLiteral("spot"), QStringLiteral("RGB"), {255, 128, 0}),
-                                          swatch(QStringLiteral("Lab Blue"), QStringLiteral("process"), QStringLiteral("LAB"), {40, 10, -60}),
-                                          swatch(QStringLiteral("Old"), QStringLiteral("process"), QStringLiteral("CMYK"), {0, 0, 0, 10}),
-                                          swatch(QStringLiteral("Mix"), QStringLiteral("mixedinkmodel"), QStringLiteral("CMYK"), {})},
-                                         {QStringLiteral("Old")})}};
+    const QVariantMap data{
+        {QStringLiteral("/d/doc.indd"),
+         documentWith(
+             {swatch(QStringLiteral("Orange"), QStringLiteral("spot"), QStringLiteral("RGB"), {255, 128, 0}),
+              swatch(QStringLiteral("Lab Blue"), QStringLiteral("process"), QStringLiteral("LAB"), {40, 10, -60}),
+              swatch(QStringLiteral("Old"), QStringLiteral("process"), QStringLiteral("CMYK"), {0, 0, 0, 10}),
+              swatch(QStringLiteral("Mix"), QStringLiteral("mixedinkmodel"), QStringLiteral("CMYK"), {})},
+             {QStringLiteral("Old")})}};
     controller.setItems(data, colorsPreset({{QStringLiteral("spot"), 1},
                                             {QStringLiteral("RGB"), 1},
                                             {QStringLiteral("LAB"), 1},
@@ -124,9 +129,10 @@ TEST(ColorRules, ChecksByModelSpaceAndUse)
 
 TEST(ColorRules, RegistrationInTextAlertIsWipedByTheRulePass)
 {
-    QVariantList prepared = QNColorsOutlineController::prepareColorsArr(
-        {swatch(QStringLiteral("Registration"), QStringLiteral("process"), QStringLiteral("CMYK"), {100, 100, 100, 100})},
-        documentWith({}, {}, 3));
+    QVariantList prepared =
+        QNColorsOutlineController::prepareColorsArr({swatch(QStringLiteral("Registration"), QStringLiteral("process"),
+                                                            QStringLiteral("CMYK"), {100, 100, 100, 100})},
+                                                    documentWith({}, {}, 3));
     EXPECT_EQ(prepared[0].toMap().value(kAlertsKey).toMap().value(QStringLiteral("spot")).toString(),
               QStringLiteral("[Registration] applied to text: 3 cases"));
     QNColorsOutlineController controller;
@@ -171,16 +177,18 @@ TEST(ColorRulesEditor, CheckBoxesByTitle)
     rules.buttonActions(QStringLiteral("[Registration] applied to text"), 1);
     rules.buttonActions(QStringLiteral("Lab"), 0);
     EXPECT_EQ(rules.colorRulesDict(),
-              (QVariantMap{{QStringLiteral("LAB"), 0}, {QStringLiteral("spot"), 0}, {QStringLiteral("regAppliedToText"), 1}}));
+              (QVariantMap{
+                  {QStringLiteral("LAB"), 0}, {QStringLiteral("spot"), 0}, {QStringLiteral("regAppliedToText"), 1}}));
     EXPECT_EQ(QNColorRules::keysForButtonTitles().size(), 8);
 }
 
 TEST(ColorResults, GroupsPerDocument)
 {
     QNColorsOutlineController controller;
-    controller.setItems({{QStringLiteral("/a.indd"), documentWith({swatch(QStringLiteral("None"), QString(), QString(), {})})},
-                         {QStringLiteral("/b.indd"), documentWith({})}},
-                        {});
+    controller.setItems(
+        {{QStringLiteral("/a.indd"), documentWith({swatch(QStringLiteral("None"), QString(), QString(), {})})},
+         {QStringLiteral("/b.indd"), documentWith({})}},
+        {});
     ASSERT_EQ(controller.items().size(), 2);
     EXPECT_TRUE(controller.items()[0].toMap().value(QStringLiteral("children")).toList().isEmpty());
     EXPECT_EQ(controller.headerTitle(), QStringLiteral("COLORS \u2022 2"));

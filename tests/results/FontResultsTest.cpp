@@ -47,8 +47,9 @@ TEST(FontRules, EachConditionByTheRuleTable)
     });
     const QVariantList judged = QNFontsOutlineController::applyCurrPresetToArray(records, preset);
     ASSERT_EQ(judged.size(), 2);
-    EXPECT_EQ(alertsOf(judged[0]).value(QStringLiteral("name")).toStringList(),
-              (QStringList{QStringLiteral("Name contains \"CAFE\""), QStringLiteral("Name doesn't contain \"arial\"")}));
+    EXPECT_EQ(
+        alertsOf(judged[0]).value(QStringLiteral("name")).toStringList(),
+        (QStringList{QStringLiteral("Name contains \"CAFE\""), QStringLiteral("Name doesn't contain \"arial\"")}));
     EXPECT_EQ(alertsOf(judged[1]).value(QStringLiteral("name")).toStringList(),
               QStringList{QStringLiteral("Name is \"arial*\"")});
     EXPECT_EQ(judged[1].toMap().value(kAlertKey).toString(), QStringLiteral("warning"));
@@ -59,10 +60,11 @@ TEST(FontRules, IsMatchesTheRecordSpellingCaseInsensitivelyButWhole)
 {
     const QVariantMap preset =
         presetWithFontRules({rule(QStringLiteral("Status"), QStringLiteral("is"), QStringLiteral("Missing"))});
-    const QVariantList judged = QNFontsOutlineController::applyCurrPresetToArray(
-        {font(QStringLiteral("A"), QStringLiteral("missing")), font(QStringLiteral("B"), QStringLiteral("missing font")),
-         font(QStringLiteral("C"), QStringLiteral("installed"))},
-        preset);
+    const QVariantList judged =
+        QNFontsOutlineController::applyCurrPresetToArray({font(QStringLiteral("A"), QStringLiteral("missing")),
+                                                          font(QStringLiteral("B"), QStringLiteral("missing font")),
+                                                          font(QStringLiteral("C"), QStringLiteral("installed"))},
+                                                         preset);
     EXPECT_EQ(alertsOf(judged[0]).value(QStringLiteral("status")).toStringList(),
               QStringList{QStringLiteral("Status is \"Missing\"")});
     EXPECT_TRUE(alertsOf(judged[1]).isEmpty());
@@ -85,9 +87,10 @@ TEST(FontRules, EmptyValuesAndEmptyAttributesNeverMatch)
     EXPECT_TRUE(alertsOf(judged[0]).isEmpty());
 
     // With a PostScript name the same rule does raise its alert.
-    const QVariantList withPs = QNFontsOutlineController::applyCurrPresetToArray(
-        {font(QStringLiteral("Any"), QStringLiteral("installed"), QStringLiteral("TrueType"), QStringLiteral("Any-PS"))},
-        preset);
+    const QVariantList withPs =
+        QNFontsOutlineController::applyCurrPresetToArray({font(QStringLiteral("Any"), QStringLiteral("installed"),
+                                                               QStringLiteral("TrueType"), QStringLiteral("Any-PS"))},
+                                                         preset);
     EXPECT_EQ(alertsOf(withPs[0]).keys(), (QStringList{QStringLiteral("path"), QStringLiteral("psfont")}));
 }
 
@@ -116,8 +119,10 @@ TEST(FontRules, EmbeddingIsCheckedUnderEmbedNeverUnderEmbedBtn)
 
     const QVariantList withEmbed = QNFontsOutlineController::applyCurrPresetToArray(
         records, presetWithFontRules({}, {{QStringLiteral("embed"), true}}));
-    EXPECT_EQ(alertsOf(withEmbed[0]).value(QStringLiteral("embed")).toString(), QStringLiteral("PDF embedding not allowed"));
-    EXPECT_EQ(alertsOf(withEmbed[1]).value(QStringLiteral("embed")).toString(), QStringLiteral("PDF embedding not allowed"));
+    EXPECT_EQ(alertsOf(withEmbed[0]).value(QStringLiteral("embed")).toString(),
+              QStringLiteral("PDF embedding not allowed"));
+    EXPECT_EQ(alertsOf(withEmbed[1]).value(QStringLiteral("embed")).toString(),
+              QStringLiteral("PDF embedding not allowed"));
     EXPECT_TRUE(alertsOf(withEmbed[2]).isEmpty());
 }
 
@@ -166,14 +171,16 @@ TEST(FontRules, CleanMissingFontNameFirstTestWins)
 
 TEST(FontRules, IconsByTypeAndStatus)
 {
-    EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("OpenType TrueType")), QStringLiteral("fontOpenType"));
+    EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("OpenType TrueType")),
+              QStringLiteral("fontOpenType"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("type 1")), QStringLiteral("fontPS"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("Type 1")), QStringLiteral("blank"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("TrueType")), QStringLiteral("fontTT"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontType(QStringLiteral("bitmap")), QStringLiteral("fontFauxed"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("installed")), QStringLiteral("OK"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("unknown")), QStringLiteral("Missing"));
-    EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("substituted")), QStringLiteral("fontSubstituted"));
+    EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("substituted")),
+              QStringLiteral("fontSubstituted"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("fauxed")), QStringLiteral("fontFauxed"));
     EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(QStringLiteral("Missing")), QString());
 }
@@ -227,8 +234,9 @@ TEST(FontResults, OneDocumentIsFlatSeveralAreGroups)
 TEST(FontResults, ReapplyingAPresetStartsFromTheRecordsAsLoaded)
 {
     QNFontsOutlineController controller;
-    controller.setItems(dataFileOf({QStringLiteral("/d.indd")}, {font(QStringLiteral("A"), QStringLiteral("missing"))}),
-                        presetWithFontRules({rule(QStringLiteral("Status"), QStringLiteral("is"), QStringLiteral("Missing"))}));
+    controller.setItems(
+        dataFileOf({QStringLiteral("/d.indd")}, {font(QStringLiteral("A"), QStringLiteral("missing"))}),
+        presetWithFontRules({rule(QStringLiteral("Status"), QStringLiteral("is"), QStringLiteral("Missing"))}));
     EXPECT_TRUE(hasAlerts(controller.items()[0].toMap()));
     controller.reapplyPreset({}); // the preset could not be found: no judging at all
     EXPECT_FALSE(controller.items()[0].toMap().contains(kAlertsKey));
@@ -237,12 +245,12 @@ TEST(FontResults, ReapplyingAPresetStartsFromTheRecordsAsLoaded)
 TEST(FontResults, RowsToActOnAndTheRevealItem)
 {
     OutlineSelection selection;
-    selection.rows = {font(QStringLiteral("A"), QStringLiteral("installed"), QStringLiteral("TrueType"), QStringLiteral("A"),
-                           QStringLiteral("/a.ttf")),
-                      font(QStringLiteral("B"), QStringLiteral("missing"), QStringLiteral("TrueType"), QStringLiteral("B"),
-                           QStringLiteral("?")),
-                      font(QStringLiteral("C"), QStringLiteral("installed"), QStringLiteral("OpenType"), QStringLiteral("C"),
-                           QStringLiteral("C (from Adobe Fonts)"))};
+    selection.rows = {font(QStringLiteral("A"), QStringLiteral("installed"), QStringLiteral("TrueType"),
+                           QStringLiteral("A"), QStringLiteral("/a.ttf")),
+                      font(QStringLiteral("B"), QStringLiteral("missing"), QStringLiteral("TrueType"),
+                           QStringLiteral("B"), QStringLiteral("?")),
+                      font(QStringLiteral("C"), QStringLiteral("installed"), QStringLiteral("OpenType"),
+                           QStringLiteral("C"), QStringLiteral("C (from Adobe Fonts)"))};
     EXPECT_TRUE(QNFontsOutlineController::itemsForAction(selection).isEmpty());
 
     // A right-click on an unselected row whose path is "?" acts on nothing.
@@ -317,10 +325,11 @@ TEST(FontRulesEditor, OperationsHaveTheEditorsEffects)
 
 TEST(FontRulesEditor, MenuTitlesMatchTheRecordValues)
 {
-    const QVariantMap records[] = {font(QStringLiteral("a"), QStringLiteral("missing"), QStringLiteral("TrueType")),
-                                   font(QStringLiteral("b"), QStringLiteral("installed"), QStringLiteral("OpenType PS")),
-                                   font(QStringLiteral("c"), QStringLiteral("installed"), QStringLiteral("type 1")),
-                                   font(QStringLiteral("d"), QStringLiteral("substituted"), QStringLiteral("bitmap"))};
+    const QVariantMap records[] = {
+        font(QStringLiteral("a"), QStringLiteral("missing"), QStringLiteral("TrueType")),
+        font(QStringLiteral("b"), QStringLiteral("installed"), QStringLiteral("OpenType PS")),
+        font(QStringLiteral("c"), QStringLiteral("installed"), QStringLiteral("type 1")),
+        font(QStringLiteral("d"), QStringLiteral("substituted"), QStringLiteral("bitmap"))};
     QVariantList rules;
     for (const QString& title : QNFontRulesTableController::typeMenuTitles())
         rules.append(rule(QStringLiteral("Type"), QStringLiteral("is"), title));
@@ -331,7 +340,8 @@ TEST(FontRulesEditor, MenuTitlesMatchTheRecordValues)
         list.append(r);
     const QVariantList judged = QNFontsOutlineController::applyCurrPresetToArray(list, presetWithFontRules(rules));
     for (const QVariant& r : judged)
-        EXPECT_TRUE(alertsOf(r).contains(QStringLiteral("type"))) << r.toMap().value(QStringLiteral("type")).toString().toStdString();
+        EXPECT_TRUE(alertsOf(r).contains(QStringLiteral("type")))
+            << r.toMap().value(QStringLiteral("type")).toString().toStdString();
     EXPECT_TRUE(alertsOf(judged[0]).contains(QStringLiteral("status")));
     EXPECT_TRUE(alertsOf(judged[3]).contains(QStringLiteral("status")));
 }

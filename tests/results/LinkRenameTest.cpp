@@ -84,7 +84,8 @@ TEST_F(LinkRename, RefusalsInTheirOrderLeaveTheFileAlone)
         EXPECT_EQ(lastTitle(), c.title) << c.name.toStdString();
         EXPECT_EQ(m_alerts.requests().back().critical, c.critical) << c.name.toStdString();
     }
-    EXPECT_EQ(m_alerts.requests()[1].message, QStringLiteral("File names cannot contain the following characters: : /"));
+    EXPECT_EQ(m_alerts.requests()[1].message,
+              QStringLiteral("File names cannot contain the following characters: : /"));
     EXPECT_EQ(m_alerts.requests()[6].message,
               QStringLiteral("The file already exists - please choose a different name:\n\ntaken.tif"));
     EXPECT_TRUE(QFileInfo::exists(m_oldPath));
@@ -129,7 +130,8 @@ TEST_F(LinkRename, ABatchMovesTheFileAndThenSaysItIsNotSupported)
                            {QStringLiteral("name"), QStringLiteral("a.indd")},
                            {QStringLiteral("isDock"), 1},
                            {QStringLiteral("children"), rows}}};
-    const LinkRenameResult result = renameLinkedFile(m_items, rows[0].toMap(), QStringLiteral("cover.tif"), m_alerts, m_relinker);
+    const LinkRenameResult result =
+        renameLinkedFile(m_items, rows[0].toMap(), QStringLiteral("cover.tif"), m_alerts, m_relinker);
     EXPECT_EQ(result.outcome, LinkRenameOutcome::NotRelinked);
     EXPECT_TRUE(QFileInfo::exists(m_dir.filePath(QStringLiteral("cover.tif"))));
     EXPECT_EQ(lastTitle(), QStringLiteral("Link renaming for multiple InDesign documents is not supported yet"));
@@ -143,7 +145,8 @@ TEST_F(LinkRename, RowsWithoutTheirIdAreNotFound)
     EXPECT_EQ(renameLinkedFile(m_items, edited, QStringLiteral("cover.tif"), m_alerts, m_relinker).outcome,
               LinkRenameOutcome::NotRelinked);
     EXPECT_EQ(lastTitle(), QStringLiteral("Could not find requested links"));
-    EXPECT_TRUE(m_alerts.requests().back().message.startsWith(QStringLiteral("Links for the selected path could not be found.")));
+    EXPECT_TRUE(m_alerts.requests().back().message.startsWith(
+        QStringLiteral("Links for the selected path could not be found.")));
 }
 
 TEST_F(LinkRename, AFileThatIsGoneCannotBeRenamed)

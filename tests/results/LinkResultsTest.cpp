@@ -56,43 +56,55 @@ QVariantMap alertsOf(const QVariantMap& record, const QVariantMap& links)
 
 TEST(LinkRules, IsIsExactWhileContainsIgnoresCase)
 {
-    const QVariantMap rules{{QStringLiteral("conditions"),
-                             QVariantList{rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("cmyk")),
-                                          rule(QStringLiteral("Color Mode"), QStringLiteral("contains"), QStringLiteral("cmyk")),
-                                          rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("CMYK")),
-                                          rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("RGB"))}}};
+    const QVariantMap rules{
+        {QStringLiteral("conditions"),
+         QVariantList{rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("cmyk")),
+                      rule(QStringLiteral("Color Mode"), QStringLiteral("contains"), QStringLiteral("cmyk")),
+                      rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("CMYK")),
+                      rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("RGB"))}}};
     EXPECT_EQ(alertsOf(link(), rules).value(QStringLiteral("color")).toStringList(),
               (QStringList{QStringLiteral("Color Mode contains \"cmyk\""), QStringLiteral("Color Mode is \"CMYK\""),
                            QStringLiteral("Color Mode doesn't contain \"RGB\"")}));
     // No diacritic folding on links, and the font engine's wildcard means nothing here.
-    const QVariantMap other{{QStringLiteral("conditions"),
-                             QVariantList{rule(QStringLiteral("Name"), QStringLiteral("contains"), QStringLiteral("cafe")),
-                                          rule(QStringLiteral("Name"), QStringLiteral("is"), QStringLiteral("Café*"))}}};
+    const QVariantMap other{
+        {QStringLiteral("conditions"),
+         QVariantList{rule(QStringLiteral("Name"), QStringLiteral("contains"), QStringLiteral("cafe")),
+                      rule(QStringLiteral("Name"), QStringLiteral("is"), QStringLiteral("Café*"))}}};
     EXPECT_TRUE(alertsOf(link({{QStringLiteral("name"), QStringLiteral("Café.tif")}}), other).isEmpty());
 }
 
 TEST(LinkRules, ColorModeNeedsTwoCharactersAndNonTextIsNeverTested)
 {
-    const QVariantMap rules{{QStringLiteral("conditions"),
-                             QVariantList{rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("CMYK")),
-                                          rule(QStringLiteral("ICC Profile"), QStringLiteral("doesn't contain"), QStringLiteral("FOGRA"))}}};
-    EXPECT_TRUE(alertsOf(link({{QStringLiteral("color"), QStringLiteral("G")}, {QStringLiteral("profile"), QString()}}), rules)
-                    .isEmpty());
-    EXPECT_TRUE(alertsOf(link({{QStringLiteral("color"), 42}, {QStringLiteral("profile"), QVariant()}}), rules).isEmpty());
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("color"), QStringLiteral("   -")}, {QStringLiteral("profile"), QStringLiteral("sRGB")}}), rules)
+    const QVariantMap rules{
+        {QStringLiteral("conditions"),
+         QVariantList{
+             rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("CMYK")),
+             rule(QStringLiteral("ICC Profile"), QStringLiteral("doesn't contain"), QStringLiteral("FOGRA"))}}};
+    EXPECT_TRUE(
+        alertsOf(link({{QStringLiteral("color"), QStringLiteral("G")}, {QStringLiteral("profile"), QString()}}), rules)
+            .isEmpty());
+    EXPECT_TRUE(
+        alertsOf(link({{QStringLiteral("color"), 42}, {QStringLiteral("profile"), QVariant()}}), rules).isEmpty());
+    EXPECT_EQ(alertsOf(link({{QStringLiteral("color"), QStringLiteral("   -")},
+                             {QStringLiteral("profile"), QStringLiteral("sRGB")}}),
+                       rules)
                   .keys(),
               (QStringList{QStringLiteral("color"), QStringLiteral("profile")}));
 }
 
 TEST(LinkRules, NumericStatusValuesReadAsStatusNames)
 {
-    const QVariantMap rules{{QStringLiteral("conditions"),
-                             QVariantList{rule(QStringLiteral("Status"), QStringLiteral("is"), 1),
-                                          rule(QStringLiteral("Status"), QStringLiteral("is"), 7),
-                                          rule(QStringLiteral("Kind"), QStringLiteral("is"), 1)}}};
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("status"), QStringLiteral("Modified")}}), rules).value(QStringLiteral("status")).toStringList(),
+    const QVariantMap rules{
+        {QStringLiteral("conditions"), QVariantList{rule(QStringLiteral("Status"), QStringLiteral("is"), 1),
+                                                    rule(QStringLiteral("Status"), QStringLiteral("is"), 7),
+                                                    rule(QStringLiteral("Kind"), QStringLiteral("is"), 1)}}};
+    EXPECT_EQ(alertsOf(link({{QStringLiteral("status"), QStringLiteral("Modified")}}), rules)
+                  .value(QStringLiteral("status"))
+                  .toStringList(),
               QStringList{QStringLiteral("Status is \"Modified\"")});
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("status"), QStringLiteral("Missing")}}), rules).value(QStringLiteral("status")).toStringList(),
+    EXPECT_EQ(alertsOf(link({{QStringLiteral("status"), QStringLiteral("Missing")}}), rules)
+                  .value(QStringLiteral("status"))
+                  .toStringList(),
               QStringList{QStringLiteral("Status is \"Missing\"")});
     EXPECT_EQ(linkStatusForIndex(2), QStringLiteral("Embedded"));
 }
@@ -110,16 +122,21 @@ QVariantMap sizeLimits(const QString& below, const QString& above, const QString
 TEST(LinkThresholds, SizesWrapAt32Bits)
 {
     const QVariantMap threeGiB{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3221225472ULL)}};
-    EXPECT_EQ(alertsOf(link(threeGiB), sizeLimits(QString(), QStringLiteral("100"))).value(QStringLiteral("size")).toString(),
-              QStringLiteral("Size > 100 MB"));
+    EXPECT_EQ(
+        alertsOf(link(threeGiB), sizeLimits(QString(), QStringLiteral("100"))).value(QStringLiteral("size")).toString(),
+        QStringLiteral("Size > 100 MB"));
     EXPECT_TRUE(alertsOf(link(threeGiB), sizeLimits(QStringLiteral("100"), QString())).isEmpty());
     // A 1 GiB file is still below 2 GiB and compares as it is.
     const QVariantMap oneGiB{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(1073741824ULL)}};
     EXPECT_TRUE(alertsOf(link(oneGiB), sizeLimits(QString(), QStringLiteral("2000"))).isEmpty());
-    EXPECT_EQ(alertsOf(link(), sizeLimits(QStringLiteral("0.5"), QStringLiteral("100"))).value(QStringLiteral("size")).toString(),
+    EXPECT_EQ(alertsOf(link(), sizeLimits(QStringLiteral("0.5"), QStringLiteral("100")))
+                  .value(QStringLiteral("size"))
+                  .toString(),
               QStringLiteral("Size < 0.5 MB"));
     // Both limits crossed at once (a nonsense preset): the lower one is reported.
-    EXPECT_EQ(alertsOf(link(), sizeLimits(QStringLiteral("1"), QStringLiteral("0.1"))).value(QStringLiteral("size")).toString(),
+    EXPECT_EQ(alertsOf(link(), sizeLimits(QStringLiteral("1"), QStringLiteral("0.1")))
+                  .value(QStringLiteral("size"))
+                  .toString(),
               QStringLiteral("Size < 1 MB"));
     EXPECT_TRUE(alertsOf(link(), sizeLimits(QString(), QString())).isEmpty());
 }
@@ -151,7 +168,9 @@ TEST(LinkThresholds, ResolutionWithItsBlackAndWhiteSplit)
     EXPECT_TRUE(alertsOf(eres(QStringLiteral("100"), QStringLiteral("Black and White")), colourOnly).isEmpty());
 
     const QVariantMap bwOnly = resolution(QString(), QString(), QStringLiteral("1200"), QString());
-    EXPECT_EQ(alertsOf(eres(QStringLiteral("600"), QStringLiteral("Black and White")), bwOnly).value(QStringLiteral("eres")).toString(),
+    EXPECT_EQ(alertsOf(eres(QStringLiteral("600"), QStringLiteral("Black and White")), bwOnly)
+                  .value(QStringLiteral("eres"))
+                  .toString(),
               QStringLiteral("Effective res < 1200 dpi"));
     EXPECT_TRUE(alertsOf(eres(QStringLiteral("100")), bwOnly).isEmpty());
     // An upper limit alone: no lower bound.
@@ -169,10 +188,9 @@ TEST(LinkThresholds, EpsFontsScaleAndPrinting)
                                                {QStringLiteral("vertScale"), QStringLiteral("50")},
                                                {QStringLiteral("print"), QStringLiteral("-")}}),
                                          checks);
-    EXPECT_EQ(flagged,
-              (QVariantMap{{QStringLiteral("epsfonts"), QStringLiteral("Contains embedded fonts")},
-                           {QStringLiteral("scale"), QStringLiteral("Non-proportional scale")},
-                           {QStringLiteral("print"), QStringLiteral("Non-printing")}}));
+    EXPECT_EQ(flagged, (QVariantMap{{QStringLiteral("epsfonts"), QStringLiteral("Contains embedded fonts")},
+                                    {QStringLiteral("scale"), QStringLiteral("Non-proportional scale")},
+                                    {QStringLiteral("print"), QStringLiteral("Non-printing")}}));
     // Only the integer parts of the scales count; an unembedded list passes "embedded only".
     EXPECT_TRUE(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica\rTimes")},
                                {QStringLiteral("horScale"), QStringLiteral("62.5")},
@@ -181,14 +199,16 @@ TEST(LinkThresholds, EpsFontsScaleAndPrinting)
                     .isEmpty());
     QVariantMap anyFont = checks;
     anyFont.insert(QStringLiteral("fontsEpsMtrx"), 0);
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica")}}), anyFont).value(QStringLiteral("epsfonts")),
+    EXPECT_EQ(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica")}}), anyFont)
+                  .value(QStringLiteral("epsfonts")),
               QStringLiteral("Contains fonts"));
     EXPECT_TRUE(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("-")}}), anyFont).isEmpty());
 }
 
 TEST(LinkRules, DisplayKeysAndThePlainCopyWithoutLinks)
 {
-    const QVariantList records{link(), link({{QStringLiteral("path"), QStringLiteral("?")}, {QStringLiteral("status"), QStringLiteral("<unknown>")}})};
+    const QVariantList records{link(), link({{QStringLiteral("path"), QStringLiteral("?")},
+                                             {QStringLiteral("status"), QStringLiteral("<unknown>")}})};
     EXPECT_EQ(QNLinksOutline::applyCurrPresetToArray(records, {}), records);
     const QVariantList judged = QNLinksOutline::applyCurrPresetToArray(records, linksPreset({}));
     EXPECT_EQ(judged[0].toMap().value(kIconKey).toString(), kImageFileIcon);
@@ -204,7 +224,8 @@ TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
     // Long lists are judged on several threads; the result must not show it.
     QVariantList records;
     for (int i = 0; i < 4500; ++i)
-        records.append(link({{QStringLiteral("id"), QString::number(i)}, {QStringLiteral("eres"), QString::number(i % 600)}}));
+        records.append(
+            link({{QStringLiteral("id"), QString::number(i)}, {QStringLiteral("eres"), QString::number(i % 600)}}));
     const QVariantMap preset = linksPreset(resolution(QStringLiteral("100"), QStringLiteral("500")));
     const QVariantList judged = QNLinksOutline::applyCurrPresetToArray(records, preset);
     ASSERT_EQ(judged.size(), records.size());
@@ -235,7 +256,8 @@ TEST(LinkResults, LoadingSortsTheTopLevelRows)
 
 TEST(LinkResults, RowsToActOnLeaveOutMissingUnlessGoingToTheLink)
 {
-    const QVariantList top{link(), link({{QStringLiteral("status"), QStringLiteral("Missing")}, {QStringLiteral("id"), QStringLiteral("7")}})};
+    const QVariantList top{link(), link({{QStringLiteral("status"), QStringLiteral("Missing")},
+                                         {QStringLiteral("id"), QStringLiteral("7")}})};
     OutlineSelection selection;
     selection.rows = top;
     selection.selected = {0};
@@ -305,12 +327,14 @@ TEST(LinkResults, DataFilesFromTheTemporaryFolder)
     QTemporaryDir dir;
     app::setTemporaryFolderOverride(dir.path());
     EXPECT_TRUE(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")).isEmpty());
-    const QVariantMap data{{QStringLiteral("/jobs/a.indd"), QVariantMap{{QStringLiteral("children"), QVariantList{link()}}}}};
+    const QVariantMap data{
+        {QStringLiteral("/jobs/a.indd"), QVariantMap{{QStringLiteral("children"), QVariantList{link()}}}}};
     ASSERT_TRUE(app::writePropertyListFile(data, dir.filePath(QStringLiteral("qnf_tmpLinkData.plist"))).ok());
     QNLinksOutline outline;
     outline.setItems(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")),
                      linksPreset({{QStringLiteral("conditions"),
-                                   QVariantList{rule(QStringLiteral("Kind"), QStringLiteral("contains"), QStringLiteral("TIFF"))}}}));
+                                   QVariantList{rule(QStringLiteral("Kind"), QStringLiteral("contains"),
+                                                     QStringLiteral("TIFF"))}}}));
     app::setTemporaryFolderOverride({});
     ASSERT_EQ(outline.items().size(), 1);
     const QVariantMap judged = outline.items()[0].toMap();

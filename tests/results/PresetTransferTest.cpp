@@ -25,9 +25,10 @@ protected:
 
     static void writePreset(const QString& folder, const QString& name, const QString& marker)
     {
-        ASSERT_TRUE(app::writePropertyListFile(QVariantMap{{QStringLiteral("name"), name}, {QStringLiteral("marker"), marker}},
-                                               folder + u'/' + name + QStringLiteral(".qnfp"))
-                        .ok());
+        ASSERT_TRUE(
+            app::writePropertyListFile(QVariantMap{{QStringLiteral("name"), name}, {QStringLiteral("marker"), marker}},
+                                       folder + u'/' + name + QStringLiteral(".qnfp"))
+                .ok());
     }
 
     static QVariantMap read(const QString& path)
@@ -105,7 +106,8 @@ TEST_F(PresetTransfer, ImportWithTheDesktopAnswerAlwaysKeepsBothAndAsksAgain)
     writePreset(m_target.path(), QStringLiteral("Print"), QStringLiteral("theirs"));
     writePreset(m_target.path(), QStringLiteral("[Default]"), QStringLiteral("theirs"));
     writePreset(m_target.path(), QStringLiteral("Web"), QStringLiteral("theirs"));
-    const QStringList files{m_target.filePath(QStringLiteral("Print.qnfp")), m_target.filePath(QStringLiteral("[Default].qnfp")),
+    const QStringList files{m_target.filePath(QStringLiteral("Print.qnfp")),
+                            m_target.filePath(QStringLiteral("[Default].qnfp")),
                             m_target.filePath(QStringLiteral("Web.qnfp"))};
     // The desktop's alerts answer 1000 for "Replace".
     EXPECT_EQ(importPresets(m_presets.path(), files, m_alerts), TransferOutcome::Done);
@@ -117,18 +119,21 @@ TEST_F(PresetTransfer, ImportWithTheDesktopAnswerAlwaysKeepsBothAndAsksAgain)
     EXPECT_EQ(read(m_presets.filePath(QStringLiteral("Print copy 1.qnfp"))).value(QStringLiteral("name")).toString(),
               QStringLiteral("Print copy 1"));
     EXPECT_TRUE(QFileInfo::exists(m_presets.filePath(QStringLiteral("[Default] copy 1.qnfp"))));
-    EXPECT_EQ(read(m_presets.filePath(QStringLiteral("Web.qnfp"))).value(QStringLiteral("name")).toString(), QStringLiteral("Web"));
+    EXPECT_EQ(read(m_presets.filePath(QStringLiteral("Web.qnfp"))).value(QStringLiteral("name")).toString(),
+              QStringLiteral("Web"));
 }
 
 TEST_F(PresetTransfer, ImportReadsTheClassicAnswers)
 {
     writePreset(m_target.path(), QStringLiteral("Print"), QStringLiteral("theirs"));
     writePreset(m_target.path(), QStringLiteral("[Default]"), QStringLiteral("theirs"));
-    const QStringList files{m_target.filePath(QStringLiteral("Print.qnfp")), m_target.filePath(QStringLiteral("[Default].qnfp"))};
+    const QStringList files{m_target.filePath(QStringLiteral("Print.qnfp")),
+                            m_target.filePath(QStringLiteral("[Default].qnfp"))};
 
     app::ScriptedAlertSink stop({kClassicAlertAlternate});
     EXPECT_EQ(importPresets(m_presets.path(), files, stop), TransferOutcome::Cancelled);
-    EXPECT_EQ(read(m_presets.filePath(QStringLiteral("Print.qnfp"))).value(QStringLiteral("marker")).toString(), QStringLiteral("ours"));
+    EXPECT_EQ(read(m_presets.filePath(QStringLiteral("Print.qnfp"))).value(QStringLiteral("marker")).toString(),
+              QStringLiteral("ours"));
 
     app::ScriptedAlertSink keepBoth({kClassicAlertOther});
     EXPECT_EQ(importPresets(m_presets.path(), files, keepBoth), TransferOutcome::Done);

@@ -71,12 +71,14 @@ TEST_F(Presets, AnEmptyFolderGetsTheDefaultPresetFile)
     EXPECT_EQ(python.value(QStringLiteral("Links")).toMap().value(QStringLiteral("conditions")).toList(),
               QVariantList{kMissingRule});
     for (const char* empty : {"Colors", "Document", "Options"})
-        EXPECT_TRUE(python.contains(QLatin1String(empty)) && python.value(QLatin1String(empty)).toMap().isEmpty()) << empty;
+        EXPECT_TRUE(python.contains(QLatin1String(empty)) && python.value(QLatin1String(empty)).toMap().isEmpty())
+            << empty;
 }
 
 TEST_F(Presets, DefaultComesFirstAndIsOnlyInMemoryWhenOthersExist)
 {
-    writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}, {QStringLiteral("Fonts"), QVariantMap()}});
+    writePreset(QStringLiteral("Print.qnfp"),
+                {{QStringLiteral("name"), QStringLiteral("Print")}, {QStringLiteral("Fonts"), QVariantMap()}});
     writePreset(QStringLiteral("Web.qnfp"), {{QStringLiteral("name"), QStringLiteral("Web")}});
     writePreset(QStringLiteral(".Hidden.qnfp"), {{QStringLiteral("name"), QStringLiteral("Hidden")}});
     writePreset(QStringLiteral("Empty.qnfp"), {});
@@ -84,7 +86,8 @@ TEST_F(Presets, DefaultComesFirstAndIsOnlyInMemoryWhenOthersExist)
     test::writeAll(file(QStringLiteral("Broken")), "<plist><dict><key>name</key>");
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    EXPECT_EQ(table.presetNames(), (QStringList{QStringLiteral("[Default]"), QStringLiteral("Print"), QStringLiteral("Web")}));
+    EXPECT_EQ(table.presetNames(),
+              (QStringList{QStringLiteral("[Default]"), QStringLiteral("Print"), QStringLiteral("Web")}));
     EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
     EXPECT_FALSE(table.minusButtonEnabled());
 
@@ -123,11 +126,12 @@ TEST_F(Presets, AddingNamesNewPresetsFromOne)
     const auto second = table.addRow();
     ASSERT_TRUE(second.ok());
     EXPECT_EQ(second.value(), QStringLiteral("New Preset 2"));
-    EXPECT_EQ(table.presetNames(),
-              (QStringList{QStringLiteral("[Default]"), QStringLiteral("New Preset 1"), QStringLiteral("New Preset 2")}));
+    EXPECT_EQ(table.presetNames(), (QStringList{QStringLiteral("[Default]"), QStringLiteral("New Preset 1"),
+                                                QStringLiteral("New Preset 2")}));
     const QVariantMap copy = readWithPython(file(QStringLiteral("New Preset 2")));
     EXPECT_EQ(copy.value(QStringLiteral("name")).toString(), QStringLiteral("New Preset 2"));
-    EXPECT_EQ(copy.value(QStringLiteral("Links")).toMap().value(QStringLiteral("conditions")).toList(), QVariantList{kMissingRule});
+    EXPECT_EQ(copy.value(QStringLiteral("Links")).toMap().value(QStringLiteral("conditions")).toList(),
+              QVariantList{kMissingRule});
     // A file that could not be read keeps its name from being reused.
     test::writeAll(file(QStringLiteral("New Preset 3")), "not a plist");
     EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 4"));
@@ -184,9 +188,10 @@ TEST_F(Presets, RenamingRefusesInItsOrder)
         EXPECT_EQ(m_alerts.requests().back().title, r.title) << r.name.toStdString();
         EXPECT_EQ(m_alerts.requests().back().critical, r.critical) << r.name.toStdString();
     }
-    EXPECT_EQ(m_alerts.requests()[2].message,
-              QStringLiteral("Preset names cannot contain the following characters: : / [ ], as well as some other special "
-                             "characters and accented letters."));
+    EXPECT_EQ(
+        m_alerts.requests()[2].message,
+        QStringLiteral("Preset names cannot contain the following characters: : / [ ], as well as some other special "
+                       "characters and accented letters."));
     EXPECT_EQ(m_alerts.requests()[5].message, QStringLiteral("Preset name cannot start with a period (.)"));
     EXPECT_TRUE(QFileInfo::exists(file(QStringLiteral("Print"))));
 
@@ -208,7 +213,8 @@ TEST(PresetSizes, SinglePrecisionByUnit)
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("2"), QStringLiteral("GB")), 2147483648u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("2"), QStringLiteral("TB")), 2147483648u); // any other unit is GB
     // Single precision: 0.3 GB is not 322122547.2 but what a float makes of it.
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("0.3"), QStringLiteral("GB")), static_cast<std::uint64_t>(0.3f * 1073741824.0f));
+    EXPECT_EQ(sizeLimitBytes(QStringLiteral("0.3"), QStringLiteral("GB")),
+              static_cast<std::uint64_t>(0.3f * 1073741824.0f));
     EXPECT_EQ(sizeLimitBytes(QString(), QStringLiteral("MB")), 0u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("-3"), QStringLiteral("MB")), 0u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("lots"), QStringLiteral("MB")), 0u);
@@ -307,8 +313,8 @@ TEST_F(Presets, TheCurrentPresetIsReadFromDisk)
     ASSERT_EQ(m_alerts.requests().size(), 1u);
     EXPECT_EQ(m_alerts.requests()[0].title, QStringLiteral("The selected checkup preset could not be found"));
     EXPECT_FALSE(m_alerts.requests()[0].critical);
-    EXPECT_TRUE(m_alerts.requests()[0].message.startsWith(
-        QStringLiteral("It could be renamed or deleted. Please select a different checkup preset.\n\nPlease report this error to ")));
+    EXPECT_TRUE(m_alerts.requests()[0].message.startsWith(QStringLiteral(
+        "It could be renamed or deleted. Please select a different checkup preset.\n\nPlease report this error to ")));
 
     writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}});
     presetsPopup(settings, QStringLiteral("Print"));
@@ -338,7 +344,8 @@ TEST(PresetHelpers, NumericFieldsTakeNumbersOnly)
 
 TEST(PresetHelpers, StringForKeyInDict)
 {
-    const QVariantMap dict{{QStringLiteral("a"), QStringLiteral("x")}, {QStringLiteral("b"), QString()}, {QStringLiteral("c"), 3}};
+    const QVariantMap dict{
+        {QStringLiteral("a"), QStringLiteral("x")}, {QStringLiteral("b"), QString()}, {QStringLiteral("c"), 3}};
     EXPECT_EQ(stringForKeyInDict(QStringLiteral("a"), dict, QStringLiteral("d")), QStringLiteral("x"));
     EXPECT_EQ(stringForKeyInDict(QStringLiteral("b"), dict, QStringLiteral("d")), QStringLiteral("d"));
     EXPECT_EQ(stringForKeyInDict(QStringLiteral("c"), dict, QStringLiteral("d")), QStringLiteral("d"));

@@ -35,7 +35,8 @@ TEST(Summary, StatusLineCountsAttributesNotTexts)
     const QVariantList fonts{withAlerts({}, {QStringLiteral("name"), QStringLiteral("status")}),
                              withAlerts({}, {QStringLiteral("type")}), withAlerts({}, {})};
     const QVariantList links{withAlerts({}, {QStringLiteral("eres")})};
-    const PreflightStatus status = QNSummaryOutlineController::loadPreflightStatusResults(fonts, {withAlerts({}, {})}, links);
+    const PreflightStatus status =
+        QNSummaryOutlineController::loadPreflightStatusResults(fonts, {withAlerts({}, {})}, links);
     EXPECT_EQ(status.text, QStringLiteral("4 errors found: Fonts: 3 \u2022 Links: 1"));
     EXPECT_EQ(status.total, 4);
     EXPECT_TRUE(status.hasPreflightErrors);
@@ -70,17 +71,23 @@ TEST(Summary, SectionsCountByTheirRules)
     EXPECT_EQ(summary.items()[3].children.size(), 8);
 
     const QVariantList fonts{
-        QVariantMap{{QStringLiteral("status"), QStringLiteral("missing")}, {QStringLiteral("type"), QStringLiteral("type 1")}},
-        QVariantMap{{QStringLiteral("status"), QStringLiteral("installed")}, {QStringLiteral("type"), QStringLiteral("OpenType TrueType")}},
+        QVariantMap{{QStringLiteral("status"), QStringLiteral("missing")},
+                    {QStringLiteral("type"), QStringLiteral("type 1")}},
+        QVariantMap{{QStringLiteral("status"), QStringLiteral("installed")},
+                    {QStringLiteral("type"), QStringLiteral("OpenType TrueType")}},
         QVariantMap{{QStringLiteral("status"), QStringLiteral("installed")}, {QStringLiteral("type"), 7}}};
-    const QVariantList colors{
-        QVariantMap{{QStringLiteral("spot"), QStringLiteral("spot")}, {QStringLiteral("space"), QStringLiteral("CMYK")}},
-        QVariantMap{{QStringLiteral("spot"), QStringLiteral("process")}, {QStringLiteral("space"), QStringLiteral("RGB")}}};
-    const QVariantList links{
-        QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")}, {QStringLiteral("status"), QStringLiteral("Missing")},
-                    {QStringLiteral("color"), QStringLiteral("CMYK + Spot")}, {QStringLiteral("sizebytes"), 0}},
-        QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")}, {QStringLiteral("status"), QStringLiteral("OK")},
-                    {QStringLiteral("color"), QStringLiteral("Indexed RGB")}, {QStringLiteral("sizebytes"), 0}}};
+    const QVariantList colors{QVariantMap{{QStringLiteral("spot"), QStringLiteral("spot")},
+                                          {QStringLiteral("space"), QStringLiteral("CMYK")}},
+                              QVariantMap{{QStringLiteral("spot"), QStringLiteral("process")},
+                                          {QStringLiteral("space"), QStringLiteral("RGB")}}};
+    const QVariantList links{QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")},
+                                         {QStringLiteral("status"), QStringLiteral("Missing")},
+                                         {QStringLiteral("color"), QStringLiteral("CMYK + Spot")},
+                                         {QStringLiteral("sizebytes"), 0}},
+                             QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")},
+                                         {QStringLiteral("status"), QStringLiteral("OK")},
+                                         {QStringLiteral("color"), QStringLiteral("Indexed RGB")},
+                                         {QStringLiteral("sizebytes"), 0}}};
     SummaryDocumentInfo doc;
     doc.docName = QStringLiteral("brochure.indd");
     doc.numberOfPagesStr = QStringLiteral("12");
@@ -113,14 +120,16 @@ TEST(Summary, TotalSizeAndDisplayedValues)
 {
     const QVariantList links{QVariantMap{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3000000000ULL)}},
                              QVariantMap{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3000000000ULL)}}};
-    EXPECT_EQ(QNSummaryOutlineController::totalFileSizeFromDictsInArray(links, QStringLiteral("sizebytes"), bytesAsText),
-              QStringLiteral("6000000000 B"));
+    EXPECT_EQ(
+        QNSummaryOutlineController::totalFileSizeFromDictsInArray(links, QStringLiteral("sizebytes"), bytesAsText),
+        QStringLiteral("6000000000 B"));
     EXPECT_EQ(QNSummaryOutlineController::totalFileSizeFromDictsInArray({}, QStringLiteral("sizebytes"), bytesAsText),
               QStringLiteral("-"));
 
     const QNSummaryItem zero{QStringLiteral("Missing"), QStringLiteral("0"), {}};
     EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, QStringLiteral("value")), QStringLiteral("-"));
-    EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, QStringLiteral("title")), QStringLiteral("Missing"));
+    EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, QStringLiteral("title")),
+              QStringLiteral("Missing"));
     EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, QStringLiteral("other")), QStringLiteral("?"));
     const QNSummaryItem ten{QStringLiteral("Total"), QStringLiteral("10"), {}};
     EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(ten, QStringLiteral("value")), QStringLiteral("10"));
@@ -129,14 +138,16 @@ TEST(Summary, TotalSizeAndDisplayedValues)
 TEST(Summary, CountingHelpers)
 {
     const QVariantList rows{QVariantMap{{QStringLiteral("k"), QStringLiteral("CMYK RGB")}},
-                            QVariantMap{{QStringLiteral("k"), QStringLiteral("cmyk")}}, QVariantMap{{QStringLiteral("k"), 5}}};
-    const auto counts =
-        QNSummaryOutlineController::countDictsWhoseValueForKey(QStringLiteral("k"), {QStringLiteral("CM"), QStringLiteral("RG"), QStringLiteral("Lab")}, rows);
+                            QVariantMap{{QStringLiteral("k"), QStringLiteral("cmyk")}},
+                            QVariantMap{{QStringLiteral("k"), 5}}};
+    const auto counts = QNSummaryOutlineController::countDictsWhoseValueForKey(
+        QStringLiteral("k"), {QStringLiteral("CM"), QStringLiteral("RG"), QStringLiteral("Lab")}, rows);
     EXPECT_EQ(counts.value(QStringLiteral("CM")), 1);
     EXPECT_EQ(counts.value(QStringLiteral("RG")), 1);
     EXPECT_TRUE(counts.contains(QStringLiteral("Lab")));
     EXPECT_EQ(counts.value(QStringLiteral("Lab")), 0);
-    EXPECT_EQ(QNSummaryOutlineController::numberOfDictsWhoseValueForKey(QStringLiteral("k"), QStringLiteral("5"), rows), 0);
+    EXPECT_EQ(QNSummaryOutlineController::numberOfDictsWhoseValueForKey(QStringLiteral("k"), QStringLiteral("5"), rows),
+              0);
 }
 
 } // namespace
