@@ -1,0 +1,339 @@
+#include "preflight/IdmlArchive.h"
+
+#include "app/Numbers.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <zip.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <unordered_set>
+
+namespace quillon::preflight {
+
+namespace fs = std::filesystem;
+using app::Error;
+using app::makeError;
+using app::Result;
+using app::Status;
+
+struct IdmlArchive::Handle {
+    zip_t* zip = nullptr;
+    ~Handle()
+    {
+        if (zip)
+            zip_discard(zip);
+    }
+};
+
+namespace {
+
+constexpr quint32 kFileTypeMask = 0170000;
+constexpr quint32 kRegularFile = 0100000;
+constexpr quint32 kDirectory = 0040000;
+constexpr quint32 kSymbolicLink = 0120000;
+
+QString libzipMessage(int code)
+{
+    zip_error_t error;
+    zip_error_init_with_code(&error, code);
+    const QString text = QString::fromUtf8(zip_error_strerror(&error));
+    zip_error_fini(&error);
+    return text;
+}
+
+bool isFolderEntry(const QString& name)
+{
+    return name.endsWith(u'/') || name.endsWith(u'\\');
+}
+
+Result<zip_t*> openZip(const QString& path)
+{
+    int code = 0;
+    zip_t* zip = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &code);
+    if (!zip)
+        return makeError(QStringLiteral("cannot be read as a zip archive (%1); an IDML file is a zip archive, so "
+                                        "this one is damaged, truncated or not an IDML file at all")
+                             .arg(libzipMessage(code)),
+                         path);
+    return zip;
+}
+
+// Writes all of `bytes` to the descriptor.
+bool writeFully(int fd, const char* bytes, qint64 size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, bytes, static_cast<size_t>(size));
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        bytes += written;
+        size -= written;
+    }
+    return true;
+}
+
+// Unpacks the file entries into `root`, counting the bytes written against the limit.
+class Extractor {
+public:
+    Extractor(zip_t* zip, QString archivePath, fs::path root, qint64 budget)
+        : m_zip(zip), m_archivePath(std::move(archivePath)), m_root(std::move(root)), m_budget(budget),
+          m_buffer(256 * 1024)
+    {
+    }
+
+    Status makeFolder(const QString& relative)
+    {
+        const fs::path folder = m_root / fs::path(QFile::encodeName(relative).toStdString());
+        const std::string key = folder.native();
+        if (m_madeFolders.contains(key))
+            return {};
+        std::error_code ec;
+        fs::create_directories(folder, ec);
+        if (ec)
+            return makeError(QStringLiteral("the folder could not be made: %1").arg(QString::fromStdString(ec.message())),
+                             m_archivePath, relative);
+        m_madeFolders.insert(key);
+        return {};
+    }
+
+    Status extract(const IdmlArchive::Entry& entry, const QString& relative)
+    {
+        const qsizetype slash = relative.lastIndexOf(u'/');
+        if (slash > 0)
+            if (Status made = makeFolder(relative.left(slash)); !made)
+                return made;
+        zip_file_t* file = zip_fopen_index(m_zip, entry.index, 0);
+        if (!file)
+            return makeError(QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_zip))),
+                             m_archivePath, entry.name);
+        const fs::path target = m_root / fs::path(QFile::encodeName(relative).toStdString());
+        const int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+        if (fd < 0) {
+            const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+            zip_fclose(file);
+            return makeError(QStringLiteral("the file could not be written: %1").arg(reason), m_archivePath,
+                             entry.name);
+        }
+        Status status = copy(file, fd, entry);
+        zip_fclose(file);
+        if (::close(fd) != 0 && status)
+            status = makeError(QStringLiteral("the file could not be written: %1")
+                                   .arg(QString::fromLocal8Bit(std::strerror(errno))),
+                               m_archivePath, entry.name);
+        return status;
+    }
+
+private:
+    Status copy(zip_file_t* file, int fd, const IdmlArchive::Entry& entry)
+    {
+        qint64 total = 0;
+        for (;;) {
+            const zip_int64_t got = zip_fread(file, m_buffer.data(), m_buffer.size());
+            if (got < 0)
+                return makeError(QStringLiteral("the entry is damaged: %1").arg(QString::fromUtf8(zip_file_strerror(file))),
+                                 m_archivePath, entry.name);
+            if (got == 0)
+                return {};
+            total += got;
+            m_budget -= got;
+            if (total > entry.size || m_budget < 0)
+                return makeError(QStringLiteral("the entry unpacks to more than it declares; the archive was not "
+                                                "unpacked further"),
+                                 m_archivePath, entry.name);
+            if (!writeFully(fd, m_buffer.data(), got))
+                return makeError(QStringLiteral("the file could not be written: %1")
+                                     .arg(QString::fromLocal8Bit(std::strerror(errno))),
+                                 m_archivePath, entry.name);
+        }
+    }
+
+    zip_t* m_zip;
+    QString m_archivePath;
+    fs::path m_root;
+    qint64 m_budget;
+    std::vector<char> m_buffer;
+    std::unordered_set<std::string> m_madeFolders;
+};
+
+} // namespace
+
+std::optional<QString> safeRelativeEntryPath(const QString& entryName)
+{
+    QString name = entryName;
+    name.replace(u'\\', u'/');
+    if (name.startsWith(u'/'))
+        return std::nullopt;
+    if (name.size() >= 2 && name.at(1) == u':' && name.at(0).isLetter())
+        return std::nullopt;
+    QStringList parts;
+    for (const QString& part : name.split(u'/', Qt::SkipEmptyParts)) {
+        if (part == QLatin1String(".."))
+            return std::nullopt;
+        if (part != QLatin1String("."))
+            parts << part;
+    }
+    if (parts.isEmpty())
+        return std::nullopt;
+    return parts.join(u'/');
+}
+
+IdmlArchive::IdmlArchive(QString path, std::unique_ptr<Handle> handle, std::vector<Entry> entries)
+    : m_path(std::move(path)), m_handle(std::move(handle)), m_entries(std::move(entries))
+{
+}
+
+IdmlArchive::IdmlArchive(IdmlArchive&&) noexcept = default;
+IdmlArchive& IdmlArchive::operator=(IdmlArchive&&) noexcept = default;
+IdmlArchive::~IdmlArchive() = default;
+
+Result<IdmlArchive> IdmlArchive::open(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return makeError(QStringLiteral("the file does not exist"), path);
+    if (info.isDir())
+        return makeError(QStringLiteral("is a folder, not an IDML file"), path);
+    if (info.size() == 0)
+        return makeError(QStringLiteral("the file is empty (0 bytes), so it is not an IDML file"), path);
+    if (!info.isReadable())
+        return makeError(QStringLiteral("the file cannot be read (no permission)"), path);
+
+    Result<zip_t*> zip = openZip(path);
+    if (!zip)
+        return zip.error();
+    auto handle = std::make_unique<Handle>();
+    handle->zip = *zip;
+
+    const zip_int64_t count = zip_get_num_entries(handle->zip, 0);
+    std::vector<Entry> entries;
+    entries.reserve(static_cast<size_t>(std::max<zip_int64_t>(count, 0)));
+    for (zip_int64_t i = 0; i < count; ++i) {
+        zip_stat_t stat;
+        if (zip_stat_index(handle->zip, static_cast<zip_uint64_t>(i), 0, &stat) != 0 || !(stat.valid & ZIP_STAT_NAME))
+            return makeError(QStringLiteral("entry %1 of the archive cannot be read: %2")
+                                 .arg(i)
+                                 .arg(QString::fromUtf8(zip_strerror(handle->zip))),
+                             path);
+        Entry entry;
+        entry.name = QString::fromUtf8(stat.name);
+        entry.index = static_cast<quint64>(i);
+        entry.size = (stat.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(std::min<zip_uint64_t>(stat.size, INT64_MAX)) : 0;
+        zip_uint8_t system = 0;
+        zip_uint32_t attributes = 0;
+        if (zip_file_get_external_attributes(handle->zip, static_cast<zip_uint64_t>(i), 0, &system, &attributes) == 0 &&
+            system == ZIP_OPSYS_UNIX)
+            entry.unixMode = attributes >> 16;
+        entries.push_back(std::move(entry));
+    }
+    return IdmlArchive(path, std::move(handle), std::move(entries));
+}
+
+bool IdmlArchive::contains(const QString& name) const
+{
+    return std::any_of(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.name == name; });
+}
+
+Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) const
+{
+    const auto it = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.name == name; });
+    if (it == m_entries.end())
+        return makeError(QStringLiteral("the archive holds no %1").arg(name), m_path);
+    if (it->size > maxBytes)
+        return makeError(QStringLiteral("the entry is too large to read (%1)").arg(app::fileSizeStrFromBytes(it->size)),
+                         m_path, name);
+    zip_file_t* file = zip_fopen_index(m_handle->zip, it->index, 0);
+    if (!file)
+        return makeError(QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))),
+                         m_path, name);
+    QByteArray bytes(it->size, Qt::Uninitialized);
+    qint64 total = 0;
+    for (;;) {
+        if (total == bytes.size())
+            bytes.resize(total + 1); // room to notice an entry longer than it declares
+        const zip_int64_t got = zip_fread(file, bytes.data() + total, static_cast<zip_uint64_t>(bytes.size() - total));
+        if (got < 0) {
+            const QString reason = QString::fromUtf8(zip_file_strerror(file));
+            zip_fclose(file);
+            return makeError(QStringLiteral("the entry is damaged: %1").arg(reason), m_path, name);
+        }
+        if (got == 0)
+            break;
+        total += got;
+        if (total > it->size) {
+            zip_fclose(file);
+            return makeError(QStringLiteral("the entry holds more than it declares"), m_path, name);
+        }
+    }
+    zip_fclose(file);
+    bytes.truncate(total);
+    return bytes;
+}
+
+Status IdmlArchive::checkEntriesAreSafe(const UnpackLimits& limits) const
+{
+    if (static_cast<qint64>(m_entries.size()) > limits.maxEntries)
+        return makeError(QStringLiteral("the archive holds %1 entries, more than an IDML file plausibly holds (%2); it "
+                                        "was not unpacked")
+                             .arg(m_entries.size())
+                             .arg(limits.maxEntries),
+                         m_path);
+    qint64 total = 0;
+    for (const Entry& entry : m_entries) {
+        const quint32 type = entry.unixMode & kFileTypeMask;
+        if (type == kSymbolicLink)
+            return makeError(QStringLiteral("the archive holds a symbolic link, which an IDML file never does; it was "
+                                            "not unpacked"),
+                             m_path, entry.name);
+        if (type != 0 && type != kRegularFile && type != kDirectory)
+            return makeError(QStringLiteral("the archive holds a special file, which an IDML file never does; it was "
+                                            "not unpacked"),
+                             m_path, entry.name);
+        if (!safeRelativeEntryPath(entry.name))
+            return makeError(QStringLiteral("the archive holds an entry whose path leads outside its folder (an "
+                                            "absolute path or \"..\"); it was not unpacked"),
+                             m_path, entry.name);
+        if (entry.size > limits.maxTotalBytes - total)
+            return makeError(QStringLiteral("the archive would unpack to more than %1, far more than an IDML file "
+                                            "holds; it was not unpacked")
+                                 .arg(app::fileSizeStrFromBytes(static_cast<quint64>(limits.maxTotalBytes))),
+                             m_path);
+        total += entry.size;
+    }
+    return {};
+}
+
+Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits) const
+{
+    if (Status safe = checkEntriesAreSafe(limits); !safe)
+        return safe;
+    std::error_code ec;
+    const fs::path root(QFile::encodeName(folder).toStdString());
+    fs::create_directories(root, ec);
+    if (ec)
+        return makeError(QStringLiteral("the folder to unpack into could not be made: %1")
+                             .arg(QString::fromStdString(ec.message())),
+                         folder);
+
+    Extractor extractor(m_handle->zip, m_path, root, limits.maxTotalBytes);
+    for (const Entry& entry : m_entries) {
+        const QString relative = *safeRelativeEntryPath(entry.name);
+        const Status done = (isFolderEntry(entry.name) || (entry.unixMode & kFileTypeMask) == kDirectory)
+                                ? extractor.makeFolder(relative)
+                                : extractor.extract(entry, relative);
+        if (!done)
+            return done;
+    }
+    return {};
+}
+
+} // namespace quillon::preflight
