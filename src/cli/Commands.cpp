@@ -4,8 +4,7 @@ namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
-    (void)program;
-    (void)commands;
+    addInfoCommand(program, commands);
 }
 
 } // namespace quillon::cli
