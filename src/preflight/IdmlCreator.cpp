@@ -117,6 +117,9 @@ QString QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath)
         return error;
     };
 
+    if (!QFileInfo(idmlPath).isFile())
+        return fail(kCannotPreflightAlertTitle,
+                    app::makeError(QStringLiteral("the export left no IDML file at %1").arg(idmlPath), named));
     app::Result<IdmlArchive> archive = IdmlArchive::open(idmlPath);
     if (!archive) {
         app::logLine(QStringLiteral("-> can't open zip, repairing: %1").arg(archive.error().text()));

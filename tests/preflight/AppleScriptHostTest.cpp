@@ -1,3 +1,4 @@
+#include "QtPrinters.h"
 #include "preflight/AppleScriptHost.h"
 #include "preflight/RecordingScriptRunner.h"
 

@@ -1,3 +1,4 @@
+#include "QtPrinters.h"
 #include "preflight/AppleEventPermission.h"
 #include "preflight/HfsPath.h"
 #include "preflight/HostEnvironment.h"

@@ -1,3 +1,4 @@
+#include "QtPrinters.h"
 #include "preflight/AppleScriptValue.h"
 #include "preflight/OsaScriptRunner.h"
 #include "preflight/RecordingScriptRunner.h"
