@@ -14,6 +14,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <algorithm>
+#include <atomic>
+#include <thread>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -82,42 +85,52 @@ bool writeFully(int fd, const char* bytes, qint64 size)
     return true;
 }
 
-// Unpacks the file entries into `root`, counting the bytes written against the limit.
-class Extractor {
+// Makes folders below `root`, each once.
+class FolderMaker {
 public:
-    Extractor(zip_t* zip, QString archivePath, fs::path root, qint64 budget)
-        : m_zip(zip), m_archivePath(std::move(archivePath)), m_root(std::move(root)), m_budget(budget),
-          m_buffer(256 * 1024)
-    {
-    }
+    FolderMaker(fs::path root, QString archivePath) : m_root(std::move(root)), m_archivePath(std::move(archivePath)) {}
 
-    Status makeFolder(const QString& relative)
+    Status make(const QString& relative)
     {
         const fs::path folder = m_root / fs::path(QFile::encodeName(relative).toStdString());
-        const std::string key = folder.native();
-        if (m_madeFolders.contains(key))
+        if (!m_made.insert(folder.native()).second)
             return {};
         std::error_code ec;
         fs::create_directories(folder, ec);
         if (ec)
             return makeError(QStringLiteral("the folder could not be made: %1").arg(QString::fromStdString(ec.message())),
                              m_archivePath, relative);
-        m_madeFolders.insert(key);
         return {};
     }
 
-    Status extract(const IdmlArchive::Entry& entry, const QString& relative)
+private:
+    fs::path m_root;
+    QString m_archivePath;
+    std::unordered_set<std::string> m_made;
+};
+
+struct FileJob {
+    const IdmlArchive::Entry* entry;
+    fs::path target;
+};
+
+// Writes file entries through one libzip handle (a handle is never shared between threads),
+// counting the bytes against a budget shared by all writers.
+class FileWriter {
+public:
+    FileWriter(zip_t* zip, const QString& archivePath, std::atomic<qint64>& budget)
+        : m_zip(zip), m_archivePath(archivePath), m_budget(budget), m_buffer(256 * 1024)
     {
-        const qsizetype slash = relative.lastIndexOf(u'/');
-        if (slash > 0)
-            if (Status made = makeFolder(relative.left(slash)); !made)
-                return made;
+    }
+
+    Status write(const FileJob& job)
+    {
+        const IdmlArchive::Entry& entry = *job.entry;
         zip_file_t* file = zip_fopen_index(m_zip, entry.index, 0);
         if (!file)
             return makeError(QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_zip))),
                              m_archivePath, entry.name);
-        const fs::path target = m_root / fs::path(QFile::encodeName(relative).toStdString());
-        const int fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+        const int fd = ::open(job.target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
         if (fd < 0) {
             const QString reason = QString::fromLocal8Bit(std::strerror(errno));
             zip_fclose(file);
@@ -145,8 +158,7 @@ private:
             if (got == 0)
                 return {};
             total += got;
-            m_budget -= got;
-            if (total > entry.size || m_budget < 0)
+            if (total > entry.size || m_budget.fetch_sub(got) - got < 0)
                 return makeError(QStringLiteral("the entry unpacks to more than it declares; the archive was not "
                                                 "unpacked further"),
                                  m_archivePath, entry.name);
@@ -158,12 +170,14 @@ private:
     }
 
     zip_t* m_zip;
-    QString m_archivePath;
-    fs::path m_root;
-    qint64 m_budget;
+    const QString& m_archivePath;
+    std::atomic<qint64>& m_budget;
     std::vector<char> m_buffer;
-    std::unordered_set<std::string> m_madeFolders;
 };
+
+// Archives with fewer files are unpacked on the calling thread alone.
+constexpr size_t kFilesPerExtraWorker = 64;
+constexpr unsigned kMaxWorkers = 4;
 
 } // namespace
 
@@ -324,16 +338,57 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
                              .arg(QString::fromStdString(ec.message())),
                          folder);
 
-    Extractor extractor(m_handle->zip, m_path, root, limits.maxTotalBytes);
+    // Folders first, so the file writers only write files.
+    FolderMaker folders(root, m_path);
+    std::vector<FileJob> jobs;
+    jobs.reserve(m_entries.size());
     for (const Entry& entry : m_entries) {
         const QString relative = *safeRelativeEntryPath(entry.name);
-        const Status done = (isFolderEntry(entry.name) || (entry.unixMode & kFileTypeMask) == kDirectory)
-                                ? extractor.makeFolder(relative)
-                                : extractor.extract(entry, relative);
-        if (!done)
-            return done;
+        if (isFolderEntry(entry.name) || (entry.unixMode & kFileTypeMask) == kDirectory) {
+            if (Status made = folders.make(relative); !made)
+                return made;
+            continue;
+        }
+        if (const qsizetype slash = relative.lastIndexOf(u'/'); slash > 0)
+            if (Status made = folders.make(relative.left(slash)); !made)
+                return made;
+        jobs.push_back({&entry, root / fs::path(QFile::encodeName(relative).toStdString())});
     }
-    return {};
+
+    // Inflating and writing the files is spread over a few threads, each with its own handle.
+    const unsigned workers = static_cast<unsigned>(std::clamp<size_t>(
+        std::min<size_t>(jobs.size() / kFilesPerExtraWorker + 1, std::max(1u, std::thread::hardware_concurrency())), 1,
+        kMaxWorkers));
+    std::atomic<qint64> budget{limits.maxTotalBytes};
+    std::atomic<bool> stop{false};
+    std::vector<std::pair<size_t, Status>> failures(workers, {jobs.size(), Status()});
+    auto work = [&](unsigned worker, zip_t* zip) {
+        FileWriter writer(zip, m_path, budget);
+        for (size_t i = worker; i < jobs.size() && !stop.load(); i += workers) {
+            if (Status written = writer.write(jobs[i]); !written) {
+                failures[worker] = {i, written};
+                stop = true;
+                return;
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    std::vector<std::unique_ptr<Handle>> handles;
+    for (unsigned worker = 1; worker < workers; ++worker) {
+        Result<zip_t*> zip = openZip(m_path);
+        if (!zip)
+            return zip.error();
+        handles.push_back(std::make_unique<Handle>());
+        handles.back()->zip = *zip;
+        threads.emplace_back(work, worker, *zip);
+    }
+    work(0, m_handle->zip);
+    for (std::thread& thread : threads)
+        thread.join();
+    // Of several failures, the one of the earliest entry is reported.
+    const auto first = std::min_element(failures.begin(), failures.end(),
+                                        [](const auto& a, const auto& b) { return a.first < b.first; });
+    return first->second;
 }
 
 } // namespace quillon::preflight

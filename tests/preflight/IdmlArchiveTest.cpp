@@ -218,3 +218,31 @@ TEST(IdmlPackage, EveryPrefixOfARealIdmlOpensOrFailsCleanly)
     EXPECT_TRUE(openIdmlPackage(path, repaired).ok());
     EXPECT_LE(opened, 1); // only a prefix that lost nothing but the end record can be whole
 }
+
+TEST(IdmlArchive, ADamagedEntryAmongManyIsNamed)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("many.idml"));
+    {
+        auto writer = IdmlArchiveWriter::create(path);
+        ASSERT_TRUE(writer->addMimetype().ok());
+        for (int i = 0; i < 300; ++i)
+            ASSERT_TRUE(writer->addFile(QStringLiteral("Stories/Story_%1.xml").arg(i),
+                                        QStringLiteral("<Story n=\"%1\">plain text kept as it is</Story>").arg(i).toUtf8(),
+                                        false)
+                            .ok());
+        ASSERT_TRUE(writer->close().ok());
+    }
+    QByteArray bytes = test::readAll(path);
+    const qsizetype at = bytes.indexOf("<Story n=\"217\">plain");
+    ASSERT_GT(at, 0);
+    bytes[at + 17] = 'X'; // the stored text no longer matches its checksum
+    test::writeAll(path, bytes);
+
+    auto archive = IdmlArchive::open(path);
+    ASSERT_TRUE(archive.ok());
+    const auto unpacked = archive->extractTo(dir.filePath(QStringLiteral("out")));
+    ASSERT_FALSE(unpacked.ok());
+    EXPECT_EQ(unpacked.error().where, QStringLiteral("Stories/Story_217.xml"));
+    EXPECT_TRUE(unpacked.error().message.contains(QStringLiteral("damaged")));
+}
