@@ -10,9 +10,10 @@ namespace quillon::bench {
 
 namespace {
 
-const char* const kWords[] = {"prepress", "bleed",   "slug",   "spread", "master",  "swatch",  "overprint", "plate",
-                              "cyan",     "magenta", "yellow", "black",  "trim",    "folio",   "gutter",    "baseline",
-                              "kerning",  "tracking", "leading", "glyph", "ligature", "proof", "imposition", "varnish"};
+const char* const kWords[] = {"prepress",  "bleed", "slug",     "spread",   "master",     "swatch",
+                              "overprint", "plate", "cyan",     "magenta",  "yellow",     "black",
+                              "trim",      "folio", "gutter",   "baseline", "kerning",    "tracking",
+                              "leading",   "glyph", "ligature", "proof",    "imposition", "varnish"};
 
 class Writer {
 public:
@@ -41,8 +42,11 @@ public:
         const QByteArray y = number(-400, 400);
         const QByteArray w = number(50, 300);
         const QByteArray h = number(50, 300);
-        QByteArray xml = "<Rectangle Self=\"" + id + "\" ContentType=\"GraphicType\" StrokeWeight=\"0\" "
-                         "ItemLayer=\"ub3\" Locked=\"false\" ItemTransform=\"1 0 0 1 " + x + " " + y + "\">\n"
+        QByteArray xml = "<Rectangle Self=\"" + id +
+                         "\" ContentType=\"GraphicType\" StrokeWeight=\"0\" "
+                         "ItemLayer=\"ub3\" Locked=\"false\" ItemTransform=\"1 0 0 1 " +
+                         x + " " + y +
+                         "\">\n"
                          "<Properties><PathGeometry><GeometryPathType PathOpen=\"false\"><PathPointArray>\n";
         for (int p = 0; p < 4; ++p) {
             const QByteArray anchor = number(-150, 150) + " " + number(-150, 150);
@@ -50,16 +54,26 @@ public:
                    anchor + "\"/>\n";
         }
         xml += "</PathPointArray></GeometryPathType></PathGeometry></Properties>\n"
-               "<FrameFittingOption AutoFit=\"false\" LeftCrop=\"" + number(0, 5) + "\" TopCrop=\"" + number(0, 5) +
-               "\"/>\n<Image Self=\"" + id + "i\" Space=\"$ID/#Links_CMYK\" ActualPpi=\"300 300\" EffectivePpi=\"" +
-               QByteArray::number(m_random.bounded(150, 600)) + " 300\" ImageRenderingIntent=\"UseColorSettings\" "
-               "ItemTransform=\"" + number(0.1, 1) + " 0 0 " + number(0.1, 1) + " " + number(-50, 0) + " " +
-               number(-50, 0) + "\">\n<Properties><Profile type=\"string\">$ID/Embedded</Profile>"
-               "<GraphicBounds Left=\"0\" Top=\"0\" Right=\"" + w + "\" Bottom=\"" + h + "\"/></Properties>\n"
-               "<Link Self=\"" + id + "l\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"file:/Volumes/Jobs/"
-               "Catalogue/Links/" + words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" +
-               QByteArray::number(index) + ".tif\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
-               "LinkResourceSize=\"0~" + QByteArray::number(m_random.bounded(100000, 9000000), 16) + "\"/>\n"
+               "<FrameFittingOption AutoFit=\"false\" LeftCrop=\"" +
+               number(0, 5) + "\" TopCrop=\"" + number(0, 5) + "\"/>\n<Image Self=\"" + id +
+               "i\" Space=\"$ID/#Links_CMYK\" ActualPpi=\"300 300\" EffectivePpi=\"" +
+               QByteArray::number(m_random.bounded(150, 600)) +
+               " 300\" ImageRenderingIntent=\"UseColorSettings\" "
+               "ItemTransform=\"" +
+               number(0.1, 1) + " 0 0 " + number(0.1, 1) + " " + number(-50, 0) + " " + number(-50, 0) +
+               "\">\n<Properties><Profile type=\"string\">$ID/Embedded</Profile>"
+               "<GraphicBounds Left=\"0\" Top=\"0\" Right=\"" +
+               w + "\" Bottom=\"" + h +
+               "\"/></Properties>\n"
+               "<Link Self=\"" +
+               id +
+               "l\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"file:/Volumes/Jobs/"
+               "Catalogue/Links/" +
+               words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" + QByteArray::number(index) +
+               ".tif\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
+               "LinkResourceSize=\"0~" +
+               QByteArray::number(m_random.bounded(100000, 9000000), 16) +
+               "\"/>\n"
                "</Image>\n</Rectangle>\n";
         return xml;
     }
@@ -69,18 +83,25 @@ public:
         const QByteArray y = QByteArray::number(spread * 900);
         QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
                          "<idPkg:Spread xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" "
-                         "DOMVersion=\"20.4\">\n<Spread Self=\"sp" + QByteArray::number(spread) + "\" PageCount=\"2\" "
-                         "BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 " + y + "\">\n"
+                         "DOMVersion=\"20.4\">\n<Spread Self=\"sp" +
+                         QByteArray::number(spread) +
+                         "\" PageCount=\"2\" "
+                         "BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 " +
+                         y +
+                         "\">\n"
                          "<FlattenerPreference LineArtAndTextResolution=\"300\"/>\n";
         for (int page = 0; page < 2; ++page)
             xml += "<Page Self=\"pg" + QByteArray::number(spread * 2 + page) + "\" Name=\"" +
-                   QByteArray::number(spread * 2 + page + 1) + "\" AppliedMaster=\"um1\" GeometricBounds=\"0 0 "
+                   QByteArray::number(spread * 2 + page + 1) +
+                   "\" AppliedMaster=\"um1\" GeometricBounds=\"0 0 "
                    "841.8897637795275 595.2755905511812\" ItemTransform=\"1 0 0 1 " +
-                   QByteArray(page ? "0" : "-595.2755905511812") + " -420.94488188976375\">\n"
+                   QByteArray(page ? "0" : "-595.2755905511812") +
+                   " -420.94488188976375\">\n"
                    "<MarginPreference ColumnCount=\"2\" ColumnGutter=\"12\" Top=\"36\" Bottom=\"36\" Left=\"36\" "
                    "Right=\"36\"/>\n</Page>\n";
         xml += "<TextFrame Self=\"tf" + QByteArray::number(spread) + "\" ParentStory=\"" + storyId +
-               "\" ItemTransform=\"1 0 0 1 " + number(-500, 0) + " " + number(-300, 300) + "\"><Properties>"
+               "\" ItemTransform=\"1 0 0 1 " + number(-500, 0) + " " + number(-300, 300) +
+               "\"><Properties>"
                "<PathGeometry><GeometryPathType PathOpen=\"false\"><PathPointArray>"
                "<PathPointType Anchor=\"0 0\"/><PathPointType Anchor=\"0 500\"/><PathPointType Anchor=\"400 500\"/>"
                "<PathPointType Anchor=\"400 0\"/></PathPointArray></GeometryPathType></PathGeometry></Properties>"
@@ -94,12 +115,14 @@ public:
     {
         QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
                          "<idPkg:Story xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" "
-                         "DOMVersion=\"20.4\">\n<Story Self=\"" + storyId + "\" AppliedTOCStyle=\"n\">\n";
+                         "DOMVersion=\"20.4\">\n<Story Self=\"" +
+                         storyId + "\" AppliedTOCStyle=\"n\">\n";
         for (int p = 0; p < paragraphs; ++p)
             xml += "<ParagraphStyleRange AppliedParagraphStyle=\"ParagraphStyle/Body\">\n"
                    "<CharacterStyleRange AppliedCharacterStyle=\"CharacterStyle/$ID/[No character style]\" "
-                   "PointSize=\"" + QByteArray::number(m_random.bounded(8, 14)) + "\">\n<Content>" +
-                   words(m_random.bounded(20, 60)) + "</Content>\n<Br/>\n</CharacterStyleRange>\n"
+                   "PointSize=\"" +
+                   QByteArray::number(m_random.bounded(8, 14)) + "\">\n<Content>" + words(m_random.bounded(20, 60)) +
+                   "</Content>\n<Br/>\n</CharacterStyleRange>\n"
                    "</ParagraphStyleRange>\n";
         return xml + "</Story>\n</idPkg:Story>\n";
     }

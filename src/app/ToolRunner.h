@@ -45,10 +45,10 @@ struct BoundedToolRequest {
     QString program;
     QStringList arguments;
     QString workingFolder;
-    QByteArray standardInput;      // written at start, then the input is closed
+    QByteArray standardInput; // written at start, then the input is closed
     int timeoutMs = 60'000;
     qint64 maxOutputBytes = 4 << 20; // standard output and error together
-    QString watchedFile;           // a file the tool writes, or empty
+    QString watchedFile;             // a file the tool writes, or empty
     qint64 maxWatchedFileBytes = 0;  // its size limit (0: not watched)
 };
 
@@ -56,8 +56,8 @@ struct BoundedToolResult {
     bool started = false;
     bool exitedNormally = false; // ended by itself, not stopped or crashed
     int exitCode = -1;
-    QByteArray output;           // standard output and error together, at most maxOutputBytes
-    QString stopReason;          // why it was stopped or could not start, or empty
+    QByteArray output;  // standard output and error together, at most maxOutputBytes
+    QString stopReason; // why it was stopped or could not start, or empty
 };
 
 BoundedToolResult runBoundedTool(const BoundedToolRequest& request);

@@ -79,8 +79,8 @@ void printText(const DocumentFacts& facts)
         {"Size", info.fileSizeStr()},
         {"Created", orDash(info.creationDateStr())},
         {"Modified", orDash(info.modDateStr())},
-        {"Units", QStringLiteral("%1 / %2").arg(orDash(info.horizMeasurementUnits()),
-                                                 orDash(info.vertMeasurementUnits()))},
+        {"Units",
+         QStringLiteral("%1 / %2").arg(orDash(info.horizMeasurementUnits()), orDash(info.vertMeasurementUnits()))},
         {"Page size", info.pageSizeStr()},
         {"Bleed", info.bleedStr()},
         {"Slug", info.slugStr()},
@@ -133,8 +133,8 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
             std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
             status = kExitFailure;
             if (json)
-                array.append(QJsonObject{{QStringLiteral("file"), path},
-                                         {QStringLiteral("error"), facts.error().text()}});
+                array.append(
+                    QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("error"), facts.error().text()}});
             continue;
         }
         if (json) {
@@ -167,8 +167,7 @@ void addInfoCommand(CLI::App& program, std::vector<Command>& commands)
         "info", "Print the document record and document information of IDML files (pages, links, version, size, "
                 "dates, units, page size, bleed, slug).");
     info->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
-    info->add_option("--format", options->format, "text (the default) or json")
-        ->check(CLI::IsMember({"text", "json"}));
+    info->add_option("--format", options->format, "text (the default) or json")->check(CLI::IsMember({"text", "json"}));
     commands.push_back({info, [options] { return runInfo(options->documents, options->format); }});
 }
 

@@ -94,11 +94,11 @@ void checkAuthorizationToSendAEToApp(const QString& target, const QString& fromA
     QStringList buttons{QStringLiteral("Relaunch")};
     if (beta)
         buttons << QStringLiteral("Quit");
-    const int answer = app::runAlert(
-        services.alerts, QStringLiteral("Permissions have been reset"),
-        app::withSupportContact(QStringLiteral("Relaunch %1 for changes to take effect.").arg(fromApp)) +
-            QStringLiteral("\n\n"),
-        buttons, false);
+    const int answer =
+        app::runAlert(services.alerts, QStringLiteral("Permissions have been reset"),
+                      app::withSupportContact(QStringLiteral("Relaunch %1 for changes to take effect.").arg(fromApp)) +
+                          QStringLiteral("\n\n"),
+                      buttons, false);
     if (answer == app::kAlertSecondButton)
         services.environment.terminate();
     else

@@ -76,9 +76,9 @@ Result<QString> AppleScriptHost::fullNameOfDocument(const DocumentReference& doc
 
 Status AppleScriptHost::saveDocument(const DocumentReference& document, const QString& path)
 {
-    return runForStatus(
-        QStringLiteral("tell app \"%1\" to save %2 to \"%3\"").arg(m_applicationName, document.scriptText(), quoted(path)),
-        path);
+    return runForStatus(QStringLiteral("tell app \"%1\" to save %2 to \"%3\"")
+                            .arg(m_applicationName, document.scriptText(), quoted(path)),
+                        path);
 }
 
 Result<QString> AppleScriptHost::hostPathFromPath(const QString& posixPath)
@@ -150,10 +150,10 @@ Status AppleScriptHost::activateAndOpenDocument(const QString& path)
 
 Status AppleScriptHost::openDocument(const QString& path, bool showingWindow)
 {
-    return runForStatus(QStringLiteral("tell app \"%1\" to open \"%2\" showing window %3")
-                            .arg(m_applicationName, quoted(path),
-                                 showingWindow ? QStringLiteral("true") : QStringLiteral("false")),
-                        path);
+    return runForStatus(
+        QStringLiteral("tell app \"%1\" to open \"%2\" showing window %3")
+            .arg(m_applicationName, quoted(path), showingWindow ? QStringLiteral("true") : QStringLiteral("false")),
+        path);
 }
 
 Status AppleScriptHost::closeDocument(const QString& docName)
@@ -171,10 +171,10 @@ void AppleScriptHost::closeDocumentIfOpen(const QString& docNameOrPath)
 
 Status AppleScriptHost::setScriptUserInteraction(bool interactWithAll)
 {
-    const Status status = runForStatus(
-        QStringLiteral("tell app \"%1\" to set user interaction level of script preferences to %2")
-            .arg(m_applicationName,
-                 interactWithAll ? QStringLiteral("interact with all") : QStringLiteral("never interact")));
+    const Status status =
+        runForStatus(QStringLiteral("tell app \"%1\" to set user interaction level of script preferences to %2")
+                         .arg(m_applicationName, interactWithAll ? QStringLiteral("interact with all")
+                                                                 : QStringLiteral("never interact")));
     if (!status)
         app::logFailure(QStringLiteral("set script interaction: %1").arg(status.error().message));
     return status;
@@ -187,12 +187,12 @@ Result<QString> AppleScriptHost::pageNameForLinkID(const QString& docName, const
     static const QRegularExpression digits(QStringLiteral("^\\d+$"));
     if (!digits.match(linkId).hasMatch())
         return makeError(QStringLiteral("\"%1\" is not a link id").arg(linkId), docName);
-    const QVariantMap outcome = run(QStringList{QStringLiteral("tell app \"%1\"").arg(m_applicationName),
-                                                QStringLiteral("tell document \"%1\"").arg(quoted(docName)),
-                                                QStringLiteral("return name of parent page of parent of link id %1")
-                                                    .arg(linkId),
-                                                QStringLiteral("end tell"), QStringLiteral("end tell")}
-                                        .join(QStringLiteral(" \n ")));
+    const QVariantMap outcome =
+        run(QStringList{QStringLiteral("tell app \"%1\"").arg(m_applicationName),
+                        QStringLiteral("tell document \"%1\"").arg(quoted(docName)),
+                        QStringLiteral("return name of parent page of parent of link id %1").arg(linkId),
+                        QStringLiteral("end tell"), QStringLiteral("end tell")}
+                .join(QStringLiteral(" \n ")));
     if (!scriptSucceeded(outcome)) {
         app::logFailure(QStringLiteral("get anchored link page: %1").arg(scriptBriefErrorMessage(outcome)));
         return scriptError(outcome, docName);

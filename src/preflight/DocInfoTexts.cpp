@@ -96,8 +96,7 @@ QString bleedOrSlugText(const BleedOrSlugValues& values, const QString& horizUni
 {
     const bool uniform = stringBoolValue(values.uniformFlag);
     const bool allEqual =
-        !uniform &&
-        QSet<QString>{values.top, values.bottom, values.insideOrLeft, values.outsideOrRight}.size() == 1;
+        !uniform && QSet<QString>{values.top, values.bottom, values.insideOrLeft, values.outsideOrRight}.size() == 1;
     const UnitConversion conversion = conversionOrPoints(horizUnits);
     auto shown = [&](const QString& value) {
         const QString text = app::formatTwoDecimals(doubleFromString(value) * conversion.factor);

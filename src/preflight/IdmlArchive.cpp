@@ -11,11 +11,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <algorithm>
-#include <atomic>
 #include <thread>
 #include <unordered_set>
 
@@ -98,8 +98,9 @@ public:
         std::error_code ec;
         fs::create_directories(folder, ec);
         if (ec)
-            return makeError(QStringLiteral("the folder could not be made: %1").arg(QString::fromStdString(ec.message())),
-                             m_archivePath, relative);
+            return makeError(
+                QStringLiteral("the folder could not be made: %1").arg(QString::fromStdString(ec.message())),
+                m_archivePath, relative);
         return {};
     }
 
@@ -140,9 +141,9 @@ public:
         Status status = copy(file, fd, entry);
         zip_fclose(file);
         if (::close(fd) != 0 && status)
-            status = makeError(QStringLiteral("the file could not be written: %1")
-                                   .arg(QString::fromLocal8Bit(std::strerror(errno))),
-                               m_archivePath, entry.name);
+            status = makeError(
+                QStringLiteral("the file could not be written: %1").arg(QString::fromLocal8Bit(std::strerror(errno))),
+                m_archivePath, entry.name);
         return status;
     }
 
@@ -153,8 +154,9 @@ private:
         for (;;) {
             const zip_int64_t got = zip_fread(file, m_buffer.data(), m_buffer.size());
             if (got < 0)
-                return makeError(QStringLiteral("the entry is damaged: %1").arg(QString::fromUtf8(zip_file_strerror(file))),
-                                 m_archivePath, entry.name);
+                return makeError(
+                    QStringLiteral("the entry is damaged: %1").arg(QString::fromUtf8(zip_file_strerror(file))),
+                    m_archivePath, entry.name);
             if (got == 0)
                 return {};
             total += got;
@@ -241,7 +243,8 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path)
         Entry entry;
         entry.name = QString::fromUtf8(stat.name);
         entry.index = static_cast<quint64>(i);
-        entry.size = (stat.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(std::min<zip_uint64_t>(stat.size, INT64_MAX)) : 0;
+        entry.size =
+            (stat.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(std::min<zip_uint64_t>(stat.size, INT64_MAX)) : 0;
         zip_uint8_t system = 0;
         zip_uint32_t attributes = 0;
         if (zip_file_get_external_attributes(handle->zip, static_cast<zip_uint64_t>(i), 0, &system, &attributes) == 0 &&
@@ -267,8 +270,9 @@ Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) 
                          m_path, name);
     zip_file_t* file = zip_fopen_index(m_handle->zip, it->index, 0);
     if (!file)
-        return makeError(QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))),
-                         m_path, name);
+        return makeError(
+            QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))), m_path,
+            name);
     QByteArray bytes(it->size, Qt::Uninitialized);
     qint64 total = 0;
     for (;;) {
@@ -334,9 +338,9 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     const fs::path root(QFile::encodeName(folder).toStdString());
     fs::create_directories(root, ec);
     if (ec)
-        return makeError(QStringLiteral("the folder to unpack into could not be made: %1")
-                             .arg(QString::fromStdString(ec.message())),
-                         folder);
+        return makeError(
+            QStringLiteral("the folder to unpack into could not be made: %1").arg(QString::fromStdString(ec.message())),
+            folder);
 
     // Folders first, so the file writers only write files.
     FolderMaker folders(root, m_path);

@@ -23,7 +23,7 @@ struct UnpackLimits {
 class IdmlArchive {
 public:
     struct Entry {
-        QString name;         // as stored ("Spreads/Spread_u1.xml"; folders end in "/")
+        QString name; // as stored ("Spreads/Spread_u1.xml"; folders end in "/")
         quint64 index = 0;
         qint64 size = 0;      // uncompressed, as declared
         quint32 unixMode = 0; // file type and permissions when the archive records them, else 0

@@ -75,9 +75,9 @@ Status IdmlArchiveWriter::close()
     if (!m_handle->zip)
         return makeError(QStringLiteral("the archive is already closed"), m_path);
     if (zip_close(m_handle->zip) != 0)
-        return makeError(QStringLiteral("the archive cannot be written: %1")
-                             .arg(QString::fromUtf8(zip_strerror(m_handle->zip))),
-                         m_path);
+        return makeError(
+            QStringLiteral("the archive cannot be written: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))),
+            m_path);
     m_handle->zip = nullptr;
     m_contents.clear();
     return {};

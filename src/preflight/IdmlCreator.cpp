@@ -34,8 +34,8 @@ QString QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(const QString& pat
 
 QString QNIDMLCreator::idmlPathForDocument(const QString& documentPath, const QString& workFolder)
 {
-    return QDir(workFolder).filePath(
-        app::stringByReplacingPathExtensionWith(QFileInfo(documentPath).fileName(), QStringLiteral("idml")));
+    return QDir(workFolder)
+        .filePath(app::stringByReplacingPathExtensionWith(QFileInfo(documentPath).fileName(), QStringLiteral("idml")));
 }
 
 QString QNIDMLCreator::repairedArchivePathForIDMLPath(const QString& idmlPath)
@@ -129,9 +129,9 @@ QString QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath)
         app::logLine(QStringLiteral("zip fixed"));
         archive = IdmlArchive::open(repairedPath);
         if (!archive)
-            return fail(kCannotRepairAlertTitle,
-                        app::makeError(QStringLiteral("cannot be read as a zip archive, not even after repairing it"),
-                                       named));
+            return fail(
+                kCannotRepairAlertTitle,
+                app::makeError(QStringLiteral("cannot be read as a zip archive, not even after repairing it"), named));
         m_repaired = true;
     }
     if (const app::Status whole = checkIdmlStructure(*archive, named); !whole)

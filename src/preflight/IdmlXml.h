@@ -15,8 +15,7 @@ app::Status loadIdmlXml(pugi::xml_document& document, const QByteArray& bytes, c
 
 // Calls `visit` for every element below `root` in document order, without recursion (hostile
 // files may nest deeply).
-template <typename Visit>
-void forEachElement(const pugi::xml_node root, Visit&& visit)
+template <typename Visit> void forEachElement(const pugi::xml_node root, Visit&& visit)
 {
     pugi::xml_node node = root.first_child();
     while (node) {

@@ -226,9 +226,8 @@ Status OfflineIdmlHost::closeDocument(const QString& docName)
 void OfflineIdmlHost::closeDocumentIfOpen(const QString& docNameOrPath)
 {
     const QString absolute = QFileInfo(docNameOrPath).absoluteFilePath();
-    m_documents.removeIf([&](const QString& path) {
-        return path == absolute || QFileInfo(path).fileName() == docNameOrPath;
-    });
+    m_documents.removeIf(
+        [&](const QString& path) { return path == absolute || QFileInfo(path).fileName() == docNameOrPath; });
 }
 
 Status OfflineIdmlHost::setScriptUserInteraction(bool interactWithAll)

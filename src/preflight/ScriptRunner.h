@@ -28,7 +28,10 @@ public:
     // A non-empty source wins over the path; with neither, the "no source provided" outcome.
     // Sets no time-out of its own: long scripts carry their own "with timeout" block.
     QVariantMap runAppleScriptWithSourceString(const QString& source, const QString& path);
-    QVariantMap runAppleScriptWithSourceString(const QString& source) { return runAppleScriptWithSourceString(source, {}); }
+    QVariantMap runAppleScriptWithSourceString(const QString& source)
+    {
+        return runAppleScriptWithSourceString(source, {});
+    }
 
 protected:
     virtual QVariantMap runSource(const QString& source) = 0;

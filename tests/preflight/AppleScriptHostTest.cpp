@@ -1,5 +1,5 @@
-#include "QtPrinters.h"
 #include "preflight/AppleScriptHost.h"
+#include "QtPrinters.h"
 #include "preflight/RecordingScriptRunner.h"
 
 #include <gtest/gtest.h>
@@ -30,12 +30,13 @@ TEST(AppleScriptHost, DocumentRecordScriptAndItsAnswer)
     EXPECT_EQ(record->size(), kRecordItemCount);
     EXPECT_EQ(record->at(kRecordPosixPath), QStringLiteral("/Jobs/Book.indd"));
     EXPECT_EQ(record->at(kRecordLinkCount), QStringLiteral("0"));
-    EXPECT_EQ(rig.scripts.lastSource(),
-              QStringLiteral("tell app \"Adobe InDesign 2024\" \n tell active document \n set res to {} \n set pathHFS "
-                             "to (full name) as string \n set end of res to pathHFS \n set end of res to posix path of "
-                             "pathHFS \n set end of res to name \n set end of res to (count pages) as string \n set end "
-                             "of res to (count links) as string \n end tell \n set end of res to version \n end tell \n "
-                             "return res"));
+    EXPECT_EQ(
+        rig.scripts.lastSource(),
+        QStringLiteral("tell app \"Adobe InDesign 2024\" \n tell active document \n set res to {} \n set pathHFS "
+                       "to (full name) as string \n set end of res to pathHFS \n set end of res to posix path of "
+                       "pathHFS \n set end of res to name \n set end of res to (count pages) as string \n set end "
+                       "of res to (count links) as string \n end tell \n set end of res to version \n end tell \n "
+                       "return res"));
 
     // A named document of a batch; items without a text form are left out.
     rig.scripts.pushResult(QVariantList{QStringLiteral("a"), QVariant(), QStringLiteral("b")});
@@ -58,10 +59,12 @@ TEST(AppleScriptHost, ConvertedDocumentScripts)
     Rig rig;
     rig.scripts.pushResult(QStringLiteral("Mac HD:a.indd"));
     EXPECT_EQ(*rig.host.fullNameOfDocument(DocumentReference::named(kQuotedName)), QStringLiteral("Mac HD:a.indd"));
-    EXPECT_EQ(rig.scripts.lastSource(),
-              QStringLiteral("tell app \"Adobe InDesign 2024\" to return full name of document \"%1\"").arg(kEscapedName));
+    EXPECT_EQ(
+        rig.scripts.lastSource(),
+        QStringLiteral("tell app \"Adobe InDesign 2024\" to return full name of document \"%1\"").arg(kEscapedName));
 
-    EXPECT_TRUE(rig.host.saveDocument(DocumentReference::named(QStringLiteral("b.indd")), QStringLiteral("/J/b.indd")).ok());
+    EXPECT_TRUE(
+        rig.host.saveDocument(DocumentReference::named(QStringLiteral("b.indd")), QStringLiteral("/J/b.indd")).ok());
     EXPECT_EQ(rig.scripts.lastSource(),
               QStringLiteral("tell app \"Adobe InDesign 2024\" to save document \"b.indd\" to \"/J/b.indd\""));
 }
@@ -69,8 +72,9 @@ TEST(AppleScriptHost, ConvertedDocumentScripts)
 TEST(AppleScriptHost, ExportScripts)
 {
     Rig rig;
-    EXPECT_TRUE(rig.host.exportDocumentForPreflight(kQuotedName, QStringLiteral("Mac HD:tmp:Quillon:Ann \"Q\" Book.idml"),
-                                                    QStringLiteral("/tmp/Quillon/Ann \"Q\" Book.idml"))
+    EXPECT_TRUE(rig.host
+                    .exportDocumentForPreflight(kQuotedName, QStringLiteral("Mac HD:tmp:Quillon:Ann \"Q\" Book.idml"),
+                                                QStringLiteral("/tmp/Quillon/Ann \"Q\" Book.idml"))
                     .ok());
     EXPECT_EQ(rig.scripts.lastSource(),
               QStringLiteral("with timeout of 36000 seconds \n tell application \"Adobe InDesign 2024\" to export "
@@ -100,7 +104,8 @@ TEST(AppleScriptHost, ExportScripts)
 TEST(AppleScriptHost, PackagingAndDocumentScripts)
 {
     Rig rig;
-    rig.scripts.pushResult(QVariantList{QStringLiteral("[High Quality Print]"), QStringLiteral("[Smallest File Size]")});
+    rig.scripts.pushResult(
+        QVariantList{QStringLiteral("[High Quality Print]"), QStringLiteral("[Smallest File Size]")});
     EXPECT_EQ(*rig.host.pdfExportPresetNames(),
               (QStringList{QStringLiteral("[High Quality Print]"), QStringLiteral("[Smallest File Size]")}));
     EXPECT_EQ(rig.scripts.lastSource(),
@@ -157,8 +162,8 @@ TEST(AppleScriptHost, AnchoredLinkPageScriptAcceptsOnlyDecimalIds)
               QStringLiteral("Object is invalid."));
 
     const size_t before = rig.scripts.calls().size();
-    EXPECT_FALSE(rig.host.pageNameForLinkID(QStringLiteral("Book.indd"), QStringLiteral("1 \n do shell script \"x\""))
-                     .ok());
+    EXPECT_FALSE(
+        rig.host.pageNameForLinkID(QStringLiteral("Book.indd"), QStringLiteral("1 \n do shell script \"x\"")).ok());
     EXPECT_EQ(rig.scripts.calls().size(), before);
 }
 
@@ -168,7 +173,8 @@ TEST(AppleScriptHost, LinkActionsAreNotAvailableWithoutTheirScriptObjects)
     const auto shown = rig.host.showLinkID(QStringLiteral("12"), QStringLiteral("Book.indd"));
     ASSERT_FALSE(shown.ok());
     EXPECT_TRUE(shown.error().message.contains(QStringLiteral("not available")));
-    EXPECT_FALSE(rig.host.relinkLinkID(QStringLiteral("12"), QStringLiteral("/x.tif"), QStringLiteral("Book.indd")).ok());
+    EXPECT_FALSE(
+        rig.host.relinkLinkID(QStringLiteral("12"), QStringLiteral("/x.tif"), QStringLiteral("Book.indd")).ok());
     EXPECT_FALSE(rig.host.relinkLinksInDoc(QStringLiteral("/Book.indd"), QStringLiteral("/Links"), true).ok());
     EXPECT_TRUE(rig.scripts.calls().empty());
 }

@@ -44,7 +44,8 @@ TEST(DocInfo, UnitTableIsUsedAsWritten)
     EXPECT_DOUBLE_EQ(inches->factor, 0.01389);
     EXPECT_EQ(inches->abbreviation, QStringLiteral("in"));
     EXPECT_DOUBLE_EQ(conversionFactorsFromPointsAndAbbrForUnits(QStringLiteral("Millimeters"))->factor, 0.3528);
-    EXPECT_EQ(conversionFactorsFromPointsAndAbbrForUnits(QStringLiteral("Centimeters"))->abbreviation, QStringLiteral("cm"));
+    EXPECT_EQ(conversionFactorsFromPointsAndAbbrForUnits(QStringLiteral("Centimeters"))->abbreviation,
+              QStringLiteral("cm"));
     EXPECT_DOUBLE_EQ(conversionFactorsFromPointsAndAbbrForUnits(QStringLiteral("Pixels"))->factor, 1.333);
     for (const char* other : {"Points", "Picas", "Ciceros", "Agates", "millimeters", ""})
         EXPECT_FALSE(conversionFactorsFromPointsAndAbbrForUnits(QLatin1String(other)).has_value()) << other;
@@ -62,13 +63,15 @@ TEST(DocInfo, BleedAndSlugTexts)
     // Rounds to nothing: none.
     EXPECT_EQ(bleedOrSlugText(uniform(QStringLiteral("0.001")), QStringLiteral("Millimeters")), QStringLiteral("-"));
     // Not uniform but all four the same: one value.
-    EXPECT_EQ(bleedOrSlugText(sides(QStringLiteral("72"), QStringLiteral("72"), QStringLiteral("72"), QStringLiteral("72")),
-                              QStringLiteral("Inches")),
-              QStringLiteral("1 in"));
+    EXPECT_EQ(
+        bleedOrSlugText(sides(QStringLiteral("72"), QStringLiteral("72"), QStringLiteral("72"), QStringLiteral("72")),
+                        QStringLiteral("Inches")),
+        QStringLiteral("1 in"));
     // Four different offsets: each converted, the abbreviation once at the end.
-    EXPECT_EQ(bleedOrSlugText(sides(QStringLiteral("72"), QStringLiteral("36"), QStringLiteral("0"), QStringLiteral("18")),
-                              QStringLiteral("Inches")),
-              QStringLiteral("1, 0.5, 0, 0.25 in"));
+    EXPECT_EQ(
+        bleedOrSlugText(sides(QStringLiteral("72"), QStringLiteral("36"), QStringLiteral("0"), QStringLiteral("18")),
+                        QStringLiteral("Inches")),
+        QStringLiteral("1, 0.5, 0, 0.25 in"));
     // The uniform flag wins over differing sides.
     EXPECT_EQ(bleedOrSlugText({QStringLiteral("9"), QStringLiteral("true"), QStringLiteral("1"), QStringLiteral("2"),
                                QStringLiteral("3")},
@@ -85,8 +88,9 @@ TEST(DocInfo, PageSizeTexts)
     EXPECT_EQ(pageSizeText({}, QStringLiteral("Millimeters"), QStringLiteral("Millimeters")), QStringLiteral("?"));
     EXPECT_EQ(pageSizeText(sizes({{"612", "792"}, {"595.2756", "841.8898"}}), QStringLiteral("Points"), QString()),
               QStringLiteral("<mixed>"));
-    EXPECT_EQ(pageSizeText(sizes({{"595.276", "841.89"}}), QStringLiteral("Millimeters"), QStringLiteral("Millimeters")),
-              QStringLiteral("210 x 297 mm"));
+    EXPECT_EQ(
+        pageSizeText(sizes({{"595.276", "841.89"}}), QStringLiteral("Millimeters"), QStringLiteral("Millimeters")),
+        QStringLiteral("210 x 297 mm"));
     EXPECT_EQ(pageSizeText(sizes({{"612", "792"}}), QStringLiteral("Inches"), QStringLiteral("Inches")),
               QStringLiteral("8.5 x 11 in"));
     EXPECT_EQ(pageSizeText(sizes({{"612", "792"}}), QStringLiteral("Picas"), QStringLiteral("Picas")),
@@ -180,9 +184,9 @@ TEST(DocInfo, DatesSizeAndRecord)
     const QString path = dir.filePath(QStringLiteral("Report.idml"));
     test::writeAll(path, QByteArray(2600, 'x'));
     const QLocale english(QLocale::English, QLocale::UnitedStates);
-    QNDocInfo info = QNDocInfo::docInfoWithRecord(
-        {QString(), path, QStringLiteral("Report.idml"), QStringLiteral("12"), QStringLiteral("3"), QStringLiteral("20.4")},
-        english);
+    QNDocInfo info = QNDocInfo::docInfoWithRecord({QString(), path, QStringLiteral("Report.idml"), QStringLiteral("12"),
+                                                   QStringLiteral("3"), QStringLiteral("20.4")},
+                                                  english);
     EXPECT_EQ(info.docName(), QStringLiteral("Report.idml"));
     EXPECT_EQ(info.numberOfPagesStr(), QStringLiteral("12"));
     EXPECT_EQ(info.InDesignVersion(), QStringLiteral("20.4"));

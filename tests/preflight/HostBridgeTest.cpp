@@ -84,8 +84,7 @@ TEST(InDesignVersion, NamesAreMatchedInTableOrder)
 TEST(InDesignVersion, InstallationInsideAnInDesignFolderWinsOverTheRunningOne)
 {
     FakeEnvironment environment;
-    environment.resources =
-        QStringLiteral("/Applications/Adobe InDesign 2022/Scripts/Quillon.app/Contents/Resources");
+    environment.resources = QStringLiteral("/Applications/Adobe InDesign 2022/Scripts/Quillon.app/Contents/Resources");
     environment.running = {kInDesign2024};
     app::ScriptedAlertSink alerts;
     EXPECT_EQ(InDesignVersionForStartup(environment, alerts), QStringLiteral("Adobe InDesign 2022"));
@@ -199,8 +198,9 @@ TEST(AppleEventPermission, ErrorNumber1743WithAnOddMessageLeadsToResetAndRelaunc
     EXPECT_EQ(rig.tools.calls[0].arguments, (QStringList{QStringLiteral("reset"), QStringLiteral("AppleEvents")}));
     EXPECT_FALSE(rig.tools.calls[0].returnResult);
     EXPECT_EQ(rig.tools.calls[1].path, QStringLiteral("/bin/sh"));
-    EXPECT_EQ(rig.tools.calls[1].arguments,
-              (QStringList{QStringLiteral("-c"), QStringLiteral("sleep 3.000000; open \"/Applications/Quillon.app\"")}));
+    EXPECT_EQ(
+        rig.tools.calls[1].arguments,
+        (QStringList{QStringLiteral("-c"), QStringLiteral("sleep 3.000000; open \"/Applications/Quillon.app\"")}));
     EXPECT_EQ(rig.environment.terminations, 1);
 }
 
@@ -254,8 +254,8 @@ TEST(AppleEventPermission, BetaBuildShowsItsBundleAndMayQuitWithoutRelaunching)
 TEST(ToolRunner, OutputIsReturnedExceptForZipAndUnzip)
 {
     app::SystemToolRunner tools;
-    EXPECT_EQ(tools.runTaskWithPath(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QStringLiteral("echo out; echo err >&2")},
-                                    true),
+    EXPECT_EQ(tools.runTaskWithPath(QStringLiteral("/bin/sh"),
+                                    {QStringLiteral("-c"), QStringLiteral("echo out; echo err >&2")}, true),
               std::optional<QString>(QStringLiteral("out\nerr\n")));
     const QString folder = QDir::tempPath();
     EXPECT_EQ(tools.runTaskWithPath(QStringLiteral("/bin/pwd"), {}, folder, true)->trimmed(),

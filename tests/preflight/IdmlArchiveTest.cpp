@@ -1,5 +1,5 @@
-#include "QtPrinters.h"
 #include "IdmlFixtures.h"
+#include "QtPrinters.h"
 
 #include "preflight/IdmlArchive.h"
 #include "preflight/IdmlArchiveWriter.h"
@@ -31,7 +31,8 @@ QStringList filesBelow(const QString& folder)
 }
 
 // An archive with one hostile entry beside a harmless one.
-QString hostileArchive(const QTemporaryDir& dir, const QString& name, quint32 mode = IdmlArchiveWriter::kRegularFileMode)
+QString hostileArchive(const QTemporaryDir& dir, const QString& name,
+                       quint32 mode = IdmlArchiveWriter::kRegularFileMode)
 {
     const QString path = dir.filePath(QStringLiteral("hostile.idml"));
     auto writer = IdmlArchiveWriter::create(path);
@@ -63,7 +64,8 @@ TEST(IdmlArchive, UnpacksARealIdmlLikeUnzip)
     ASSERT_TRUE(archive->extractTo(dir.filePath(QStringLiteral("ours"))).ok());
 
     QProcess unzip;
-    unzip.start(QStringLiteral("unzip"), {QStringLiteral("-q"), sample, QStringLiteral("-d"), dir.filePath(QStringLiteral("theirs"))});
+    unzip.start(QStringLiteral("unzip"),
+                {QStringLiteral("-q"), sample, QStringLiteral("-d"), dir.filePath(QStringLiteral("theirs"))});
     ASSERT_TRUE(unzip.waitForFinished());
     const QStringList files = filesBelow(dir.filePath(QStringLiteral("ours")));
     ASSERT_EQ(files, filesBelow(dir.filePath(QStringLiteral("theirs"))));
@@ -227,10 +229,11 @@ TEST(IdmlArchive, ADamagedEntryAmongManyIsNamed)
         auto writer = IdmlArchiveWriter::create(path);
         ASSERT_TRUE(writer->addMimetype().ok());
         for (int i = 0; i < 300; ++i)
-            ASSERT_TRUE(writer->addFile(QStringLiteral("Stories/Story_%1.xml").arg(i),
-                                        QStringLiteral("<Story n=\"%1\">plain text kept as it is</Story>").arg(i).toUtf8(),
-                                        false)
-                            .ok());
+            ASSERT_TRUE(
+                writer
+                    ->addFile(QStringLiteral("Stories/Story_%1.xml").arg(i),
+                              QStringLiteral("<Story n=\"%1\">plain text kept as it is</Story>").arg(i).toUtf8(), false)
+                    .ok());
         ASSERT_TRUE(writer->close().ok());
     }
     QByteArray bytes = test::readAll(path);

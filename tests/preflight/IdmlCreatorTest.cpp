@@ -1,5 +1,5 @@
-#include "QtPrinters.h"
 #include "IdmlFixtures.h"
+#include "QtPrinters.h"
 
 #include "preflight/AppleScriptHost.h"
 #include "preflight/IdmlCreator.h"
@@ -67,8 +67,9 @@ TEST(IdmlCreatorPaths, WorkPathsFollowTheDocumentName)
     EXPECT_TRUE(QFileInfo(cut).fileName().startsWith(longName + QStringLiteral(".folder")));
     EXPECT_EQ(QFileInfo(cut).path(), QStringLiteral("/w"));
     const QString exact = QString(226, u'y') + QStringLiteral(".idml"); // 231 + 12 = 243
-    EXPECT_EQ(QFileInfo(QNIDMLCreator::idmlContentsFolderPathForIDMLPath(QStringLiteral("/w/") + exact)).fileName().size(),
-              243);
+    EXPECT_EQ(
+        QFileInfo(QNIDMLCreator::idmlContentsFolderPathForIDMLPath(QStringLiteral("/w/") + exact)).fileName().size(),
+        243);
 }
 
 TEST_F(IdmlCreatorTest, ScriptHostExportUsesTheHfsPathAndEscapesTheName)
@@ -85,8 +86,8 @@ TEST_F(IdmlCreatorTest, ScriptHostExportUsesTheHfsPathAndEscapesTheName)
 
     const QStringList sources = scripts.sources();
     ASSERT_EQ(sources.size(), 2);
-    EXPECT_EQ(sources[0], QStringLiteral("(\"%1\" as POSIX file) as string").arg(QString(idmlPath).replace(
-                                                                             QStringLiteral("\""), QStringLiteral("\\\""))));
+    EXPECT_EQ(sources[0], QStringLiteral("(\"%1\" as POSIX file) as string")
+                              .arg(QString(idmlPath).replace(QStringLiteral("\""), QStringLiteral("\\\""))));
     EXPECT_EQ(sources[1], QStringLiteral("with timeout of 36000 seconds \n tell application \"Adobe InDesign 2024\" to "
                                          "export document \"Say \\\"hi\\\".indd\" format InDesign markup to "
                                          "\"Macintosh HD:tmp:Quillon:Say \\\"hi\\\".idml\" without showing options \n "
@@ -208,7 +209,8 @@ TEST_F(IdmlCreatorTest, PackageExportsReplaceTheTargetAndUseThePresetDefault)
     test::writeAll(folder + QStringLiteral("/Book.pdf"), "old pdf");
     QDir().mkpath(folder + QStringLiteral("/Book.idml/inside"));
 
-    auto controller = QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Book.indd"), folder, host, settings);
+    auto controller =
+        QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Book.indd"), folder, host, settings);
     EXPECT_EQ(controller.lastErrorMsg(), QString(""));
     EXPECT_TRUE(controller.exportDocToPDF());
     EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Book.pdf")));
@@ -244,8 +246,8 @@ TEST_F(IdmlCreatorTest, OfflinePackageExportOfTheDocumentItselfKeepsIt)
     app::Settings settings(m_temp.filePath(QStringLiteral("settings.ini")));
 
     // The document already sits where its IDML export goes.
-    auto inPlace = QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Flyer.idml"), m_docs.path(), host,
-                                                                      settings);
+    auto inPlace =
+        QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Flyer.idml"), m_docs.path(), host, settings);
     EXPECT_TRUE(inPlace.exportDocToIDML());
     EXPECT_EQ(test::readAll(doc), original);
 

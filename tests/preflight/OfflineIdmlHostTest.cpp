@@ -161,23 +161,28 @@ TEST_F(OfflineIdmlHostTest, TheLastOpenedDocumentIsActiveAndOthersAreFoundByName
 
 TEST_F(OfflineIdmlHostTest, RecordCountsPagesOfSpreadsAndFileLinksEverywhere)
 {
-    const QByteArray links = "<Rectangle><Image><Link Self=\"l1\" LinkResourceURI=\"file:/a.tif\"/></Image></Rectangle>"
-                             "<Rectangle><Image><Link Self=\"l2\" LinkResourceURI=\"http://x/b.jpg\"/></Image></Rectangle>"
-                             "<Group><Rectangle><EPS><Link Self=\"l3\" LinkResourceURI=\"file:C:/c.eps\"/></EPS>"
-                             "</Rectangle></Group>";
+    const QByteArray links =
+        "<Rectangle><Image><Link Self=\"l1\" LinkResourceURI=\"file:/a.tif\"/></Image></Rectangle>"
+        "<Rectangle><Image><Link Self=\"l2\" LinkResourceURI=\"http://x/b.jpg\"/></Image></Rectangle>"
+        "<Group><Rectangle><EPS><Link Self=\"l3\" LinkResourceURI=\"file:C:/c.eps\"/></EPS>"
+        "</Rectangle></Group>";
     const QString path = m_docs.filePath(QStringLiteral("Counts.idml"));
-    test::writeIdml(path, {
-        {QStringLiteral("designmap.xml"),
-         test::designmapXml({QStringLiteral("MasterSpreads/MasterSpread_m.xml"), QStringLiteral("Spreads/Spread_a.xml"),
-                             QStringLiteral("Spreads/Spread_b.xml"), QStringLiteral("Stories/Story_s.xml")},
-                            QStringLiteral("19.5"))},
-        {QStringLiteral("MasterSpreads/MasterSpread_m.xml"),
-         "<idPkg:MasterSpread xmlns:idPkg=\"p\"><MasterSpread><Page Name=\"A\"/><Page Name=\"B\"/>" + links +
-             "</MasterSpread></idPkg:MasterSpread>"},
-        {QStringLiteral("Spreads/Spread_a.xml"), test::spreadXml({QStringLiteral("0 0 792 612"), QString()}, links)},
-        {QStringLiteral("Spreads/Spread_b.xml"), test::spreadXml({QStringLiteral("0 0 792 612")})},
-        {QStringLiteral("Stories/Story_s.xml"), "<idPkg:Story xmlns:idPkg=\"p\"><Story>" + links + "</Story></idPkg:Story>"},
-    });
+    test::writeIdml(
+        path, {
+                  {QStringLiteral("designmap.xml"),
+                   test::designmapXml({QStringLiteral("MasterSpreads/MasterSpread_m.xml"),
+                                       QStringLiteral("Spreads/Spread_a.xml"), QStringLiteral("Spreads/Spread_b.xml"),
+                                       QStringLiteral("Stories/Story_s.xml")},
+                                      QStringLiteral("19.5"))},
+                  {QStringLiteral("MasterSpreads/MasterSpread_m.xml"),
+                   "<idPkg:MasterSpread xmlns:idPkg=\"p\"><MasterSpread><Page Name=\"A\"/><Page Name=\"B\"/>" + links +
+                       "</MasterSpread></idPkg:MasterSpread>"},
+                  {QStringLiteral("Spreads/Spread_a.xml"),
+                   test::spreadXml({QStringLiteral("0 0 792 612"), QString()}, links)},
+                  {QStringLiteral("Spreads/Spread_b.xml"), test::spreadXml({QStringLiteral("0 0 792 612")})},
+                  {QStringLiteral("Stories/Story_s.xml"),
+                   "<idPkg:Story xmlns:idPkg=\"p\"><Story>" + links + "</Story></idPkg:Story>"},
+              });
     OfflineIdmlHost host;
     ASSERT_TRUE(host.openDocument(path, true).ok());
     const auto record = host.pathsAndNameOfDocument(DocumentReference::active());

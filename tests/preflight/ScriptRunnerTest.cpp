@@ -19,10 +19,11 @@ namespace {
 QString writeFakeRunner(const QTemporaryDir& dir, const QString& body)
 {
     const QString path = dir.filePath(QStringLiteral("osascript"));
-    quillon::test::writeAll(path, (QStringLiteral("#!/bin/sh\nprintf '%s\\n' \"$@\" > '%1'\ncat > '%2'\n")
-                                       .arg(dir.filePath(QStringLiteral("args")), dir.filePath(QStringLiteral("stdin"))) +
-                                   body)
-                                      .toUtf8());
+    quillon::test::writeAll(path,
+                            (QStringLiteral("#!/bin/sh\nprintf '%s\\n' \"$@\" > '%1'\ncat > '%2'\n")
+                                 .arg(dir.filePath(QStringLiteral("args")), dir.filePath(QStringLiteral("stdin"))) +
+                             body)
+                                .toUtf8());
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return path;
 }
@@ -75,13 +76,15 @@ TEST(ScriptRunner, SourceFormValuesAreRead)
               QVariant(QVariantList{QStringLiteral("a, b"), QStringLiteral("}"), 12LL, -3.5, true, QVariant()}));
     EXPECT_EQ(parseAppleScriptValue(QStringLiteral("{{1, 2}, {}}")),
               QVariant(QVariantList{QVariantList{1LL, 2LL}, QVariantList{}}));
-    EXPECT_EQ(parseAppleScriptValue(QStringLiteral("{name:\"Doc\", |page count|:4}")),
-              QVariant(QVariantMap{{QStringLiteral("name"), QStringLiteral("Doc")}, {QStringLiteral("page count"), 4LL}}));
+    EXPECT_EQ(
+        parseAppleScriptValue(QStringLiteral("{name:\"Doc\", |page count|:4}")),
+        QVariant(QVariantMap{{QStringLiteral("name"), QStringLiteral("Doc")}, {QStringLiteral("page count"), 4LL}}));
     // Values with no plain form stay as their source text.
     EXPECT_EQ(parseAppleScriptValue(QStringLiteral("document \"A, B\" of application \"Adobe InDesign 2024\"")),
               QVariant(QStringLiteral("document \"A, B\" of application \"Adobe InDesign 2024\"")));
-    EXPECT_EQ(parseAppleScriptValue(QStringLiteral("{«class cdoc», date \"Monday, 1 January 2024\"}")),
-              QVariant(QVariantList{QStringLiteral("«class cdoc»"), QStringLiteral("date \"Monday, 1 January 2024\"")}));
+    EXPECT_EQ(
+        parseAppleScriptValue(QStringLiteral("{«class cdoc», date \"Monday, 1 January 2024\"}")),
+        QVariant(QVariantList{QStringLiteral("«class cdoc»"), QStringLiteral("date \"Monday, 1 January 2024\"")}));
     EXPECT_EQ(parseAppleScriptValue(QString()), QVariant(QString()));
     EXPECT_EQ(parseAppleScriptValue(QStringLiteral("\"line\\nnext\"")), QVariant(QStringLiteral("line\nnext")));
 }
@@ -135,7 +138,8 @@ TEST(ScriptRunner, RealRunnerReportsExecutionErrorsAndMissingPieces)
     EXPECT_EQ(scriptErrorDict(outcome).value(kScriptErrorNumberKey).toLongLong(), -1743);
 
     // A compiled script that is not there.
-    const QVariantMap noFile = runner.runAppleScriptWithSourceString(QString(), dir.filePath(QStringLiteral("no.scpt")));
+    const QVariantMap noFile =
+        runner.runAppleScriptWithSourceString(QString(), dir.filePath(QStringLiteral("no.scpt")));
     EXPECT_TRUE(scriptBriefErrorMessage(noFile).contains(QStringLiteral("no.scpt")));
 
     // No script runner on this system: every run is an error that says why.
@@ -155,7 +159,8 @@ TEST(ScriptRunner, RecordingRunnerAnswersFromResponderThenQueueThenEmptySuccess)
             return scriptSuccessOutcome(QStringLiteral("19.0"));
         return std::nullopt;
     });
-    EXPECT_EQ(scriptResultString(runner.runAppleScriptWithSourceString(QStringLiteral("version"))), QStringLiteral("19.0"));
+    EXPECT_EQ(scriptResultString(runner.runAppleScriptWithSourceString(QStringLiteral("version"))),
+              QStringLiteral("19.0"));
     EXPECT_EQ(scriptResultString(runner.runAppleScriptWithSourceString(QStringLiteral("a"))), QStringLiteral("queued"));
     const QVariantMap last = runner.runAppleScriptWithSourceString(QStringLiteral("b"));
     EXPECT_TRUE(scriptSucceeded(last));
