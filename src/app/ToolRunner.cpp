@@ -6,6 +6,11 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <unistd.h>
+#endif
+
 namespace quillon::app {
 
 namespace {
@@ -58,6 +63,10 @@ BoundedToolResult runBoundedTool(const BoundedToolRequest& request)
     BoundedToolResult result;
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
+#ifdef Q_OS_UNIX
+    // A group of its own, so stopping the tool also stops whatever it started.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+#endif
     if (!request.workingFolder.isEmpty())
         process.setWorkingDirectory(request.workingFolder);
     process.start(request.program, request.arguments);
@@ -72,6 +81,10 @@ BoundedToolResult runBoundedTool(const BoundedToolRequest& request)
 
     auto stop = [&](const QString& reason) {
         result.stopReason = reason;
+#ifdef Q_OS_UNIX
+        if (const qint64 pid = process.processId(); pid > 0)
+            ::kill(-static_cast<pid_t>(pid), SIGKILL);
+#endif
         process.kill();
         process.waitForFinished(5'000);
     };

@@ -10,6 +10,8 @@
 #include "app/ToolRunner.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QThread>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -285,14 +287,23 @@ TEST(ToolRunner, BoundedToolsAreStoppedWhenTheyRunLongPrintMuchOrGrowAFile)
     EXPECT_EQ(cut.output.size(), 100'000);
     EXPECT_TRUE(cut.stopReason.contains(QStringLiteral("printed more than")));
 
+    // The tool's own children are stopped with it; the writer is bounded anyway (64 MB), so a
+    // failure here can never fill the disk.
     QTemporaryDir dir;
     app::BoundedToolRequest filler;
     filler.program = QStringLiteral("/bin/sh");
-    filler.arguments = {QStringLiteral("-c"), QStringLiteral("yes > grow.txt")};
+    filler.arguments = {QStringLiteral("-c"),
+                        QStringLiteral("for i in $(seq 1000); do head -c 65536 /dev/zero >> grow.bin; sleep 0.01; "
+                                       "done; echo done")};
     filler.workingFolder = dir.path();
-    filler.watchedFile = dir.filePath(QStringLiteral("grow.txt"));
+    filler.watchedFile = dir.filePath(QStringLiteral("grow.bin"));
     filler.maxWatchedFileBytes = 1'000'000;
-    EXPECT_TRUE(app::runBoundedTool(filler).stopReason.contains(QStringLiteral("wrote more than")));
+    const app::BoundedToolResult grown = app::runBoundedTool(filler);
+    EXPECT_TRUE(grown.stopReason.contains(QStringLiteral("wrote more than")));
+    EXPECT_FALSE(grown.output.contains("done"));
+    const qint64 sizeWhenStopped = QFileInfo(filler.watchedFile).size();
+    QThread::msleep(200);
+    EXPECT_EQ(QFileInfo(filler.watchedFile).size(), sizeWhenStopped);
 
     app::BoundedToolRequest echo;
     echo.program = QStringLiteral("/bin/cat");
