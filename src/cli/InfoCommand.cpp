@@ -48,11 +48,10 @@ app::Result<DocumentFacts> readDocument(const QString& path)
     preflight::QNIDMLCreator creator(host, alerts);
     const QString docPath = record->value(preflight::kRecordPosixPath);
     const QString folder = creator.processInDesignFileAtPath(docPath);
+    // The run's work folder is private: its copies of this document can go at once.
     const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, app::workFolder());
+    QFile::remove(idmlPath);
     QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
-    if (!QFileInfo(idmlPath).canonicalFilePath().isEmpty() &&
-        QFileInfo(idmlPath).canonicalFilePath() != QFileInfo(docPath).canonicalFilePath())
-        QFile::remove(idmlPath);
     if (folder.isEmpty())
         return creator.lastError();
 

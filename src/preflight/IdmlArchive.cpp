@@ -57,7 +57,7 @@ bool isFolderEntry(const QString& name)
     return name.endsWith(u'/') || name.endsWith(u'\\');
 }
 
-Result<zip_t*> openZip(const QString& path)
+Result<zip_t*> openZip(const QString& path, const QString& name)
 {
     int code = 0;
     zip_t* zip = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &code);
@@ -65,7 +65,7 @@ Result<zip_t*> openZip(const QString& path)
         return makeError(QStringLiteral("cannot be read as a zip archive (%1); an IDML file is a zip archive, so "
                                         "this one is damaged, truncated or not an IDML file at all")
                              .arg(libzipMessage(code)),
-                         path);
+                         name);
     return zip;
 }
 
@@ -203,8 +203,8 @@ std::optional<QString> safeRelativeEntryPath(const QString& entryName)
     return parts.join(u'/');
 }
 
-IdmlArchive::IdmlArchive(QString path, std::unique_ptr<Handle> handle, std::vector<Entry> entries)
-    : m_path(std::move(path)), m_handle(std::move(handle)), m_entries(std::move(entries))
+IdmlArchive::IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries)
+    : m_path(std::move(path)), m_name(std::move(name)), m_handle(std::move(handle)), m_entries(std::move(entries))
 {
 }
 
@@ -212,19 +212,20 @@ IdmlArchive::IdmlArchive(IdmlArchive&&) noexcept = default;
 IdmlArchive& IdmlArchive::operator=(IdmlArchive&&) noexcept = default;
 IdmlArchive::~IdmlArchive() = default;
 
-Result<IdmlArchive> IdmlArchive::open(const QString& path)
+Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& reportedName)
 {
+    const QString name = reportedName.isEmpty() ? path : reportedName;
     const QFileInfo info(path);
     if (!info.exists())
-        return makeError(QStringLiteral("the file does not exist"), path);
+        return makeError(QStringLiteral("the file does not exist"), name);
     if (info.isDir())
-        return makeError(QStringLiteral("is a folder, not an IDML file"), path);
+        return makeError(QStringLiteral("is a folder, not an IDML file"), name);
     if (info.size() == 0)
-        return makeError(QStringLiteral("the file is empty (0 bytes), so it is not an IDML file"), path);
+        return makeError(QStringLiteral("the file is empty (0 bytes), so it is not an IDML file"), name);
     if (!info.isReadable())
-        return makeError(QStringLiteral("the file cannot be read (no permission)"), path);
+        return makeError(QStringLiteral("the file cannot be read (no permission)"), name);
 
-    Result<zip_t*> zip = openZip(path);
+    Result<zip_t*> zip = openZip(path, name);
     if (!zip)
         return zip.error();
     auto handle = std::make_unique<Handle>();
@@ -239,7 +240,7 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path)
             return makeError(QStringLiteral("entry %1 of the archive cannot be read: %2")
                                  .arg(i)
                                  .arg(QString::fromUtf8(zip_strerror(handle->zip))),
-                             path);
+                             name);
         Entry entry;
         entry.name = QString::fromUtf8(stat.name);
         entry.index = static_cast<quint64>(i);
@@ -252,7 +253,7 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path)
             entry.unixMode = attributes >> 16;
         entries.push_back(std::move(entry));
     }
-    return IdmlArchive(path, std::move(handle), std::move(entries));
+    return IdmlArchive(path, name, std::move(handle), std::move(entries));
 }
 
 bool IdmlArchive::contains(const QString& name) const
@@ -264,14 +265,14 @@ Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) 
 {
     const auto it = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.name == name; });
     if (it == m_entries.end())
-        return makeError(QStringLiteral("the archive holds no %1").arg(name), m_path);
+        return makeError(QStringLiteral("the archive holds no %1").arg(name), m_name);
     if (it->size > maxBytes)
         return makeError(QStringLiteral("the entry is too large to read (%1)").arg(app::fileSizeStrFromBytes(it->size)),
-                         m_path, name);
+                         m_name, name);
     zip_file_t* file = zip_fopen_index(m_handle->zip, it->index, 0);
     if (!file)
         return makeError(
-            QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))), m_path,
+            QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))), m_name,
             name);
     QByteArray bytes(it->size, Qt::Uninitialized);
     qint64 total = 0;
@@ -282,14 +283,14 @@ Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) 
         if (got < 0) {
             const QString reason = QString::fromUtf8(zip_file_strerror(file));
             zip_fclose(file);
-            return makeError(QStringLiteral("the entry is damaged: %1").arg(reason), m_path, name);
+            return makeError(QStringLiteral("the entry is damaged: %1").arg(reason), m_name, name);
         }
         if (got == 0)
             break;
         total += got;
         if (total > it->size) {
             zip_fclose(file);
-            return makeError(QStringLiteral("the entry holds more than it declares"), m_path, name);
+            return makeError(QStringLiteral("the entry holds more than it declares"), m_name, name);
         }
     }
     zip_fclose(file);
@@ -304,27 +305,27 @@ Status IdmlArchive::checkEntriesAreSafe(const UnpackLimits& limits) const
                                         "was not unpacked")
                              .arg(m_entries.size())
                              .arg(limits.maxEntries),
-                         m_path);
+                         m_name);
     qint64 total = 0;
     for (const Entry& entry : m_entries) {
         const quint32 type = entry.unixMode & kFileTypeMask;
         if (type == kSymbolicLink)
             return makeError(QStringLiteral("the archive holds a symbolic link, which an IDML file never does; it was "
                                             "not unpacked"),
-                             m_path, entry.name);
+                             m_name, entry.name);
         if (type != 0 && type != kRegularFile && type != kDirectory)
             return makeError(QStringLiteral("the archive holds a special file, which an IDML file never does; it was "
                                             "not unpacked"),
-                             m_path, entry.name);
+                             m_name, entry.name);
         if (!safeRelativeEntryPath(entry.name))
             return makeError(QStringLiteral("the archive holds an entry whose path leads outside its folder (an "
                                             "absolute path or \"..\"); it was not unpacked"),
-                             m_path, entry.name);
+                             m_name, entry.name);
         if (entry.size > limits.maxTotalBytes - total)
             return makeError(QStringLiteral("the archive would unpack to more than %1, far more than an IDML file "
                                             "holds; it was not unpacked")
                                  .arg(app::fileSizeStrFromBytes(static_cast<quint64>(limits.maxTotalBytes))),
-                             m_path);
+                             m_name);
         total += entry.size;
     }
     return {};
@@ -343,7 +344,7 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
             folder);
 
     // Folders first, so the file writers only write files.
-    FolderMaker folders(root, m_path);
+    FolderMaker folders(root, m_name);
     std::vector<FileJob> jobs;
     jobs.reserve(m_entries.size());
     for (const Entry& entry : m_entries) {
@@ -367,7 +368,7 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     std::atomic<bool> stop{false};
     std::vector<std::pair<size_t, Status>> failures(workers, {jobs.size(), Status()});
     auto work = [&](unsigned worker, zip_t* zip) {
-        FileWriter writer(zip, m_path, budget);
+        FileWriter writer(zip, m_name, budget);
         for (size_t i = worker; i < jobs.size() && !stop.load(); i += workers) {
             if (Status written = writer.write(jobs[i]); !written) {
                 failures[worker] = {i, written};
@@ -379,7 +380,7 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     std::vector<std::thread> threads;
     std::vector<std::unique_ptr<Handle>> handles;
     for (unsigned worker = 1; worker < workers; ++worker) {
-        Result<zip_t*> zip = openZip(m_path);
+        Result<zip_t*> zip = openZip(m_path, m_name);
         if (!zip)
             return zip.error();
         handles.push_back(std::make_unique<Handle>());

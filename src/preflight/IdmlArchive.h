@@ -29,15 +29,18 @@ public:
         quint32 unixMode = 0; // file type and permissions when the archive records them, else 0
     };
 
-    // Opens the archive. Errors name the file: missing, a folder, empty, unreadable, or not a
-    // zip archive (which includes a truncated one).
-    static app::Result<IdmlArchive> open(const QString& path);
+    // Opens the archive. Errors name the file (or `reportedName`, such as the document a
+    // repaired copy stands for): missing, a folder, empty, unreadable, or not a zip archive
+    // (which includes a truncated one).
+    static app::Result<IdmlArchive> open(const QString& path, const QString& reportedName = {});
 
     IdmlArchive(IdmlArchive&&) noexcept;
     IdmlArchive& operator=(IdmlArchive&&) noexcept;
     ~IdmlArchive();
 
     const QString& path() const { return m_path; }
+    // The file named in messages.
+    const QString& name() const { return m_name; }
     const std::vector<Entry>& entries() const { return m_entries; }
     bool contains(const QString& name) const;
 
@@ -55,9 +58,10 @@ public:
 
 private:
     struct Handle;
-    IdmlArchive(QString path, std::unique_ptr<Handle> handle, std::vector<Entry> entries);
+    IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries);
 
     QString m_path;
+    QString m_name;
     std::unique_ptr<Handle> m_handle;
     std::vector<Entry> m_entries;
 };

@@ -110,37 +110,32 @@ QString QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath)
     m_repaired = false;
     // Errors name the document the user gave, not the copy in the work folder.
     const QString named = m_documentPath.isEmpty() ? idmlPath : m_documentPath;
-    const QString repairedPath = repairedArchivePathForIDMLPath(idmlPath);
-    auto naming = [&](app::Error error) {
-        if (error.file == idmlPath || error.file == repairedPath || error.file.isEmpty())
-            error.file = named;
-        return error;
-    };
-
     if (!QFileInfo(idmlPath).isFile())
         return fail(kCannotPreflightAlertTitle,
                     app::makeError(QStringLiteral("the export left no IDML file at %1").arg(idmlPath), named));
-    app::Result<IdmlArchive> archive = IdmlArchive::open(idmlPath);
+
+    app::Result<IdmlArchive> archive = IdmlArchive::open(idmlPath, named);
     if (!archive) {
         app::logLine(QStringLiteral("-> can't open zip, repairing: %1").arg(archive.error().text()));
+        const QString repairedPath = repairedArchivePathForIDMLPath(idmlPath);
         const app::Result<QString> repair = repairArchiveWithZip(idmlPath, repairedPath, m_zipTool);
         if (!repair)
-            return fail(kCannotRepairAlertTitle, naming(repair.error()));
+            return fail(kCannotRepairAlertTitle, app::makeError(repair.error().message, named));
         app::logLine(QStringLiteral("zip fixed"));
-        archive = IdmlArchive::open(repairedPath);
+        archive = IdmlArchive::open(repairedPath, named);
         if (!archive)
             return fail(
                 kCannotRepairAlertTitle,
                 app::makeError(QStringLiteral("cannot be read as a zip archive, not even after repairing it"), named));
         m_repaired = true;
     }
-    if (const app::Status whole = checkIdmlStructure(*archive, named); !whole)
+    if (const app::Status whole = checkIdmlStructure(*archive); !whole)
         return fail(kCannotPreflightAlertTitle, whole.error());
 
     const QString folder = idmlContentsFolderPathForIDMLPath(idmlPath);
     if (const app::Status unpacked = archive->extractTo(folder, m_limits); !unpacked) {
         QDir(folder).removeRecursively(); // a half-unpacked folder is of no use to anyone
-        return fail(kCannotPreflightAlertTitle, naming(unpacked.error()));
+        return fail(kCannotPreflightAlertTitle, unpacked.error());
     }
     app::logLine(QStringLiteral("idmlContentsFolderPath: %1").arg(folder));
     return folder;

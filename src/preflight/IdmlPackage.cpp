@@ -68,8 +68,9 @@ Result<QString> repairArchiveWithZip(const QString& path, const QString& repaire
     return QString::fromUtf8(run.output);
 }
 
-Status checkIdmlStructure(const IdmlArchive& archive, const QString& documentPath)
+Status checkIdmlStructure(const IdmlArchive& archive)
 {
+    const QString& documentPath = archive.name();
     if (archive.entries().empty())
         return makeError(QStringLiteral("is not an IDML file: nothing in it could be read as part of a zip archive"),
                          documentPath);
@@ -79,7 +80,7 @@ Status checkIdmlStructure(const IdmlArchive& archive, const QString& documentPat
                          documentPath);
     Result<QByteArray> designmap = archive.readEntry(QStringLiteral("designmap.xml"));
     if (!designmap)
-        return makeError(designmap.error().message, documentPath, QStringLiteral("designmap.xml"));
+        return designmap.error();
     pugi::xml_document document;
     if (Status loaded = loadIdmlXml(document, *designmap, documentPath, QStringLiteral("designmap.xml")); !loaded)
         return loaded;
@@ -109,13 +110,13 @@ Result<IdmlArchive> openIdmlPackage(const QString& path, const QString& repaired
         Result<QString> repair = repairArchiveWithZip(path, repairedPath, zipTool);
         if (!repair)
             return repair.error();
-        archive = IdmlArchive::open(repairedPath);
+        archive = IdmlArchive::open(repairedPath, path);
         if (!archive)
             return makeError(QStringLiteral("cannot be read as a zip archive, not even after repairing it"), path);
         if (repaired)
             *repaired = true;
     }
-    if (Status whole = checkIdmlStructure(*archive, path); !whole)
+    if (Status whole = checkIdmlStructure(*archive); !whole)
         return whole.error();
     return archive;
 }

@@ -20,8 +20,8 @@ app::Result<QString> repairArchiveWithZip(const QString& path, const QString& re
 
 // Refuses an archive that is not a whole IDML package: designmap.xml must be there and readable,
 // and every part it lists (spreads, stories, resources) must be in the archive. A truncated
-// package that was salvaged by a repair fails here.
-app::Status checkIdmlStructure(const IdmlArchive& archive, const QString& documentPath);
+// package that was salvaged by a repair fails here. Errors name the archive's reported name.
+app::Status checkIdmlStructure(const IdmlArchive& archive);
 
 // Opens an IDML for reading: as it is when the archive is sound, otherwise from a repaired copy
 // at `repairedPath`. Either way the package must be whole. `repaired`, when given, tells which.
