@@ -8,7 +8,6 @@
 #include <zip.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,7 +21,6 @@
 namespace quillon::preflight {
 
 namespace fs = std::filesystem;
-using app::Error;
 using app::makeError;
 using app::Result;
 using app::Status;
@@ -69,6 +67,11 @@ Result<zip_t*> openZip(const QString& path, const QString& name)
     return zip;
 }
 
+QString errnoText()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
 // Writes all of `bytes` to the descriptor.
 bool writeFully(int fd, const char* bytes, qint64 size)
 {
@@ -88,7 +91,7 @@ bool writeFully(int fd, const char* bytes, qint64 size)
 // Makes folders below `root`, each once.
 class FolderMaker {
 public:
-    FolderMaker(fs::path root, QString archivePath) : m_root(std::move(root)), m_archivePath(std::move(archivePath)) {}
+    FolderMaker(fs::path root, QString archiveName) : m_root(std::move(root)), m_archiveName(std::move(archiveName)) {}
 
     Status make(const QString& relative)
     {
@@ -100,13 +103,13 @@ public:
         if (ec)
             return makeError(
                 QStringLiteral("the folder could not be made: %1").arg(QString::fromStdString(ec.message())),
-                m_archivePath, relative);
+                m_archiveName, relative);
         return {};
     }
 
 private:
     fs::path m_root;
-    QString m_archivePath;
+    QString m_archiveName;
     std::unordered_set<std::string> m_made;
 };
 
@@ -119,8 +122,8 @@ struct FileJob {
 // counting the bytes against a budget shared by all writers.
 class FileWriter {
 public:
-    FileWriter(zip_t* zip, const QString& archivePath, std::atomic<qint64>& budget)
-        : m_zip(zip), m_archivePath(archivePath), m_budget(budget), m_buffer(256 * 1024)
+    FileWriter(zip_t* zip, const QString& archiveName, std::atomic<qint64>& budget)
+        : m_zip(zip), m_archiveName(archiveName), m_budget(budget), m_buffer(256 * 1024)
     {
     }
 
@@ -130,20 +133,19 @@ public:
         zip_file_t* file = zip_fopen_index(m_zip, entry.index, 0);
         if (!file)
             return makeError(QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_zip))),
-                             m_archivePath, entry.name);
+                             m_archiveName, entry.name);
         const int fd = ::open(job.target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
         if (fd < 0) {
-            const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+            const QString reason = errnoText();
             zip_fclose(file);
-            return makeError(QStringLiteral("the file could not be written: %1").arg(reason), m_archivePath,
+            return makeError(QStringLiteral("the file could not be written: %1").arg(reason), m_archiveName,
                              entry.name);
         }
         Status status = copy(file, fd, entry);
         zip_fclose(file);
         if (::close(fd) != 0 && status)
-            status = makeError(
-                QStringLiteral("the file could not be written: %1").arg(QString::fromLocal8Bit(std::strerror(errno))),
-                m_archivePath, entry.name);
+            status = makeError(QStringLiteral("the file could not be written: %1").arg(errnoText()), m_archiveName,
+                               entry.name);
         return status;
     }
 
@@ -156,23 +158,26 @@ private:
             if (got < 0)
                 return makeError(
                     QStringLiteral("the entry is damaged: %1").arg(QString::fromUtf8(zip_file_strerror(file))),
-                    m_archivePath, entry.name);
+                    m_archiveName, entry.name);
             if (got == 0)
                 return {};
             total += got;
-            if (total > entry.size || m_budget.fetch_sub(got) - got < 0)
+            if (total > entry.size)
                 return makeError(QStringLiteral("the entry unpacks to more than it declares; the archive was not "
                                                 "unpacked further"),
-                                 m_archivePath, entry.name);
+                                 m_archiveName, entry.name);
+            if (m_budget.fetch_sub(got) - got < 0)
+                return makeError(QStringLiteral("the archive unpacks to more than an IDML file plausibly holds; it "
+                                                "was not unpacked further"),
+                                 m_archiveName, entry.name);
             if (!writeFully(fd, m_buffer.data(), got))
-                return makeError(QStringLiteral("the file could not be written: %1")
-                                     .arg(QString::fromLocal8Bit(std::strerror(errno))),
-                                 m_archivePath, entry.name);
+                return makeError(QStringLiteral("the file could not be written: %1").arg(errnoText()), m_archiveName,
+                                 entry.name);
         }
     }
 
     zip_t* m_zip;
-    const QString& m_archivePath;
+    const QString& m_archiveName;
     std::atomic<qint64>& m_budget;
     std::vector<char> m_buffer;
 };
