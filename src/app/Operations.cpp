@@ -89,6 +89,9 @@ void OperationQueue::workerLoop()
         {
             std::lock_guard lock(m_mutex);
             if (m_pending.empty()) {
+                // Waiting operations point at those they wait for: the ones that ran are kept
+                // until nothing waits any more.
+                m_ran.clear();
                 m_running = false;
                 m_idle.notify_all();
                 return;
@@ -96,6 +99,8 @@ void OperationQueue::workerLoop()
             op = takeReadyOperation();
         }
         op->run();
+        std::lock_guard lock(m_mutex);
+        m_ran.push_back(std::move(op));
     }
 }
 

@@ -64,6 +64,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_idle;
     std::vector<std::shared_ptr<Operation>> m_pending;
+    std::vector<std::shared_ptr<Operation>> m_ran;
     std::thread m_worker;
     bool m_running = false;
 };

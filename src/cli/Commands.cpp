@@ -8,6 +8,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
     addPresetsCommand(program, commands);
     addInfoCommand(program, commands);
+    addPreflightCommand(program, commands);
 }
 
 } // namespace quillon::cli

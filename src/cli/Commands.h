@@ -25,4 +25,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands);
 // `quillon info DOC.idml...`: the document record and document information.
 void addInfoCommand(CLI::App& program, std::vector<Command>& commands);
 
+// `quillon preflight DOC.idml...`: preflight documents and print or write their results.
+void addPreflightCommand(CLI::App& program, std::vector<Command>& commands);
+
 } // namespace quillon::cli

@@ -1,7 +1,6 @@
 #include "cli/Commands.h"
 
 #include "app/Alerts.h"
-#include "app/AppPaths.h"
 #include "preflight/DocInfo.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
@@ -35,9 +34,10 @@ struct DocumentFacts {
 // Reads one document the way a preflight does: the record from the host, the IDML exported
 // (copied) into the work folder and unpacked there, then the document information. The work
 // files are removed afterwards.
-app::Result<DocumentFacts> readDocument(const QString& path)
+app::Result<DocumentFacts> readDocument(const QString& path, const QString& workFolder)
 {
     preflight::OfflineIdmlHost host;
+    host.setWorkFolder(workFolder);
     if (app::Status opened = host.openDocument(path, true); !opened)
         return opened.error();
     app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
@@ -46,10 +46,11 @@ app::Result<DocumentFacts> readDocument(const QString& path)
 
     app::ScriptedAlertSink alerts; // failures are reported from lastError()
     preflight::QNIDMLCreator creator(host, alerts);
+    creator.setWorkFolder(workFolder);
     const QString docPath = record->value(preflight::kRecordPosixPath);
     const QString folder = creator.processInDesignFileAtPath(docPath);
     // The run's work folder is private: its copies of this document can go at once.
-    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, app::workFolder());
+    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, workFolder);
     QFile::remove(idmlPath);
     QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
     if (folder.isEmpty())
@@ -119,7 +120,6 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
         std::cerr << "quillon info: no temporary folder could be made in " << QDir::tempPath().toStdString() << '\n';
         return kExitFailure;
     }
-    app::setTemporaryFolderOverride(runFolder.path());
 
     const bool json = format == "json";
     QJsonArray array;
@@ -127,7 +127,7 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     bool first = true;
     for (const std::string& document : documents) {
         const QString path = QString::fromLocal8Bit(document.c_str());
-        app::Result<DocumentFacts> facts = readDocument(path);
+        app::Result<DocumentFacts> facts = readDocument(path, runFolder.path());
         if (!facts) {
             std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
             status = kExitFailure;
@@ -149,7 +149,6 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     }
     if (json)
         std::cout << QJsonDocument(array).toJson(QJsonDocument::Indented).toStdString();
-    app::setTemporaryFolderOverride(QString());
     return status;
 }
 

@@ -109,6 +109,22 @@ void QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
     setBleedOrSlug(false, bleedOrSlugText(bleedOrSlugValues(preference, false), m_horizMeasurementUnits));
 }
 
+void QNDocInfo::setDocPageSizesDict(const PageSizesDict& sizes)
+{
+    m_docPageSizesDict = sizes;
+    m_docPageSizes.clear();
+    for (auto it = sizes.cbegin(); it != sizes.cend(); ++it)
+        m_docPageSizes.append({it.key().value(0), it.key().value(1), it.value()});
+}
+
+void QNDocInfo::setDocPageSizes(const DocPageSizes& sizes)
+{
+    m_docPageSizes = sizes;
+    m_docPageSizesDict.clear();
+    for (const DocPageSize& size : sizes)
+        m_docPageSizesDict[{size.width, size.height}] += size.pageNames;
+}
+
 QString QNDocInfo::pageSizeStr() const
 {
     return pageSizeText(m_docPageSizesDict, m_horizMeasurementUnits, m_vertMeasurementUnits);
@@ -117,10 +133,10 @@ QString QNDocInfo::pageSizeStr() const
 QVariantMap QNDocInfo::toVariantMap() const
 {
     QVariantList sizes;
-    for (auto it = m_docPageSizesDict.cbegin(); it != m_docPageSizesDict.cend(); ++it)
-        sizes << QVariantMap{{kPageSizeWidthKey, it.key().value(0)},
-                             {kPageSizeHeightKey, it.key().value(1)},
-                             {kPageSizePageNamesKey, it.value()}};
+    for (const DocPageSize& size : m_docPageSizes)
+        sizes << QVariantMap{{kPageSizeWidthKey, size.width},
+                             {kPageSizeHeightKey, size.height},
+                             {kPageSizePageNamesKey, size.pageNames}};
     return {
         {kDocInfoHasPreflightErrorsKey, m_hasPreflightErrors},
         {kDocInfoDocNameKey, m_docName},

@@ -31,6 +31,15 @@ inline const QString kPageSizeWidthKey = QStringLiteral("width");
 inline const QString kPageSizeHeightKey = QStringLiteral("height");
 inline const QString kPageSizePageNamesKey = QStringLiteral("pageNames");
 
+// One distinct page size of the document ("###0.####" texts, points) and the names of the pages
+// having it, in the order met.
+struct DocPageSize {
+    QString width;
+    QString height;
+    QStringList pageNames;
+};
+using DocPageSizes = QList<DocPageSize>;
+
 // The general facts of the preflighted document: name and path, pages, InDesign version, file
 // size and dates, page sizes, ruler units, bleed and slug.
 class QNDocInfo {
@@ -63,7 +72,12 @@ public:
     const QString& creationDateStr() const { return m_creationDateStr; }
     const QString& modDateStr() const { return m_modDateStr; }
     const PageSizesDict& docPageSizesDict() const { return m_docPageSizesDict; }
-    void setDocPageSizesDict(const PageSizesDict& sizes) { m_docPageSizesDict = sizes; }
+    // Sets the sizes; their order is then the dictionary's.
+    void setDocPageSizesDict(const PageSizesDict& sizes);
+    // The sizes in the order they were met in the spreads (the dictionary's order when they were
+    // given as a dictionary).
+    const DocPageSizes& docPageSizes() const { return m_docPageSizes; }
+    void setDocPageSizes(const DocPageSizes& sizes);
     const QString& bleedStr() const { return m_bleedStr; }
     const QString& slugStr() const { return m_slugStr; }
     const QString& horizMeasurementUnits() const { return m_horizMeasurementUnits; }
@@ -87,6 +101,7 @@ private:
     QString m_creationDateStr;
     QString m_modDateStr;
     PageSizesDict m_docPageSizesDict;
+    DocPageSizes m_docPageSizes;
     QString m_bleedStr;
     QString m_slugStr;
     QString m_horizMeasurementUnits;

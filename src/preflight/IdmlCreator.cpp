@@ -59,7 +59,7 @@ QString QNIDMLCreator::idmlContentsFolderPathForIDMLPath(const QString& idmlPath
 QString QNIDMLCreator::processInDesignFileAtPath(const QString& path)
 {
     m_documentPath = path;
-    const QString idmlPath = idmlPathForDocument(path, app::workFolder());
+    const QString idmlPath = idmlPathForDocument(path, m_workFolder.isEmpty() ? app::workFolder() : m_workFolder);
     QString pathForScript = idmlPath;
     const app::Result<QString> hostPath = m_host.hostPathFromPath(idmlPath);
     if (hostPath && !hostPath->isEmpty())

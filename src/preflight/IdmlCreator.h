@@ -51,6 +51,8 @@ public:
     const app::Error& lastError() const { return m_lastError; }
     bool lastUnpackWasRepaired() const { return m_repaired; }
     void setZipTool(const QString& zipTool) { m_zipTool = zipTool; }
+    // The folder the IDML is exported and unpacked into; empty: the system's work folder.
+    void setWorkFolder(const QString& folder) { m_workFolder = folder; }
     void setUnpackLimits(const UnpackLimits& limits) { m_limits = limits; }
 
 private:
@@ -61,6 +63,7 @@ private:
     QObject* m_alertReceiver;
     QString m_documentPath;
     QString m_zipTool;
+    QString m_workFolder;
     UnpackLimits m_limits;
     app::Error m_lastError;
     bool m_repaired = false;

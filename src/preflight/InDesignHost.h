@@ -79,6 +79,16 @@ public:
     // document `docName`.
     virtual app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) = 0;
 
+    // The font and the colour inspection of the document whose six-string record is `record`: each
+    // leaves its data file in `dataFolder`. `idmlFolder` is the document's unpacked IDML, for hosts
+    // that read it rather than ask InDesign.
+    virtual app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder);
+    // `registrationInTextFlag` "1" asks for text set in the Registration swatch to be counted.
+    virtual app::Status processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
+                                      const QString& registrationInTextFlag);
+    // The paragraph-styles report of the document `docName` at `docPath`.
+    virtual app::Result<QString> paraReport(const QString& docName, const QString& docPath);
+
     // Link actions and relinking; hosts that can do them override these.
     virtual app::Status showLinkID(const QString& linkId, const QString& docName);
     virtual app::Status relinkLinkID(const QString& linkId, const QString& path, const QString& docName);

@@ -39,10 +39,10 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath)
+Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
-    QTemporaryDir scratch(app::workFolder() + QStringLiteral("/record-XXXXXX"));
+    QTemporaryDir scratch((workFolder.isEmpty() ? app::workFolder() : workFolder) + QStringLiteral("/record-XXXXXX"));
     Result<IdmlArchive> archive =
         openIdmlPackage(path, scratch.filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip")));
     if (!archive)
@@ -126,7 +126,7 @@ Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentRefere
     Result<QString> path = documentPath(document);
     if (!path)
         return path.error();
-    return idmlDocumentRecord(*path);
+    return idmlDocumentRecord(*path, m_workFolder);
 }
 
 Result<QString> OfflineIdmlHost::fullNameOfDocument(const DocumentReference& document)

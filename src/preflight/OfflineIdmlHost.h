@@ -39,16 +39,20 @@ public:
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
 
     const QStringList& openDocuments() const { return m_documents; }
+    // Where the host unpacks what it reads (a damaged archive's repaired copy); empty: the
+    // system's work folder.
+    void setWorkFolder(const QString& folder) { m_workFolder = folder; }
 
 private:
     app::Result<QString> documentPath(const DocumentReference& document) const;
     app::Status copyDocument(const QString& docName, const QString& targetPosix);
 
     QStringList m_documents; // absolute paths, the active one first
+    QString m_workFolder;
 };
 
-// The six-string record of an IDML file, read from the archive (repaired in the work folder when
-// it is damaged).
-app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath);
+// The six-string record of an IDML file, read from the archive (repaired in `workFolder`, the
+// system's work folder when empty, when it is damaged).
+app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {});
 
 } // namespace quillon::preflight

@@ -63,6 +63,27 @@ QString colorValue(const QString& key, const QVariant& value)
 
 } // namespace
 
+QStringList textReportTypeTitles()
+{
+    return {QStringLiteral("Regular"), QStringLiteral("Tab-delimited")};
+}
+
+TextReportType textReportTypeForTitle(const QString& title)
+{
+    return title.contains(QLatin1String("Regular")) ? TextReportType::Regular : TextReportType::TabDelimited;
+}
+
+QString preselectedTextReportTypeTitle(const app::Settings& settings)
+{
+    const QString stored = settings.string(kTextReportTypeSetting);
+    return stored.isEmpty() ? textReportTypeTitles().constFirst() : stored;
+}
+
+void rememberTextReportTypeTitle(app::Settings& settings, const QString& title)
+{
+    settings.setValue(QLatin1String(kTextReportTypeSetting.name), title);
+}
+
 QNTextReport::QNTextReport(TextReportType type) : m_type(type)
 {
     // setDelimiters

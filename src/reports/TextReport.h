@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "app/Settings.h"
 
 #include <QDateTime>
 #include <QString>
@@ -14,6 +15,18 @@ enum class TextReportType {
     Regular = 0,
     TabDelimited = 1,
 };
+
+// The user default holding the title of the layout last chosen in the save panel.
+inline const app::SettingKey kTextReportTypeSetting{"textReportType", QString()};
+
+// The save panel's layout titles, in the order its popup lists them: "Regular", "Tab-delimited".
+QStringList textReportTypeTitles();
+// The layout of a chosen title: regular when the title contains "Regular", tab-delimited otherwise.
+TextReportType textReportTypeForTitle(const QString& title);
+// The title the popup preselects: the stored one when it is set, otherwise the first.
+QString preselectedTextReportTypeTitle(const app::Settings& settings);
+// Keeps the chosen title for the next save panel.
+void rememberTextReportTypeTitle(app::Settings& settings, const QString& title);
 
 // What the header says of the document: the texts of the document-information box.
 struct ReportDocumentInfo {

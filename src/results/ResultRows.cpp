@@ -51,7 +51,12 @@ QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge)
 
 QVariantMap readDataFile(const QString& fileName)
 {
-    const QString path = app::temporaryFolder() + u'/' + fileName;
+    return readDataFile(app::temporaryFolder(), fileName);
+}
+
+QVariantMap readDataFile(const QString& folder, const QString& fileName)
+{
+    const QString path = folder + u'/' + fileName;
     auto dict = app::readPropertyListDictionary(path);
     if (!dict) {
         app::logFailure(QStringLiteral("read data file: %1").arg(dict.error().text()));

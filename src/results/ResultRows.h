@@ -28,9 +28,10 @@ QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge);
 QVariantMap takeMap(QVariant& value);
 QVariantList takeList(QVariant& value);
 
-// The dictionary of a data file in the temporary folder; empty (and logged) when the file is
-// missing or unreadable.
+// The dictionary of a data file in `folder` (the temporary folder when not given); empty (and
+// logged) when the file is missing or unreadable.
 QVariantMap readDataFile(const QString& fileName);
+QVariantMap readDataFile(const QString& folder, const QString& fileName);
 
 // "FONTS • 12": the list's word, the bullet and the number of top-level rows.
 QString listHeaderTitle(const QString& word, qsizetype rowCount);

@@ -85,3 +85,24 @@ TEST(Operations, QueueCanBeReusedAfterItFinished)
     EXPECT_EQ(count, 2);
     EXPECT_FALSE(queue.isRunning());
 }
+
+TEST(Operations, TheQueueKeepsOperationsThatOthersWaitForWhenNobodyElseDoes)
+{
+    QStringList ran;
+    OperationQueue queue;
+    {
+        std::vector<std::shared_ptr<Operation>> chain;
+        for (const char* name : {"a", "b", "c", "d"})
+            chain.push_back(std::make_shared<Operation>(QLatin1String(name), [&ran, name] {
+                std::this_thread::yield();
+                ran << QLatin1String(name);
+            }));
+        std::vector<Operation*> order;
+        for (const auto& op : chain)
+            order.push_back(op.get());
+        setOrderOfOperations(order);
+        queue.addOperations(std::move(chain)); // the caller keeps none of them
+    }
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(ran, (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("d")}));
+}

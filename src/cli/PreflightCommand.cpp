@@ -1,0 +1,351 @@
+// quillon preflight: preflights IDML documents and prints the results as a summary, as the text
+// report or as JSON.
+#include "cli/Commands.h"
+
+#include "app/BuildInfo.h"
+#include "app/FilePaths.h"
+#include "app/PropertyList.h"
+#include "app/Settings.h"
+#include "cli/Interruption.h"
+#include "cli/PreflightJob.h"
+#include "cli/PreflightOutput.h"
+#include "cli/ProgressLine.h"
+#include "preflight/ControlCenter.h"
+#include "reports/TextReport.h"
+#include "results/PresetKeys.h"
+#include "results/PresetSettings.h"
+#include "results/Presets.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quillon::cli {
+
+namespace {
+
+struct PreflightOptions {
+    std::vector<std::string> documents;
+    std::string preset;
+    std::string presetFile;
+    std::string format = "summary";
+    std::string reportDir;
+    std::vector<std::string> linkDirs;
+    int jobs = 0;
+};
+
+QString q(const std::string& text)
+{
+    return QString::fromLocal8Bit(text.c_str());
+}
+
+void printError(const QString& about, const QString& message)
+{
+    std::cerr << "quillon preflight: " << (about.isEmpty() ? QString() : about + QStringLiteral(": ")).toStdString()
+              << message.toStdString() << std::endl;
+}
+
+struct ChosenPreset {
+    QString name;
+    QVariantMap preset; // empty: the results are not judged
+};
+
+// The preset of --preset-file, of --preset, or the current one of the user defaults.
+app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
+{
+    if (!options.presetFile.empty()) {
+        const QString path = QFileInfo(q(options.presetFile)).absoluteFilePath();
+        app::Result<QVariantMap> preset = app::readPropertyListDictionary(path);
+        if (!preset)
+            return preset.error();
+        const QString name = preset->value(results::kPresetNameKey).toString();
+        return ChosenPreset{name.isEmpty() ? QFileInfo(path).completeBaseName() : name, *preset};
+    }
+    results::QNPresetsTable table;
+    if (const app::Status loaded = table.loadPresets(); !loaded)
+        printError({}, loaded.error().text());
+    const QString name = options.preset.empty() ? results::selectedPresetName(app::Settings()) : q(options.preset);
+    const qsizetype row = table.rowOfPreset(name);
+    if (row >= 0)
+        return ChosenPreset{name, table.items().at(row).toMap()};
+    if (!options.preset.empty())
+        return app::makeError(QStringLiteral("No checkup preset is named \"%1\" (see quillon presets list).").arg(name));
+    printError({}, QStringLiteral("The selected checkup preset \"%1\" could not be found: it could be renamed or "
+                                  "deleted. The results are not judged; choose a preset with --preset.")
+                       .arg(name));
+    return ChosenPreset{name, {}};
+}
+
+// The report file name of each document in `folder`: "<name>_Quillon_Report.txt", numbered when
+// an earlier document of the run has the same name, so that no report replaces another.
+QStringList reportFileNames(const QStringList& documents)
+{
+    QSet<QString> taken;
+    QStringList names;
+    for (const QString& document : documents) {
+        const QString name = reports::QNTextReport::reportFileName(QFileInfo(document).fileName());
+        QString candidate = name;
+        for (int n = 1; taken.contains(candidate); ++n)
+            candidate = QStringLiteral("%1_%2.txt").arg(name.chopped(4)).arg(n);
+        taken.insert(candidate);
+        names << candidate;
+    }
+    return names;
+}
+
+// The drivers running at the moment, so that Ctrl-C reaches each of them.
+class RunningCenters {
+public:
+    void watch(preflight::QNControlCenter* center, bool running)
+    {
+        std::lock_guard lock(m_mutex);
+        if (running)
+            m_centers.push_back(center);
+        else
+            std::erase(m_centers, center);
+    }
+    void cancelAll()
+    {
+        std::lock_guard lock(m_mutex);
+        for (preflight::QNControlCenter* center : m_centers)
+            center->setDoCancel(true);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<preflight::QNControlCenter*> m_centers;
+};
+
+// Prints each document when it and every document before it are done, so that the output keeps
+// the order of the command line whatever order the jobs end in.
+class OrderedOutput {
+public:
+    OrderedOutput(const QString& format, const QString& presetName, ProgressLine& progress, qsizetype documents)
+        : m_format(format), m_presetName(presetName), m_progress(progress), m_done(documents)
+    {
+    }
+
+    void deliver(qsizetype index, PreflightedDocument document)
+    {
+        std::lock_guard lock(m_mutex);
+        m_done[index] = std::move(document);
+        while (m_next < m_done.size() && m_done[m_next]) {
+            emit(*m_done[m_next]);
+            m_done[m_next].reset();
+            ++m_next;
+        }
+    }
+
+    // After an interruption, what is done of the rest; then the JSON envelope, where documents
+    // that never ran are marked as cancelled.
+    void finish(const QStringList& paths)
+    {
+        std::lock_guard lock(m_mutex);
+        const bool json = m_format == QLatin1String("json");
+        for (; m_next < m_done.size(); ++m_next) {
+            if (m_done[m_next]) {
+                emit(*m_done[m_next]);
+            } else if (json) {
+                PreflightedDocument cancelled;
+                cancelled.path = paths.at(static_cast<qsizetype>(m_next));
+                cancelled.name = QFileInfo(cancelled.path).fileName();
+                cancelled.error = QStringLiteral("the preflight was cancelled");
+                m_documents.append(documentJson(cancelled));
+            }
+        }
+        if (!json)
+            return;
+        const QJsonObject envelope{{QStringLiteral("quillonVersion"), QString::fromLatin1(app::kQuillonVersion)},
+                                   {QStringLiteral("preset"), m_presetName},
+                                   {QStringLiteral("documents"), m_documents}};
+        std::cout << QJsonDocument(envelope).toJson(QJsonDocument::Indented).toStdString() << std::flush;
+    }
+
+    int exitStatus() const { return m_failed ? kExitFailure : (m_alerted ? kExitAlerts : kExitOk); }
+
+private:
+    void emit(const PreflightedDocument& document)
+    {
+        m_progress.clear();
+        if (!document.preflighted) {
+            m_failed = true;
+            printError(document.path, document.error);
+        }
+        for (const QString& warning : document.warnings)
+            printError(document.path, QStringLiteral("warning: ") + warning);
+        if (document.preflighted && document.status.total != 0)
+            m_alerted = true;
+        if (m_format == QLatin1String("json")) {
+            m_documents.append(documentJson(document));
+        } else if (document.preflighted) {
+            const QString text =
+                m_format == QLatin1String("summary") ? summaryText(document, m_presetName) : document.reportText + u'\n';
+            std::cout << (m_printedOne ? "\n" : "") << text.toStdString() << std::flush;
+            m_printedOne = true;
+        }
+        m_progress.redraw();
+    }
+
+    std::mutex m_mutex;
+    const QString m_format;
+    const QString m_presetName;
+    ProgressLine& m_progress;
+    std::vector<std::optional<PreflightedDocument>> m_done;
+    size_t m_next = 0;
+    QJsonArray m_documents;
+    bool m_printedOne = false;
+    bool m_failed = false;
+    bool m_alerted = false;
+};
+
+std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool reportDir)
+{
+    if (format == QLatin1String("tab"))
+        return reports::TextReportType::TabDelimited;
+    if (format == QLatin1String("text") || reportDir)
+        return reports::TextReportType::Regular;
+    return std::nullopt;
+}
+
+int runPreflight(const PreflightOptions& options)
+{
+    const app::Result<ChosenPreset> preset = choosePreset(options);
+    if (!preset) {
+        printError({}, preset.error().text());
+        return kExitFailure;
+    }
+    PreflightJobOptions jobOptions;
+    jobOptions.preset = preset->preset;
+    for (const std::string& dir : options.linkDirs) {
+        const QFileInfo folder(q(dir));
+        if (!folder.isDir()) {
+            printError(q(dir), QStringLiteral("--links-dir needs a folder, and there is none here"));
+            return kExitFailure;
+        }
+        jobOptions.linkFolders << folder.absoluteFilePath();
+    }
+    QString reportDir;
+    if (!options.reportDir.empty()) {
+        reportDir = QFileInfo(q(options.reportDir)).absoluteFilePath();
+        if (!QDir().mkpath(reportDir) || !QFileInfo(reportDir).isWritable()) {
+            printError(reportDir, QStringLiteral("the report folder cannot be made or written to"));
+            return kExitFailure;
+        }
+    }
+    const QString format = q(options.format);
+    jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
+
+    // Every document works in a folder of its own inside this one, which goes at the end.
+    QTemporaryDir runRoot(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-preflight-XXXXXX")));
+    if (!runRoot.isValid()) {
+        printError(QDir::tempPath(), QStringLiteral("no temporary folder can be made here"));
+        return kExitFailure;
+    }
+
+    QStringList paths;
+    for (const std::string& document : options.documents)
+        paths << q(document);
+    const QStringList reportNames = reportFileNames(paths);
+    const qsizetype jobs =
+        std::clamp<qsizetype>(options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1,
+                              paths.size());
+
+    Interruption interruption;
+    ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
+    OrderedOutput output(format, preset->name, progress, paths.size());
+    RunningCenters running;
+    std::atomic<qsizetype> nextDocument{0};
+    std::atomic<qsizetype> workersLeft{jobs};
+    std::mutex doneMutex;
+    std::condition_variable allDone;
+
+    auto work = [&] {
+        for (;;) {
+            const qsizetype index = nextDocument++;
+            if (index >= paths.size() || Interruption::requested())
+                break;
+            const QString runFolder = runRoot.filePath(QString::number(index));
+            QDir().mkpath(runFolder);
+            const QString name = QFileInfo(paths.at(index)).fileName();
+            PreflightedDocument document = preflightDocument(
+                paths.at(index), jobOptions, runFolder,
+                [&running](preflight::QNControlCenter* center, bool on) { running.watch(center, on); },
+                [&progress, &name](const QString& status) { progress.status(name, status); });
+            if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
+                const QString target = QDir(reportDir).filePath(reportNames.at(index));
+                if (const app::Status copied = app::copyPathReplacingIt(document.reportFilePath, target); !copied)
+                    document.warnings << copied.error().text();
+            }
+            QDir(runFolder).removeRecursively();
+            if (Interruption::requested() && !document.preflighted)
+                break; // a document cut short is not reported
+            progress.documentDone();
+            output.deliver(index, std::move(document));
+        }
+        std::lock_guard lock(doneMutex);
+        --workersLeft;
+        allDone.notify_all();
+    };
+    std::vector<std::thread> workers;
+    for (qsizetype i = 0; i < jobs; ++i)
+        workers.emplace_back(work);
+    {
+        std::unique_lock lock(doneMutex);
+        while (!allDone.wait_for(lock, std::chrono::milliseconds(50), [&] { return workersLeft == 0; }))
+            if (Interruption::requested())
+                running.cancelAll();
+    }
+    for (std::thread& worker : workers)
+        worker.join();
+    progress.clear();
+    output.finish(paths);
+    if (Interruption::requested()) {
+        printError({}, QStringLiteral("cancelled"));
+        return kExitInterrupted;
+    }
+    return output.exitStatus();
+}
+
+} // namespace
+
+void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
+{
+    auto options = std::make_shared<PreflightOptions>();
+    CLI::App* preflight = program.add_subcommand(
+        "preflight", "Preflight IDML documents: fonts, colors and links judged by a checkup preset, with the "
+                     "document information, as a summary, the text report or JSON.");
+    preflight->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
+    CLI::Option* presetName =
+        preflight->add_option("--preset", options->preset, "Checkup preset by name (default: the current preset)");
+    CLI::Option* presetFile = preflight->add_option("--preset-file", options->presetFile,
+                                                    "Checkup preset file (.qnfp) to use instead of a named one");
+    presetName->excludes(presetFile);
+    preflight
+        ->add_option("--format", options->format,
+                     "summary (the default), text (the report), tab (the tab-delimited report) or json")
+        ->check(CLI::IsMember({"summary", "text", "tab", "json"}));
+    preflight->add_option("--report-dir", options->reportDir,
+                          "Also write each document's report file (<name>_Quillon_Report.txt) into this folder");
+    preflight->add_option("--links-dir", options->linkDirs,
+                          "Folder searched by file name for links missing where the document recorded them "
+                          "(may be given several times)");
+    preflight
+        ->add_option("--jobs", options->jobs, "Documents preflighted at the same time (default: the number of cores)")
+        ->check(CLI::PositiveNumber);
+    commands.push_back({preflight, [options] { return runPreflight(*options); }});
+}
+
+} // namespace quillon::cli

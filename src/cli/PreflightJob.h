@@ -1,0 +1,58 @@
+#pragma once
+
+#include "preflight/DocInfo.h"
+#include "reports/TextReport.h"
+#include "results/Summary.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <functional>
+#include <optional>
+
+namespace quillon::preflight {
+class QNControlCenter;
+}
+
+namespace quillon::cli {
+
+// What every document of one `quillon preflight` run shares.
+struct PreflightJobOptions {
+    QVariantMap preset;      // the checkup preset the results are judged by
+    QStringList linkFolders; // searched by file name for links missing at their recorded path
+    // The layout of the text report to make, or nothing when none is wanted.
+    std::optional<reports::TextReportType> reportType;
+};
+
+// One document's preflight as the command line reports it.
+struct PreflightedDocument {
+    QString path; // as given on the command line
+    QString name; // its file name
+    bool preflighted = false;
+    QString error;        // why it could not be preflighted
+    QStringList warnings; // what went wrong without stopping the preflight
+    preflight::QNDocInfo info;
+    QVariantList links;
+    QVariantList fonts;
+    QVariantList colors;
+    QVariantMap summary; // section title -> {row title: value}
+    results::PreflightStatus status;
+    QString reportText;     // the text report, when one was asked for
+    QString reportFilePath; // where it was written (inside `runFolder` unless moved)
+};
+
+// Told about each driver that starts and ends, so that an interruption can reach it.
+using ControlCenterWatch = std::function<void(preflight::QNControlCenter* center, bool running)>;
+// Receives the status texts of the stages.
+using StatusReport = std::function<void(const QString& status)>;
+
+// Preflights the IDML file at `path` with the offline host, in `runFolder` (a folder of its own,
+// left for the caller to remove). Runs on the calling thread, the stages on a worker of the
+// driver's own.
+PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options,
+                                      const QString& runFolder, const ControlCenterWatch& watch,
+                                      const StatusReport& statusReport);
+
+} // namespace quillon::cli

@@ -1,0 +1,201 @@
+#include "cli/PreflightOutput.h"
+
+#include "app/RecordKeys.h"
+#include "app/Records.h"
+#include "links/LinkRecordKeys.h"
+#include "results/ResultKeys.h"
+#include "results/ResultRows.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+
+namespace quillon::cli {
+
+namespace {
+
+QJsonObject jsonObject(const QVariantMap& map, bool isRecord)
+{
+    QJsonObject object;
+    for (auto it = map.cbegin(); it != map.cend(); ++it) {
+        if (isRecord && it.key() == results::kIconKey)
+            continue;
+        if (isRecord && it.key() == app::kGroupChildrenKey)
+            object.insert(it.key(), jsonRecords(it.value().toList()));
+        else
+            object.insert(it.key(), jsonValue(it.value()));
+    }
+    return object;
+}
+
+QJsonObject infoJson(const preflight::QNDocInfo& info)
+{
+    QJsonArray sizes;
+    for (const preflight::DocPageSize& size : info.docPageSizes())
+        sizes.append(QJsonObject{{QStringLiteral("width"), size.width},
+                                 {QStringLiteral("height"), size.height},
+                                 {QStringLiteral("pages"), QJsonArray::fromStringList(size.pageNames)}});
+    using namespace preflight;
+    return {
+        {kDocInfoDocNameKey, info.docName()},
+        {kDocInfoDocPathKey, info.docPath()},
+        {kDocInfoNumberOfPagesKey, info.numberOfPagesStr()},
+        {kDocInfoInDesignVersionKey, info.InDesignVersion()},
+        {kDocInfoFileSizeKey, info.fileSizeStr()},
+        {kDocInfoCreationDateStrKey, info.creationDateStr()},
+        {kDocInfoModDateStrKey, info.modDateStr()},
+        {kDocInfoBleedKey, info.bleedStr()},
+        {kDocInfoSlugKey, info.slugStr()},
+        {kDocInfoHorizUnitsKey, info.horizMeasurementUnits()},
+        {kDocInfoVertUnitsKey, info.vertMeasurementUnits()},
+        {QStringLiteral("pageSizeStr"), info.pageSizeStr()},
+        {QStringLiteral("docPageSizes"), sizes},
+    };
+}
+
+// The records of a list, the children of document groups in their place.
+QVariantList flatRecords(const QVariantList& rows)
+{
+    QVariantList records;
+    for (const QVariant& row : rows) {
+        const QVariantMap map = row.toMap();
+        if (results::isGroupRow(map))
+            records += map.value(app::kGroupChildrenKey).toList();
+        else
+            records += row;
+    }
+    return records;
+}
+
+QString recordTitle(const QVariantMap& record, bool isLink)
+{
+    const QString name = record.value(app::kNameKey).toString();
+    const QString page = record.value(links::kLinkPageKey).toString();
+    if (isLink && !page.isEmpty())
+        return QStringLiteral("%1 (page %2)").arg(name, page);
+    return name;
+}
+
+QString listSection(const QString& title, const QVariantList& rows, bool isLink)
+{
+    const QVariantList records = flatRecords(rows);
+    QVariantList alerted;
+    for (const QVariant& record : records)
+        if (results::hasAlerts(record.toMap()))
+            alerted << record;
+    QString text = QStringLiteral("\n  %1: ").arg(title);
+    if (records.isEmpty())
+        return text + QStringLiteral("none\n");
+    text += QStringLiteral("%1, %2 with alerts\n")
+                .arg(records.size())
+                .arg(alerted.isEmpty() ? QStringLiteral("none") : QString::number(alerted.size()));
+    for (const QVariant& item : alerted) {
+        const QVariantMap record = item.toMap();
+        text += QStringLiteral("    %1\n").arg(recordTitle(record, isLink));
+        const QVariantMap alerts = record.value(results::kAlertsKey).toMap();
+        for (const QVariant& value : alerts)
+            for (const QString& alert : results::alertTexts(value))
+                text += QStringLiteral("      - %1\n").arg(alert);
+    }
+    return text;
+}
+
+QString orDash(const QString& text)
+{
+    return text.isEmpty() ? QStringLiteral("-") : text;
+}
+
+} // namespace
+
+QJsonValue jsonValue(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+        return value.toLongLong();
+    case QMetaType::ULong:
+    case QMetaType::ULongLong:
+        return static_cast<double>(value.toULongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return value.toDouble();
+    case QMetaType::QDateTime: {
+        const QDateTime date = value.toDateTime();
+        return date.isValid() ? QJsonValue(date.toUTC().toString(Qt::ISODate)) : QJsonValue();
+    }
+    case QMetaType::QByteArray:
+        return QString::fromLatin1(value.toByteArray().toBase64());
+    case QMetaType::QVariantMap:
+        return jsonObject(value.toMap(), false);
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList: {
+        QJsonArray array;
+        for (const QVariant& item : value.toList())
+            array.append(jsonValue(item));
+        return array;
+    }
+    case QMetaType::UnknownType:
+        return QJsonValue();
+    default:
+        return value.toString();
+    }
+}
+
+QJsonArray jsonRecords(const QVariantList& records)
+{
+    QJsonArray array;
+    for (const QVariant& record : records)
+        array.append(record.typeId() == QMetaType::QVariantMap ? QJsonValue(jsonObject(record.toMap(), true))
+                                                                : jsonValue(record));
+    return array;
+}
+
+QJsonObject documentJson(const PreflightedDocument& document)
+{
+    QJsonObject object{{QStringLiteral("path"), document.path}, {QStringLiteral("name"), document.name}};
+    if (!document.preflighted) {
+        object.insert(QStringLiteral("error"), document.error);
+        return object;
+    }
+    object.insert(QStringLiteral("info"), infoJson(document.info));
+    object.insert(QStringLiteral("links"), jsonRecords(document.links));
+    object.insert(QStringLiteral("fonts"), jsonRecords(document.fonts));
+    object.insert(QStringLiteral("colors"), jsonRecords(document.colors));
+    object.insert(QStringLiteral("summary"), jsonObject(document.summary, false));
+    object.insert(QStringLiteral("status"), document.status.text);
+    object.insert(QStringLiteral("errorCount"), document.status.total);
+    if (!document.warnings.isEmpty())
+        object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(document.warnings));
+    return object;
+}
+
+QString summaryText(const PreflightedDocument& document, const QString& presetName)
+{
+    const preflight::QNDocInfo& info = document.info;
+    const QList<std::pair<QString, QString>> lines{
+        {QStringLiteral("Path"), info.docPath()},
+        {QStringLiteral("Pages"), QStringLiteral("%1 (version %2)").arg(orDash(info.numberOfPagesStr()),
+                                                                       orDash(info.InDesignVersion()))},
+        {QStringLiteral("Size"), info.fileSizeStr()},
+        {QStringLiteral("Modified"), orDash(info.modDateStr())},
+        {QStringLiteral("Page size"), info.pageSizeStr()},
+        {QStringLiteral("Bleed"), orDash(info.bleedStr())},
+        {QStringLiteral("Slug"), orDash(info.slugStr())},
+        {QStringLiteral("Preset"), presetName},
+        {QStringLiteral("Result"), document.status.text},
+    };
+    QString text = document.name + u'\n';
+    for (const auto& [label, value] : lines)
+        text += QStringLiteral("  %1%2\n").arg((label + u':').leftJustified(12), value);
+    text += listSection(QStringLiteral("Fonts"), document.fonts, false);
+    text += listSection(QStringLiteral("Colors"), document.colors, false);
+    text += listSection(QStringLiteral("Links"), document.links, true);
+    return text;
+}
+
+} // namespace quillon::cli

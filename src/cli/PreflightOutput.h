@@ -1,0 +1,28 @@
+#pragma once
+
+#include "cli/PreflightJob.h"
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+#include <QVariant>
+
+namespace quillon::cli {
+
+// A record value in JSON: numbers as numbers, booleans as booleans, dates as ISO-8601 text in
+// UTC, data as base64 text, lists and dictionaries as arrays and objects.
+QJsonValue jsonValue(const QVariant& value);
+
+// Judged records in JSON with their own keys, the file icon left out (it only stands for the
+// desktop's picture of the file); document groups keep their children.
+QJsonArray jsonRecords(const QVariantList& records);
+
+// One document of the JSON envelope: "path", "name", then "info", "links", "fonts", "colors",
+// "summary", "status" and "errorCount", or "error" when it could not be preflighted.
+QJsonObject documentJson(const PreflightedDocument& document);
+
+// The summary for a terminal: the document information, the status line, then the fonts,
+// colours and links that raised alerts, each with its alert texts. Ends with a line break.
+QString summaryText(const PreflightedDocument& document, const QString& presetName);
+
+} // namespace quillon::cli

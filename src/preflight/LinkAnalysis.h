@@ -1,0 +1,46 @@
+#pragma once
+
+#include "preflight/DocInfo.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace quillon::app {
+class AlertSink;
+class CancelFlag;
+class ProgressSink;
+} // namespace quillon::app
+
+namespace quillon::preflight {
+
+// One run of the link analysis over an unpacked IDML, as the driver starts it.
+struct LinkAnalysisRequest {
+    QString idmlFolder;
+    QString documentPath;        // the document's POSIX path, the data file's key
+    int numberOfLinksInDoc = -1; // as the host reported it; negative when unknown
+    QString dataFolder;          // receives "qnf_tmpLinkData.plist"
+    QStringList linkFolders;     // searched by file name for links missing at their recorded path
+    bool isBatchPreflight = false;
+    app::ProgressSink* progress = nullptr; // per-spread status
+    app::CancelFlag* cancel = nullptr;
+    app::AlertSink* alerts = nullptr; // the file readers' alerts
+};
+
+struct LinkAnalysisOutcome {
+    // The analysis' truth value: links were found (see QNIDMLLinksProcessor for its quirk).
+    bool foundLinks = false;
+    // The document's page sizes in the order met.
+    DocPageSizes pageSizes;
+    // Why the data file could not be written, or empty.
+    QString dataFileError;
+};
+
+// The analysis the driver runs; replaceable so that tests can make it fail.
+using LinkAnalysis = std::function<LinkAnalysisOutcome(const LinkAnalysisRequest& request)>;
+
+// The IDML link analysis of the links layer.
+LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request);
+
+} // namespace quillon::preflight

@@ -1,0 +1,113 @@
+#include "reports/PreflightResults.h"
+
+#include "app/Log.h"
+#include "app/NumericText.h"
+#include "app/RecordKeys.h"
+#include "app/Settings.h"
+#include "app/Numbers.h"
+#include "results/PresetKeys.h"
+#include "results/PresetSettings.h"
+#include "results/ResultRows.h"
+
+namespace quillon::reports {
+
+PreflightResults::PreflightResults(PresetSource presetSource)
+    : m_presetSource(std::move(presetSource)), m_clock([] { return QDateTime::currentDateTime(); })
+{
+    m_summary.startup();
+}
+
+PreflightResults::PresetSource PreflightResults::currentPreset(const QString& settingsFile, app::AlertSink& alerts,
+                                                               const QString& presetsFolder)
+{
+    return [settingsFile, &alerts, presetsFolder] {
+        const app::Settings settings = settingsFile.isEmpty() ? app::Settings() : app::Settings(settingsFile);
+        return results::currPreset(settings, alerts, presetsFolder);
+    };
+}
+
+PreflightResults::PresetSource PreflightResults::fixedPreset(const QVariantMap& preset)
+{
+    return [preset] { return std::optional<QVariantMap>(preset); };
+}
+
+QVariantMap PreflightResults::presetOrNothing() const
+{
+    return m_presetSource ? m_presetSource().value_or(QVariantMap()) : QVariantMap();
+}
+
+void PreflightResults::clearAllResults()
+{
+    m_links.clear();
+    m_fonts.clear();
+    m_colors.clear();
+    m_summary.clear();
+    m_status = results::PreflightStatus();
+}
+
+QString PreflightResults::registrationInTextFlag()
+{
+    const QVariantMap colors = presetOrNothing().value(results::kPresetColorsKey).toMap();
+    return QString::number(app::intValueOf(colors.value(results::kColorsRegAppliedToTextKey)));
+}
+
+void PreflightResults::setItems(const QString& dataFolder)
+{
+    m_dataFolder = dataFolder;
+    const QVariantMap preset = presetOrNothing();
+    m_links.setItems(results::readDataFile(dataFolder, app::kLinkDataFileName), preset);
+    m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
+    m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);
+}
+
+void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
+{
+    const results::SummaryDocumentInfo document{docInfo.docName(),         docInfo.docPath(),
+                                                docInfo.creationDateStr(), docInfo.modDateStr(),
+                                                docInfo.InDesignVersion(), docInfo.numberOfPagesStr(),
+                                                docInfo.bleedStr(),        docInfo.slugStr()};
+    m_status = m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(),
+                                     [](std::uint64_t bytes) { return app::fileSizeStrFromBytes(bytes); /* INTERIM until links lands */ });
+    docInfo.setHasPreflightErrors(m_status.hasPreflightErrors);
+}
+
+QString PreflightResults::textReport(TextReportType type, const QString& paraStylesReport,
+                                     const preflight::QNDocInfo& docInfo) const
+{
+    return QNTextReport(type).reportText(m_fonts.items(), m_colors.items(), m_links.items(), paraStylesReport,
+                                         reportDocumentInfo(docInfo), m_clock());
+}
+
+app::Result<QString> PreflightResults::createTextReport(const QString& targetFolder, const QString& paraStylesReport,
+                                                        const preflight::QNDocInfo& docInfo)
+{
+    if (targetFolder.isEmpty())
+        return app::makeError(QStringLiteral("No folder was given for the text report."));
+    return QNTextReport(m_reportType)
+        .writeReport(targetFolder, m_fonts.items(), m_colors.items(), m_links.items(), paraStylesReport,
+                     reportDocumentInfo(docInfo), m_clock());
+}
+
+void PreflightResults::presetsPopup(const QString& title)
+{
+    {
+        app::Settings settings = m_settingsFile.isEmpty() ? app::Settings() : app::Settings(m_settingsFile);
+        results::presetsPopup(settings, title);
+    }
+    if (m_links.items().isEmpty() && m_colors.items().isEmpty() && m_fonts.items().isEmpty())
+        return;
+    const QVariantMap preset = presetOrNothing();
+    if (!m_links.items().isEmpty())
+        m_links.setItems(results::readDataFile(m_dataFolder, app::kLinkDataFileName), preset);
+    if (!m_colors.items().isEmpty())
+        m_colors.reapplyPreset(preset);
+    if (!m_fonts.items().isEmpty())
+        m_fonts.reapplyPreset(preset);
+}
+
+ReportDocumentInfo reportDocumentInfo(const preflight::QNDocInfo& docInfo)
+{
+    return {docInfo.docName(), docInfo.docPath(), docInfo.creationDateStr(), docInfo.modDateStr()};
+}
+
+} // namespace quillon::reports

@@ -1,0 +1,511 @@
+#include "IdmlFixtures.h"
+#include "QtPrinters.h"
+
+#include "app/Alerts.h"
+#include "app/Company.h"
+#include "app/PropertyList.h"
+#include "app/RecordKeys.h"
+#include "app/Settings.h"
+#include "preflight/AppleScriptHost.h"
+#include "preflight/BatchPreflight.h"
+#include "preflight/ControlCenter.h"
+#include "preflight/OfflineIdmlHost.h"
+#include "preflight/PreflightResultsSink.h"
+#include "preflight/RecordingScriptRunner.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <stdexcept>
+
+using namespace quillon;
+using namespace quillon::preflight;
+
+namespace {
+
+// Everything the driver shows, as lines: "stage links Preflighting links...", "value 4", ...
+class RecordingProgress : public app::ProgressSink {
+public:
+    void stage(const QString& name, const QString& text) override
+    {
+        add(QStringLiteral("stage %1 %2").arg(name, text.isNull() ? QStringLiteral("(none)") : text).trimmed());
+        if (onStage)
+            onStage(name);
+    }
+    void setMaximum(double maximum) override { add(QStringLiteral("maximum %1").arg(maximum)); }
+    void setValue(double value) override { add(QStringLiteral("value %1").arg(value)); }
+    void increment(double by) override { add(QStringLiteral("increment %1").arg(by)); }
+    void status(const QString& text) override { add(QStringLiteral("status %1").arg(text)); }
+    void finished() override { add(QStringLiteral("finished")); }
+
+    QStringList lines() const
+    {
+        std::lock_guard lock(m_mutex);
+        return m_lines;
+    }
+    QStringList stages() const { return lines().filter(QRegularExpression(QStringLiteral("^stage "))); }
+
+    std::function<void(const QString& stage)> onStage;
+
+private:
+    void add(const QString& line)
+    {
+        std::lock_guard lock(m_mutex);
+        m_lines << line;
+    }
+    mutable std::mutex m_mutex;
+    QStringList m_lines;
+};
+
+// Records what the driver hands over; the data files are read to prove they were in place.
+class RecordingResults : public PreflightResultsSink {
+public:
+    void clearAllResults() override { calls << QStringLiteral("clear"); }
+    void showDocument(const QString& name, const QString&) override { calls << QStringLiteral("show ") + name; }
+    QString registrationInTextFlag() override { return QStringLiteral("1"); }
+    void setItems(const QString& dataFolder) override
+    {
+        calls << QStringLiteral("setItems");
+        linkDataAtLoad = QFileInfo::exists(QDir(dataFolder).filePath(app::kLinkDataFileName));
+    }
+    void populateSummaryAndDocInfo(QNDocInfo& docInfo) override
+    {
+        calls << QStringLiteral("summary ") + docInfo.docName();
+        docInfo.setHasPreflightErrors(true);
+    }
+    app::Result<QString> createTextReport(const QString& folder, const QString& paraStylesReport,
+                                          const QNDocInfo& docInfo) override
+    {
+        calls << QStringLiteral("report %1 [%2] %3").arg(folder, paraStylesReport, docInfo.docName());
+        return folder + QStringLiteral("/report.txt");
+    }
+    void presetsPopup(const QString& title) override { calls << QStringLiteral("preset ") + title; }
+
+    QStringList calls;
+    bool linkDataAtLoad = false;
+};
+
+// The offline host with the record and the inspections under the test's control.
+class FakeHost : public OfflineIdmlHost {
+public:
+    app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override
+    {
+        app::Result<QStringList> record = OfflineIdmlHost::pathsAndNameOfDocument(document);
+        if (record && linkCount)
+            (*record)[kRecordLinkCount] = *linkCount;
+        return record;
+    }
+    app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder) override
+    {
+        inspections << QStringLiteral("fonts ") + record.value(kRecordFileName);
+        idmlFolderOfInspection = idmlFolder;
+        return app::writePropertyListFile(QVariantMap{}, QDir(dataFolder).filePath(app::kFontDataFileName));
+    }
+    app::Status processColors(const QStringList& record, const QString&, const QString&,
+                              const QString& registrationInTextFlag) override
+    {
+        inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
+        return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
+    }
+    app::Result<QString> paraReport(const QString& docName, const QString&) override
+    {
+        return QStringLiteral("styles of ") + docName;
+    }
+
+    std::optional<QString> linkCount;
+    QStringList inspections;
+    QString idmlFolderOfInspection;
+};
+
+class RecordingBatch : public BatchPreflight {
+public:
+    std::optional<QueuedDocument> nextDocument() override { return queued; }
+    void setBatchPreflightProgressValueToStage(const QString& stage) override { calls << QStringLiteral("stage ") + stage; }
+    void incrementBatchProgressBy(double amount, const QString& status) override
+    {
+        calls << QStringLiteral("increment %1 %2").arg(amount).arg(status);
+    }
+    void stopProcessing() override { calls << QStringLiteral("stop processing"); }
+    void preflightIsDoneForDocAtPath(const QString& path) override { calls << QStringLiteral("done ") + path; }
+
+    std::optional<QueuedDocument> queued;
+    QStringList calls;
+};
+
+class ControlCenterTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_temp.isValid() && m_docs.isValid());
+        m_folders = PreflightFolders::inside(m_temp.filePath(QStringLiteral("run")));
+        m_doc = m_docs.filePath(QStringLiteral("Brochure.idml"));
+        test::writeIdml(m_doc, test::minimalIdml());
+    }
+
+    // A link analysis that writes an empty link data file, as the real one does for no links.
+    static LinkAnalysisOutcome writeEmptyLinkData(const LinkAnalysisRequest& request)
+    {
+        EXPECT_TRUE(app::writePropertyListFile(QVariantMap{}, QDir(request.dataFolder).filePath(app::kLinkDataFileName)));
+        return {false, {{QStringLiteral("612"), QStringLiteral("792"), {QStringLiteral("1")}}}, {}};
+    }
+
+    std::unique_ptr<QNControlCenter> makeCenter(InDesignHost& host)
+    {
+        auto center = std::make_unique<QNControlCenter>(host, m_alerts, m_progress, m_results, m_folders);
+        center->setSettingsFile(m_temp.filePath(QStringLiteral("settings.ini")));
+        center->setLinkAnalysis(writeEmptyLinkData);
+        center->startup();
+        return center;
+    }
+
+    QStringList dataFiles() const
+    {
+        return QDir(m_folders.dataFolder).entryList({QStringLiteral("qnf_*")}, QDir::Files, QDir::Name);
+    }
+
+    QTemporaryDir m_temp;
+    QTemporaryDir m_docs;
+    PreflightFolders m_folders;
+    QString m_doc;
+    app::ScriptedAlertSink m_alerts;
+    RecordingProgress m_progress;
+    RecordingResults m_results;
+};
+
+} // namespace
+
+TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
+{
+    FakeHost host;
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    EXPECT_EQ(center->InDesignVersion(), host.applicationName());
+    EXPECT_EQ(center->currInDesignPath(), host.applicationName()); // not installed under /Applications
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    EXPECT_TRUE(m_alerts.requests().empty());
+    EXPECT_EQ(m_progress.stages(),
+              (QStringList{QStringLiteral("stage links Preflighting links..."),
+                           QStringLiteral("stage links Preflighting links..."),
+                           QStringLiteral("stage fonts Preflighting fonts..."),
+                           QStringLiteral("stage colors Preflighting colors..."), QStringLiteral("stage end Finishing..."),
+                           QStringLiteral("stage stop")}));
+    const QStringList lines = m_progress.lines();
+    EXPECT_EQ(lines.mid(0, 3), (QStringList{QStringLiteral("maximum 100"),
+                                            QStringLiteral("status Gathering document info..."),
+                                            QStringLiteral("increment 4")}));
+    EXPECT_EQ(lines.mid(lines.size() - 3),
+              (QStringList{QStringLiteral("stage stop"), QStringLiteral("value 0"), QStringLiteral("finished")}));
+    EXPECT_EQ(m_results.calls, (QStringList{QStringLiteral("clear"), QStringLiteral("show Brochure.idml"),
+                                            QStringLiteral("setItems"), QStringLiteral("summary Brochure.idml")}));
+    EXPECT_TRUE(m_results.linkDataAtLoad);
+
+    // The inspections got the document record and the unpacked IDML; a failed one is a warning.
+    EXPECT_EQ(host.inspections,
+              (QStringList{QStringLiteral("fonts Brochure.idml"), QStringLiteral("colors Brochure.idml 1")}));
+    EXPECT_TRUE(host.idmlFolderOfInspection.startsWith(m_folders.workFolder + QStringLiteral("/Brochure.idml.folder")));
+    EXPECT_EQ(center->warnings(),
+              QStringList{QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be read")});
+
+    // The document strings, the document information with the preferences and page sizes.
+    EXPECT_EQ(center->currDocPath(), m_doc);
+    EXPECT_EQ(center->currDocName(), QStringLiteral("Brochure.idml"));
+    EXPECT_EQ(center->numberOfPagesInDoc(), QStringLiteral("1"));
+    EXPECT_EQ(center->numberOfLinksInDoc(), QStringLiteral("0"));
+    EXPECT_EQ(center->InDesignVersionNumber(), QStringLiteral("20.0"));
+    EXPECT_EQ(center->currDocInfo().horizMeasurementUnits(), QStringLiteral("Points"));
+    EXPECT_EQ(center->currDocInfo().pageSizeStr(), QStringLiteral("612 x 792 pt"));
+    EXPECT_TRUE(center->currDocInfo().hasPreflightErrors());
+
+    // The data files stay for the lists; the work folder is emptied.
+    EXPECT_EQ(dataFiles(), (QStringList{app::kFontDataFileName, app::kLinkDataFileName}));
+    EXPECT_TRUE(QDir(m_folders.workFolder).isEmpty());
+}
+
+TEST_F(ControlCenterTest, NoDocumentGivesOneCriticalAlertAndNoStages)
+{
+    RecordingScriptRunner scripts;
+    scripts.pushError(QStringLiteral("Can't get active document."));
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    auto center = makeCenter(host);
+    // The data files of an earlier preflight go at the start, whatever follows.
+    for (const QString& name : {app::kLinkDataFileName, app::kFontDataFileName, app::kColorDataFileName})
+        test::writeAll(QDir(m_folders.dataFolder).filePath(name), "old");
+
+    EXPECT_FALSE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    ASSERT_EQ(m_alerts.requests().size(), 1U);
+    const app::AlertRequest alert = m_alerts.requests().front();
+    EXPECT_EQ(alert.title, QStringLiteral("Cannot preflight active document"));
+    EXPECT_EQ(alert.message, app::withSupportContact(QStringLiteral("Can't get active document.")));
+    EXPECT_TRUE(alert.critical);
+    EXPECT_TRUE(m_progress.lines().isEmpty()); // the bar never showed
+    EXPECT_EQ(m_results.calls, QStringList{QStringLiteral("clear")});
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::NoDocument);
+    EXPECT_TRUE(center->currDocName().isEmpty());
+    EXPECT_TRUE(dataFiles().isEmpty());
+    EXPECT_TRUE(center->dataFilesWereDeleted());
+    ASSERT_EQ(scripts.sources().size(), 1);
+    EXPECT_TRUE(scripts.sources().front().startsWith(
+        QStringLiteral("tell app \"Adobe InDesign 2024\" \n tell active document \n set res to {}")));
+
+    // A converted or unsaved document has InDesign say "no full name": the message explains.
+    scripts.pushError(QStringLiteral("Can't get full name of document 1: it has no full name."));
+    EXPECT_FALSE(center->preflightActiveDoc());
+    ASSERT_EQ(m_alerts.requests().size(), 2U);
+    EXPECT_EQ(m_alerts.requests().back().message,
+              app::withSupportContact(QStringLiteral("Quillon cannot preflight new unsaved and [Converted] documents. "
+                                                     "Please save the document with the current version of InDesign.")));
+
+    // An empty answer is the same alert without a message.
+    scripts.pushResult(QVariantList{});
+    EXPECT_FALSE(center->preflightActiveDoc());
+    EXPECT_EQ(m_alerts.requests().back().title, QStringLiteral("Cannot preflight active document"));
+    EXPECT_EQ(m_alerts.requests().back().message, QString());
+}
+
+TEST_F(ControlCenterTest, AFailedExportCancelsLoadsNothingAndHidesTheBar)
+{
+    RecordingScriptRunner scripts;
+    scripts.setResponder([this](const QString& source) -> std::optional<QVariantMap> {
+        if (source.contains(QLatin1String("set res to {}")))
+            return scriptSuccessOutcome(QVariantList{QStringLiteral("Mac:Jobs:Brochure.indd"), m_doc,
+                                                     QStringLiteral("Brochure.indd"), QStringLiteral("4"),
+                                                     QStringLiteral("2"), QStringLiteral("19.0")});
+        if (source.contains(QLatin1String("export document")))
+            return scriptErrorOutcome(QStringLiteral("InDesign got an error"), QStringLiteral("Disk full."));
+        return std::nullopt;
+    });
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    auto center = makeCenter(host);
+    bool analysed = false;
+    center->setLinkAnalysis([&analysed](const LinkAnalysisRequest&) {
+        analysed = true;
+        return LinkAnalysisOutcome{};
+    });
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_TRUE(center->doCancel());
+    EXPECT_FALSE(analysed);
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Cancelled);
+    EXPECT_EQ(center->lastExportError().message, QStringLiteral("Disk full."));
+    ASSERT_EQ(m_alerts.requests().size(), 1U);
+    EXPECT_EQ(m_alerts.requests().front().title, QStringLiteral("Cannot initiate preflighting"));
+    // No stage but the last one shows, which hides the bar; the lists stay empty.
+    EXPECT_EQ(m_progress.stages(), QStringList{QStringLiteral("stage stop")});
+    EXPECT_EQ(m_progress.lines().constLast(), QStringLiteral("finished"));
+    EXPECT_EQ(m_results.calls, (QStringList{QStringLiteral("clear"), QStringLiteral("show Brochure.indd")}));
+}
+
+TEST_F(ControlCenterTest, ALinkCountOfZeroStillRunsEveryStage)
+{
+    FakeHost host;
+    host.linkCount = QStringLiteral("0");
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    int linksInDoc = -2;
+    center->setLinkAnalysis([&linksInDoc](const LinkAnalysisRequest& request) {
+        linksInDoc = request.numberOfLinksInDoc;
+        return writeEmptyLinkData(request);
+    });
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_EQ(linksInDoc, 0);
+    EXPECT_EQ(host.inspections.size(), 2);
+    EXPECT_EQ(m_progress.stages().size(), 6);
+    EXPECT_TRUE(m_results.calls.contains(QStringLiteral("setItems")));
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+}
+
+TEST_F(ControlCenterTest, CancelBetweenStagesEndsTheRestAndKeepsTheWorkFolder)
+{
+    FakeHost host;
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    m_progress.onStage = [&center](const QString& stage) {
+        if (stage == QLatin1String("fonts"))
+            center->setDoCancel(true);
+    };
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_TRUE(host.inspections.isEmpty());
+    EXPECT_EQ(m_progress.stages(),
+              (QStringList{QStringLiteral("stage links Preflighting links..."),
+                           QStringLiteral("stage links Preflighting links..."),
+                           QStringLiteral("stage fonts Preflighting fonts..."), QStringLiteral("stage stop")}));
+    EXPECT_EQ(m_progress.lines().constLast(), QStringLiteral("finished"));
+    EXPECT_FALSE(m_results.calls.contains(QStringLiteral("setItems")));
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Cancelled);
+    EXPECT_FALSE(QDir(m_folders.workFolder).isEmpty()); // kept until the next successful run
+    EXPECT_EQ(dataFiles(), QStringList{app::kLinkDataFileName});
+
+    // The next preflight starts afresh.
+    m_progress.onStage = nullptr;
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    EXPECT_TRUE(QDir(m_folders.workFolder).isEmpty());
+}
+
+TEST_F(ControlCenterTest, AnExceptionInTheLinkAnalysisIsReportedAndTheRestRuns)
+{
+    FakeHost host;
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    center->setLinkAnalysis([](const LinkAnalysisRequest&) -> LinkAnalysisOutcome {
+        throw std::runtime_error("spread 7 is malformed");
+    });
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    ASSERT_EQ(m_alerts.requests().size(), 1U);
+    const app::AlertRequest alert = m_alerts.requests().front();
+    EXPECT_EQ(alert.title, QStringLiteral("Error preflighting links"));
+    EXPECT_EQ(alert.message, app::withSupportContact(QStringLiteral(
+                                 "Unexpected error occurred when preflighting links:\n\nspread 7 is malformed\n\n"
+                                 "Please report this error and we'll address it promptly: ")));
+    EXPECT_TRUE(alert.critical);
+    EXPECT_EQ(center->lastAlertButtonReturn(), app::kAlertFirstButton);
+    EXPECT_EQ(host.inspections.size(), 2);
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+}
+
+TEST_F(ControlCenterTest, ABatchAsksForTheNextDocumentAndReportsToTheBatch)
+{
+    FakeHost host;
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    RecordingBatch batch;
+    batch.queued = BatchPreflight::QueuedDocument{QStringLiteral("Brochure.idml"), m_doc};
+
+    ASSERT_TRUE(center->preflightActiveDoc(&batch));
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_TRUE(center->isBatchPreflight());
+    // Stages go to the batch, all but "stop"; the window's bar shows nothing.
+    EXPECT_EQ(batch.calls, (QStringList{QStringLiteral("increment 0 Gathering document info..."),
+                                        QStringLiteral("stage links"), QStringLiteral("stage links"),
+                                        QStringLiteral("stage fonts"), QStringLiteral("stage colors"),
+                                        QStringLiteral("stage end"), QStringLiteral("done ") + m_doc}));
+    EXPECT_TRUE(m_progress.stages().isEmpty());
+}
+
+TEST_F(ControlCenterTest, ABatchDocumentThatCannotBeResavedStopsTheBatch)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    auto center = makeCenter(host);
+    RecordingBatch batch;
+    batch.queued = BatchPreflight::QueuedDocument{QStringLiteral("Old \"v1\".indd"), QStringLiteral("/Jobs/Old.indd")};
+
+    // Saving in the current version is on when never set: the document is saved, and refused.
+    scripts.pushError(QStringLiteral("Can't get full name: no full name."));
+    scripts.pushError(QStringLiteral("The file is locked."));
+    EXPECT_FALSE(center->preflightActiveDoc(&batch));
+    QStringList sources = scripts.sources();
+    ASSERT_EQ(sources.size(), 2);
+    EXPECT_EQ(sources.at(0), QStringLiteral("tell app \"Adobe InDesign 2024\" to return full name of document "
+                                            "\"Old \\\"v1\\\".indd\""));
+    EXPECT_EQ(sources.at(1), QStringLiteral("tell app \"Adobe InDesign 2024\" to save document \"Old \\\"v1\\\".indd\" "
+                                            "to \"/Jobs/Old.indd\""));
+    ASSERT_EQ(m_alerts.requests().size(), 1U);
+    EXPECT_EQ(m_alerts.requests().back().title,
+              QStringLiteral("Cannot resave active document from the current InDesign version"));
+    EXPECT_EQ(m_alerts.requests().back().buttons, QStringList{QStringLiteral("Stop")});
+    EXPECT_EQ(batch.calls, QStringList{QStringLiteral("stop processing")});
+
+    // With the option off the converted document is refused with the longer message.
+    app::Settings(m_temp.filePath(QStringLiteral("settings.ini")))
+        .setValue(QStringLiteral("packSaveInCurrentInDesignVersion"), false);
+    scripts.pushError(QStringLiteral("Can't get full name: no full name."));
+    EXPECT_FALSE(center->preflightActiveDoc(&batch));
+    EXPECT_EQ(scripts.sources().size(), 3);
+    EXPECT_EQ(m_alerts.requests().back().title, QStringLiteral("Cannot preflight active document \"Old.indd\""));
+    EXPECT_TRUE(m_alerts.requests().back().message.contains(
+        QLatin1String("check the option \"Save files in current InDesign version, if needed\"")));
+    EXPECT_EQ(batch.calls.size(), 2);
+}
+
+TEST_F(ControlCenterTest, ClearingTheWorkFolderSparesHiddenFilesAndSharedFolders)
+{
+    FakeHost host;
+    auto center = makeCenter(host);
+    test::writeAll(QDir(m_folders.workFolder).filePath(QStringLiteral(".keep")), "x");
+    test::writeAll(QDir(m_folders.workFolder).filePath(QStringLiteral("old.idml")), "x");
+    QDir(m_folders.workFolder).mkpath(QStringLiteral("old.idml.folder12345/Spreads"));
+    center->clearTmpQuillonFolder();
+    EXPECT_EQ(QDir(m_folders.workFolder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral(".keep")});
+
+    // When the work folder is the data folder, only the run's own files may go.
+    const QString shared = m_temp.filePath(QStringLiteral("shared"));
+    QDir().mkpath(shared);
+    test::writeAll(QDir(shared).filePath(QStringLiteral("someone-else.txt")), "x");
+    test::writeAll(QDir(shared).filePath(app::kLinkDataFileName), "x");
+    QNControlCenter sharing(host, m_alerts, m_progress, m_results, PreflightFolders{shared, shared});
+    sharing.clearTmpQuillonFolder();
+    EXPECT_EQ(QDir(shared).entryList(QDir::Files, QDir::Name),
+              (QStringList{app::kLinkDataFileName, QStringLiteral("someone-else.txt")}));
+}
+
+TEST_F(ControlCenterTest, CommandsOnTheLastPreflightedDocument)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    auto center = makeCenter(host);
+
+    // Before any preflight.
+    center->packageWithInDesign();
+    ASSERT_EQ(m_alerts.requests().size(), 1U);
+    EXPECT_EQ(m_alerts.requests().front().title, QStringLiteral("Please preflight a file first"));
+    EXPECT_TRUE(scripts.sources().isEmpty());
+    EXPECT_FALSE(center->createTextReport(QString()));
+
+    // With a document: open, then the Package command; a failed open is reported and skipped.
+    center->setCurrDocPath(QStringLiteral("/Jobs/Say \"hi\".indd"));
+    center->setCurrDocName(QStringLiteral("Say \"hi\".indd"));
+    scripts.pushError(QStringLiteral("File not found."));
+    scripts.pushError(QStringLiteral("A dialog is open."));
+    center->packageWithInDesign();
+    EXPECT_EQ(scripts.sources(),
+              (QStringList{QStringLiteral("tell app \"Adobe InDesign 2024\" \n activate \n open \"/Jobs/Say \\\"hi\\\".indd\" "
+                                          "\n end"),
+                           QStringLiteral("tell application \"Adobe InDesign 2024\" to invoke menu action "
+                                          "\"$ID/Packa&ge...\"")}));
+    ASSERT_EQ(m_alerts.requests().size(), 3U);
+    EXPECT_EQ(m_alerts.requests().at(1).title, QStringLiteral("Cannot open document"));
+    EXPECT_EQ(m_alerts.requests().at(2).title, QStringLiteral("Cannot invoke the Package command in InDesign"));
+    EXPECT_EQ(m_alerts.requests().at(2).message, app::withSupportContact(QStringLiteral("A dialog is open.")));
+
+    // The report carries the paragraph styles only when "printParas" is on.
+    FakeHost offline;
+    auto reporting = makeCenter(offline);
+    reporting->setCurrDocName(QStringLiteral("Brochure.idml"));
+    ASSERT_TRUE(reporting->createTextReport(QStringLiteral("/out")));
+    EXPECT_EQ(m_results.calls.constLast(), QStringLiteral("report /out [] "));
+    app::Settings(m_temp.filePath(QStringLiteral("settings.ini"))).setValue(QStringLiteral("printParas"), true);
+    ASSERT_TRUE(reporting->createTextReport(QStringLiteral("/out")));
+    EXPECT_EQ(m_results.calls.constLast(), QStringLiteral("report /out [styles of Brochure.idml] "));
+
+    // The preset pop-up goes to whoever shows the lists.
+    reporting->presetsPopup(QStringLiteral("Print"));
+    EXPECT_EQ(m_results.calls.constLast(), QStringLiteral("preset Print"));
+}
