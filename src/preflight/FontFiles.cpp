@@ -188,20 +188,20 @@ QString FontFileFinder::pdfEmbedding(const FontFile& file)
 {
     const FacePtr face = openFace(m_library, file.path, file.faceIndex);
     if (!face)
-        return QStringLiteral("?");
+        return kFontEmbedUnknown;
     const FT_UShort flags = FT_Get_FSType_Flags(face.get());
     // With several permission bits set the least restrictive one applies.
     const bool restricted = (flags & FT_FSTYPE_RESTRICTED_LICENSE_EMBEDDING) &&
                             !(flags & (FT_FSTYPE_PREVIEW_AND_PRINT_EMBEDDING | FT_FSTYPE_EDITABLE_EMBEDDING));
     const bool bitmapOnly = flags & FT_FSTYPE_BITMAP_EMBEDDING_ONLY;
-    return restricted || bitmapOnly ? QStringLiteral("No") : QStringLiteral("Yes");
+    return restricted || bitmapOnly ? kFontEmbedNo : kFontEmbedYes;
 }
 
 QString FontFileFinder::fontType(const FontFile& file)
 {
     const FacePtr face = openFace(m_library, file.path, file.faceIndex);
     if (!face)
-        return QStringLiteral("Unknown");
+        return kFontTypeUnknown;
     const QString format = utf8(FT_Get_Font_Format(face.get()));
     if (format == QLatin1String("CFF"))
         return FT_IS_SFNT(face.get()) ? kFontTypeOpenTypeMarker + QStringLiteral(" CFF") : format;
@@ -213,7 +213,7 @@ QString FontFileFinder::fontType(const FontFile& file)
         return QStringLiteral("CID");
     if (format == QLatin1String("BDF") || format == QLatin1String("PCF") || format == QLatin1String("Windows FNT"))
         return kFontTypeBitmap;
-    return format.isEmpty() ? QStringLiteral("Unknown") : format;
+    return format.isEmpty() ? kFontTypeUnknown : format;
 }
 
 } // namespace quillon::preflight

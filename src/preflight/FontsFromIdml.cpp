@@ -4,13 +4,13 @@
 #include "preflight/FontColorParts.h"
 #include "preflight/FontFiles.h"
 #include "preflight/FontRecordKeys.h"
+#include "preflight/FontRecords.h"
 #include "preflight/ParaStylesSheet.h"
 #include "preflight/ParaStylesStories.h"
 
 #include <QHash>
 #include <QSet>
 
-#include <algorithm>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -190,11 +190,11 @@ QVariantMap fontRecord(const UsedFont& font, pugi::xml_node face, FontFileFinder
     }
     QString type = fontTypeFromIdml(attributeText(face, "FontType"));
     if (type.isEmpty())
-        type = file ? finder.fontType(*file) : QStringLiteral("Unknown");
+        type = file ? finder.fontType(*file) : kFontTypeUnknown;
 
     QString path = file ? file->path : kFontNoPath;
     if (!typekitId.isEmpty())
-        path = QStringLiteral("Activated ") + kFontAdobeFontsMarker;
+        path = kFontAdobeFontsPath;
 
     return {
         {kFontNameKey, name},
@@ -202,7 +202,7 @@ QVariantMap fontRecord(const UsedFont& font, pugi::xml_node face, FontFileFinder
         {kFontStatusKey, status},
         {kFontPsFontKey, postScriptName},
         {kFontPathKey, path},
-        {kFontEmbedKey, file ? finder.pdfEmbedding(*file) : kFontNoPath},
+        {kFontEmbedKey, file ? finder.pdfEmbedding(*file) : kFontEmbedUnknown},
     };
 }
 
@@ -252,10 +252,7 @@ app::Result<QVariantList> fontRecordsFromIdml(const QString& idmlFolder, FontFil
             records.append(record);
         }
     }
-    std::sort(records.begin(), records.end(), [](const QVariant& a, const QVariant& b) {
-        return a.toMap().value(kFontNameKey).toString().compare(b.toMap().value(kFontNameKey).toString(),
-                                                                 Qt::CaseInsensitive) < 0;
-    });
+    sortFontRecordsByName(records);
     return records;
 }
 

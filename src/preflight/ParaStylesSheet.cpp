@@ -97,25 +97,38 @@ void TextStyleSheet::resolveBasedOn(Kind& kind)
 
 app::Result<TextStyleSheet> TextStyleSheet::load(const QString& stylesPath, const QString& preferencesPath)
 {
-    TextStyleSheet sheet;
+    std::shared_ptr<pugi::xml_document> styles;
+    std::shared_ptr<pugi::xml_document> preferences;
     if (!stylesPath.isEmpty()) {
-        auto styles = app::loadXmlFile(stylesPath);
-        if (!styles)
-            return styles.error();
-        sheet.m_styles = std::move(styles).value();
+        auto loaded = app::loadXmlFile(stylesPath);
+        if (!loaded)
+            return loaded.error();
+        styles = std::move(loaded).value();
+    }
+    if (!preferencesPath.isEmpty()) {
+        auto loaded = app::loadXmlFile(preferencesPath);
+        if (!loaded)
+            return loaded.error();
+        preferences = std::move(loaded).value();
+    }
+    return fromDocuments(std::move(styles), std::move(preferences));
+}
+
+TextStyleSheet TextStyleSheet::fromDocuments(std::shared_ptr<pugi::xml_document> styles,
+                                             std::shared_ptr<pugi::xml_document> preferences)
+{
+    TextStyleSheet sheet;
+    sheet.m_styles = std::move(styles);
+    sheet.m_preferences = std::move(preferences);
+    if (sheet.m_styles) {
         const pugi::xml_node root = sheet.m_styles->document_element();
         collect(root.child("RootParagraphStyleGroup"), "ParagraphStyle", sheet.m_paragraph);
         collect(root.child("RootCharacterStyleGroup"), "CharacterStyle", sheet.m_character);
         resolveBasedOn(sheet.m_paragraph);
         resolveBasedOn(sheet.m_character);
     }
-    if (!preferencesPath.isEmpty()) {
-        auto preferences = app::loadXmlFile(preferencesPath);
-        if (!preferences)
-            return preferences.error();
-        sheet.m_preferences = std::move(preferences).value();
+    if (sheet.m_preferences)
         sheet.m_textDefault = sheet.m_preferences->document_element().child("TextDefault");
-    }
     return sheet;
 }
 

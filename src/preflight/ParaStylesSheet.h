@@ -31,6 +31,10 @@ public:
     // not well formed, naming it.
     static app::Result<TextStyleSheet> load(const QString& stylesPath, const QString& preferencesPath);
 
+    // The same from parts already read; either may be null.
+    static TextStyleSheet fromDocuments(std::shared_ptr<pugi::xml_document> styles,
+                                        std::shared_ptr<pugi::xml_document> preferences);
+
     // Paragraph styles in the order the file holds them (groups flattened).
     const QList<TextStyle>& paragraphStyles() const { return m_paragraph.styles; }
     const TextStyle* paragraphStyle(const QString& id) const;

@@ -46,8 +46,12 @@ private:
         std::string_view style;
     };
 
+    // Something of a paragraph was met. Outside any paragraph range (a graphic cell's frame) there
+    // is no paragraph to count.
     void mark(Flow& flow, const Scope& scope)
     {
+        if (!scope.paragraphRange)
+            return;
         const std::string_view style = scope.style();
         if (flow.pending && style != flow.style)
             m_visitor.paragraphEnded(flow.style);

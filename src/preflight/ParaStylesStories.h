@@ -20,14 +20,15 @@ public:
     virtual void characters(pugi::xml_node paragraphRange, pugi::xml_node characterRange) = 0;
 
     // A paragraph ended: at a paragraph return, where the paragraph style changes, or at the end of
-    // its story, table cell or footnote. `paragraphStyle` is its style's Self ("" without one).
+    // its story, table cell or footnote. `paragraphStyle` is its style's Self as the range names it.
     virtual void paragraphEnded(std::string_view paragraphStyle) = 0;
 };
 
 // Walks the text of one story part (its document element, or any element holding text ranges).
 // Paragraphs end at <Br/>; a style range may hold several and may sit inside XML elements. Table
 // cells and footnotes are walked as text flows of their own; anchored page items count as
-// characters of their paragraph and are not entered; notes and deleted changes are skipped.
+// characters of their paragraph and are not entered (the frame of a graphic cell makes no
+// paragraph); notes and deleted changes are skipped.
 // Fails, naming `sourceName`, on nesting deeper than any document holds.
 app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const QString& sourceName);
 
