@@ -8,7 +8,6 @@
 #include "support/UnpackForTest.h"
 
 #include <QDir>
-#include <QDirIterator>
 
 #include <gtest/gtest.h>
 
@@ -200,35 +199,6 @@ TEST(FontsFromIdml, FontTypesKeepOpenTypeAndSpellTheOthersAsTheFontListDoes)
     EXPECT_EQ(fontTypeFromIdml(QStringLiteral("Bitmap")), QStringLiteral("bitmap"));
     EXPECT_EQ(fontTypeFromIdml(QStringLiteral("ATC")), QStringLiteral("ATC"));
     EXPECT_EQ(fontTypeFromIdml(QStringLiteral("Unknown")), QStringLiteral("Unknown"));
-}
-
-TEST(FontsFromIdml, EverySampleGivesRecordsWithEveryKeyFilled)
-{
-    QDirIterator it(test::samplePath(QStringLiteral("idml")), {QStringLiteral("*.idml")}, QDir::Files,
-                    QDirIterator::Subdirectories);
-    int documents = 0;
-    int withFonts = 0;
-    while (it.hasNext()) {
-        const QString path = it.next();
-        SCOPED_TRACE(path.toStdString());
-        const auto unpacked = test::unpackForTest(path);
-        ASSERT_TRUE(unpacked);
-        FontFileFinder finder(path);
-        const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
-        ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
-        ++documents;
-        withFonts += fonts->isEmpty() ? 0 : 1;
-        for (const QVariant& value : *fonts) {
-            const QVariantMap record = value.toMap();
-            for (const QString& key : {kFontNameKey, kFontTypeKey, kFontStatusKey, kFontPathKey, kFontEmbedKey})
-                EXPECT_FALSE(record.value(key).toString().isEmpty()) << key.toStdString();
-            EXPECT_TRUE(record.contains(kFontPsFontKey));
-            EXPECT_TRUE(QStringList({"installed", "missing", "fauxed", "substituted"})
-                            .contains(record.value(kFontStatusKey).toString()));
-        }
-    }
-    EXPECT_EQ(documents, 17);
-    EXPECT_EQ(withFonts, 16); // placeholders.idml has no stories
 }
 
 TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
