@@ -78,8 +78,11 @@ bool patternHasString(FcPattern* pattern, const char* object, const QString& wan
 // Installed fonts whose PostScript name, or family and style, equal the given ones exactly
 // (fontconfig's own matching ignores case). The first by path, so the answer does not depend on
 // the order of fontconfig's cache.
-std::optional<FontFile> findInstalled(const QString& postScriptName, const QString& family, const QString& style)
+std::optional<FontFile> findInstalled(FcConfig* config, const QString& postScriptName, const QString& family,
+                                      const QString& style)
 {
+    if (!config)
+        return std::nullopt;
     FcPatternPtr pattern(FcPatternCreate());
     if (!pattern)
         return std::nullopt;
@@ -91,7 +94,7 @@ std::optional<FontFile> findInstalled(const QString& postScriptName, const QStri
         FcPatternAddString(pattern.get(), FC_STYLE, reinterpret_cast<const FcChar8*>(style.toUtf8().constData()));
     }
     FcObjectSetPtr objects(FcObjectSetBuild(FC_FILE, FC_INDEX, FC_POSTSCRIPT_NAME, FC_FAMILY, FC_STYLE, nullptr));
-    FcFontSetPtr fonts(FcFontList(nullptr, pattern.get(), objects.get()));
+    FcFontSetPtr fonts(FcFontList(config, pattern.get(), objects.get()));
     if (!fonts)
         return std::nullopt;
     std::optional<FontFile> best;
@@ -122,10 +125,25 @@ FontFileFinder::FontFileFinder(const QString& documentPath) : m_documentFonts(do
         app::logFailure(QStringLiteral("start FreeType"));
 }
 
+void* FontFileFinder::installedFonts()
+{
+    // A configuration of our own rather than the process's current one: it is released with the
+    // finder and shares no state with other users of fontconfig in the process.
+    if (!m_fontconfigLoaded) {
+        m_fontconfigLoaded = true;
+        m_fontconfig = FcInitLoadConfigAndFonts();
+        if (!m_fontconfig)
+            app::logFailure(QStringLiteral("load the fontconfig configuration"));
+    }
+    return m_fontconfig;
+}
+
 FontFileFinder::~FontFileFinder()
 {
     if (m_library)
         FT_Done_FreeType(static_cast<FT_Library>(m_library));
+    if (m_fontconfig)
+        FcConfigDestroy(static_cast<FcConfig*>(m_fontconfig));
 }
 
 QString FontFileFinder::documentFontsFolder(const QString& documentPath)
@@ -181,7 +199,7 @@ std::optional<FontFile> FontFileFinder::find(const QString& postScriptName, cons
         return std::nullopt;
     if (auto local = findInDocumentFonts(postScriptName, family, style))
         return local;
-    return findInstalled(postScriptName, family, style);
+    return findInstalled(static_cast<FcConfig*>(installedFonts()), postScriptName, family, style);
 }
 
 QString FontFileFinder::pdfEmbedding(const FontFile& file)

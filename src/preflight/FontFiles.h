@@ -53,7 +53,11 @@ private:
     std::optional<FontFile> findInDocumentFonts(const QString& postScriptName, const QString& family,
                                                 const QString& style);
 
+    void* installedFonts(); // the FcConfig, loaded on first use
+
     void* m_library = nullptr; // FT_Library; kept opaque so the header needs no FreeType
+    void* m_fontconfig = nullptr; // FcConfig, loaded on the first look-up of an installed font
+    bool m_fontconfigLoaded = false;
     QString m_documentFonts;
     bool m_scanned = false;
     QList<Face> m_documentFaces;
