@@ -43,13 +43,10 @@ QVariantList valuesFromScript(const QString& text)
 
 QString colorsScript(const QString& inDesignName, const QString& documentName, const QString& registrationInTextFlag)
 {
-    return QStringLiteral("tell application \"%1\"\n").arg(scriptStringContent(inDesignName)) +
-           scriptSeparatorsPreamble() +
-           QStringLiteral("\tset oldDelimiters to AppleScript's text item delimiters\n"
-                          "\tset AppleScript's text item delimiters to \" \"\n"
-                          "\ttell document \"%1\"\n")
-               .arg(scriptStringContent(documentName)) +
-           QStringLiteral("\t\trepeat with s in (get every swatch)\n"
+    return scriptDocumentHead(inDesignName, documentName) +
+           QStringLiteral("\t\tset oldDelimiters to AppleScript's text item delimiters\n"
+                          "\t\tset AppleScript's text item delimiters to \" \"\n"
+                          "\t\trepeat with s in (get every swatch)\n"
                           "\t\t\tset sName to name of s\n"
                           "\t\t\tset sClass to \"\"\n"
                           "\t\t\ttry\n"
@@ -74,8 +71,8 @@ QString colorsScript(const QString& inDesignName, const QString& documentName, c
                           "\t\trepeat with s in (get unused swatches)\n"
                           "\t\t\tset out to out & (name of s) & recordSep\n"
                           "\t\tend repeat\n"
+                          "\t\tset AppleScript's text item delimiters to oldDelimiters\n"
                           "\tend tell\n"
-                          "\tset AppleScript's text item delimiters to oldDelimiters\n"
                           "\tset regCount to 0\n") +
            (countsRegistrationInText(registrationInTextFlag) ? registrationBlock(documentName) : QString()) +
            QStringLiteral("\tset out to out & sectionSep & (regCount as string)\n"

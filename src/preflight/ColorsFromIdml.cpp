@@ -300,7 +300,7 @@ QString swatchName(const Swatch& swatch, const SwatchTable& table)
         const QString baseName = base ? swatchName(*base, table) : QString();
         return QStringLiteral("%1 %2%").arg(baseName, app::formatOneDecimal(swatch.node.attribute("TintValue").as_double()));
     }
-    return name.startsWith(QLatin1String("$ID/")) ? name.mid(4) : name;
+    return withoutIdPrefix(name);
 }
 
 QVariantMap colorRecord(const Swatch& swatch, const SwatchTable& table, bool used)

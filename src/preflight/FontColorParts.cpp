@@ -7,6 +7,14 @@
 
 namespace quillon::preflight {
 
+QString withoutIdPrefix(QString name)
+{
+    static const QString prefix = QStringLiteral("$ID/");
+    if (name.startsWith(prefix))
+        name.remove(0, prefix.size());
+    return name;
+}
+
 std::string_view localName(const pugi::xml_node& node)
 {
     const std::string_view name = node.name();

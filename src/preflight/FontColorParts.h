@@ -29,6 +29,9 @@ struct IdmlParts {
 // designmap.xml is missing or broken, or when the map names a part outside the folder.
 app::Result<IdmlParts> readIdmlParts(const QString& folder);
 
+// A name without the "$ID/" prefix IDML gives InDesign's own names ("$ID/Regular" gives "Regular").
+QString withoutIdPrefix(QString name);
+
 // The part's local element name without its namespace prefix ("idPkg:Story" gives "Story").
 std::string_view localName(const pugi::xml_node& node);
 

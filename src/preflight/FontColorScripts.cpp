@@ -4,12 +4,15 @@
 
 namespace quillon::preflight {
 
-QString scriptSeparatorsPreamble()
+QString scriptDocumentHead(const QString& inDesignName, const QString& documentName)
 {
-    return QStringLiteral("\tset fieldSep to character id 31\n"
+    return QStringLiteral("tell application \"%1\"\n"
+                          "\tset fieldSep to character id 31\n"
                           "\tset recordSep to character id 30\n"
                           "\tset sectionSep to character id 29\n"
-                          "\tset out to \"\"\n");
+                          "\tset out to \"\"\n"
+                          "\ttell document \"%2\"\n")
+        .arg(scriptStringContent(inDesignName), scriptStringContent(documentName));
 }
 
 QString scriptStringContent(const QString& text)

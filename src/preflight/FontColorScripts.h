@@ -21,8 +21,9 @@ inline constexpr char16_t kScriptSectionSeparator = 0x1D;
 inline constexpr char16_t kScriptRecordSeparator = 0x1E;
 inline constexpr char16_t kScriptFieldSeparator = 0x1F;
 
-// The lines that set `fieldSep`, `recordSep`, `sectionSep` and an empty `out` in a script.
-QString scriptSeparatorsPreamble();
+// The opening every inspection script shares: "tell application" and "tell document" around the
+// lines that set `fieldSep`, `recordSep`, `sectionSep` and an empty `out`.
+QString scriptDocumentHead(const QString& inDesignName, const QString& documentName);
 
 // Text for inside a quoted AppleScript string: backslashes and quotation marks escaped.
 QString scriptStringContent(const QString& text);

@@ -14,4 +14,9 @@ void sortFontRecordsByName(QVariantList& records)
     });
 }
 
+QString fontDisplayName(const QString& family, const QString& style)
+{
+    return style.isEmpty() ? family : family + u' ' + style;
+}
+
 } // namespace quillon::preflight

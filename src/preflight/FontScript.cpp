@@ -42,9 +42,7 @@ QString embeddingFromScript(const QString& allowed)
 
 QString fontsScript(const QString& inDesignName, const QString& documentName)
 {
-    return QStringLiteral("tell application \"%1\"\n").arg(scriptStringContent(inDesignName)) +
-           scriptSeparatorsPreamble() +
-           QStringLiteral("\ttell document \"%1\"\n").arg(scriptStringContent(documentName)) +
+    return scriptDocumentHead(inDesignName, documentName) +
            QStringLiteral("\t\trepeat with f in (get every font)\n"
                           "\t\t\tset fName to name of f\n"
                           "\t\t\tset fType to \"\"\n"

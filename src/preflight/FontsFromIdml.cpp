@@ -17,15 +17,6 @@ namespace quillon::preflight {
 
 namespace {
 
-const QString kIdPrefix = QStringLiteral("$ID/");
-
-QString withoutIdPrefix(QString text)
-{
-    if (text.startsWith(kIdPrefix))
-        text.remove(0, kIdPrefix.size());
-    return text;
-}
-
 struct UsedFont {
     QString family;
     QString style;
@@ -173,7 +164,7 @@ QVariantMap fontRecord(const UsedFont& font, pugi::xml_node face, FontFileFinder
 {
     QString name = attributeText(face, "Name");
     if (name.isEmpty())
-        name = font.style.isEmpty() ? font.family : font.family + u' ' + font.style;
+        name = fontDisplayName(font.family, font.style);
     const QString postScriptName = withoutIdPrefix(attributeText(face, "PostScriptName"));
     const QString idmlStatus = attributeText(face, "Status");
     const QString typekitId = withoutIdPrefix(attributeText(face, "TypekitID"));
@@ -232,13 +223,8 @@ app::Result<QVariantList> fontRecordsFromIdml(const QString& idmlFolder, FontFil
         return loaded.error();
 
     UsedFontCollector collector(*sheet);
-    for (const QString& storyPath : std::as_const(parts->stories)) {
-        auto story = app::loadXmlFile(storyPath);
-        if (!story)
-            return story.error();
-        if (app::Status walked = walkStoryText((*story)->document_element(), collector, storyPath); !walked)
-            return walked.error();
-    }
+    if (app::Status walked = walkStories(parts->stories, collector); !walked)
+        return walked.error();
 
     QVariantList records;
     QSet<QString> names;

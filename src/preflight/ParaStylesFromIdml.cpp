@@ -2,6 +2,7 @@
 
 #include "app/XmlFile.h"
 #include "preflight/FontColorParts.h"
+#include "preflight/FontRecords.h"
 #include "preflight/ParaStylesSheet.h"
 #include "preflight/ParaStylesStories.h"
 
@@ -13,8 +14,6 @@ namespace quillon::preflight {
 namespace {
 
 const QString kNoParagraphStyleId = QStringLiteral("ParagraphStyle/$ID/[No paragraph style]");
-const QString kIdPrefix = QStringLiteral("$ID/");
-
 class ParagraphCounter final : public StoryTextVisitor {
 public:
     const QHash<QString, int>& counts() const { return m_counts; }
@@ -38,13 +37,6 @@ private:
     QStringList m_order;
 };
 
-QString withoutIdPrefix(QString text)
-{
-    if (text.startsWith(kIdPrefix))
-        text.remove(0, kIdPrefix.size());
-    return text;
-}
-
 ParaStyleUse describe(const TextStyleSheet& sheet, const TextStyle& style)
 {
     auto value = [&](const char* property) {
@@ -57,7 +49,7 @@ ParaStyleUse describe(const TextStyleSheet& sheet, const TextStyle& style)
         use.basedOn = TextStyleSheet::displayName(parent->name);
     const QString family = withoutIdPrefix(value("AppliedFont"));
     const QString fontStyle = withoutIdPrefix(value("FontStyle"));
-    use.font = fontStyle.isEmpty() ? family : family + u' ' + fontStyle;
+    use.font = fontDisplayName(family, fontStyle);
     const QString size = value("PointSize");
     use.size = pointsText(size);
     use.leading = leadingText(value("Leading"), size, value("AutoLeading"));
@@ -83,13 +75,8 @@ app::Result<QList<ParaStyleUse>> paraStyleUsesFromIdml(const QString& idmlFolder
         return sheet.error();
 
     ParagraphCounter counter;
-    for (const QString& storyPath : std::as_const(parts->stories)) {
-        auto story = app::loadXmlFile(storyPath);
-        if (!story)
-            return story.error();
-        if (app::Status walked = walkStoryText((*story)->document_element(), counter, storyPath); !walked)
-            return walked.error();
-    }
+    if (app::Status walked = walkStories(parts->stories, counter); !walked)
+        return walked.error();
 
     QList<ParaStyleUse> uses;
     for (const TextStyle& style : sheet->paragraphStyles()) {

@@ -1,6 +1,7 @@
 #include "preflight/ParaStylesScript.h"
 
 #include "preflight/FontColorScripts.h"
+#include "preflight/FontRecords.h"
 
 #include <QHash>
 
@@ -24,9 +25,7 @@ QString paragraphStylesOf(const QString& container, const QString& indent)
 
 QString paraStylesScript(const QString& inDesignName, const QString& documentName)
 {
-    return QStringLiteral("tell application \"%1\"\n").arg(scriptStringContent(inDesignName)) +
-           scriptSeparatorsPreamble() +
-           QStringLiteral("\ttell document \"%1\"\n").arg(scriptStringContent(documentName)) +
+    return scriptDocumentHead(inDesignName, documentName) +
            QStringLiteral("\t\trepeat with ps in (get all paragraph styles)\n"
                           "\t\t\tset pId to (id of ps) as string\n"
                           "\t\t\tset pName to name of ps\n"
@@ -101,7 +100,7 @@ QList<ParaStyleUse> paraStyleUsesFromScriptAnswer(const QString& answer)
             continue;
         if (fields[2] != use.name)
             use.basedOn = fields[2];
-        use.font = fields[4].isEmpty() ? fields[3] : fields[3] + u' ' + fields[4];
+        use.font = fontDisplayName(fields[3], fields[4]);
         const QString size = scriptNumber(fields[5]);
         use.size = pointsText(size);
         use.leading = leadingText(scriptNumber(fields[6]), size, scriptNumber(fields[7]));

@@ -1,6 +1,7 @@
 #include "preflight/ParaStylesSheet.h"
 
 #include "app/XmlFile.h"
+#include "preflight/FontColorParts.h"
 
 #include <vector>
 
@@ -10,7 +11,6 @@ namespace {
 
 const QString kNoParagraphStyleName = QStringLiteral("$ID/[No paragraph style]");
 const QString kBasicParagraphName = QStringLiteral("$ID/NormalParagraphStyle");
-const QString kIdPrefix = QStringLiteral("$ID/");
 
 // Style groups nest; a document with more levels than this is not one InDesign wrote.
 constexpr int kMaxGroupDepth = 64;
@@ -41,9 +41,7 @@ QString TextStyleSheet::displayName(const QString& storedName)
         return QStringLiteral("[Basic Paragraph]");
     if (storedName == kNoParagraphStyleName)
         return QStringLiteral("[No Paragraph Style]");
-    if (storedName.startsWith(kIdPrefix))
-        return storedName.mid(kIdPrefix.size());
-    return storedName;
+    return withoutIdPrefix(storedName);
 }
 
 void TextStyleSheet::collect(pugi::xml_node group, const char* styleElement, Kind& kind)

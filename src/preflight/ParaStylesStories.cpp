@@ -1,5 +1,7 @@
 #include "preflight/ParaStylesStories.h"
 
+#include "app/XmlFile.h"
+
 #include <array>
 #include <cstring>
 
@@ -124,6 +126,18 @@ app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const 
     if (!walker.walkFlow(root, 0))
         return app::makeError(QStringLiteral("the text is nested more than %1 levels deep").arg(kMaxDepth),
                               sourceName);
+    return {};
+}
+
+app::Status walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor)
+{
+    for (const QString& path : storyPaths) {
+        auto story = app::loadXmlFile(path);
+        if (!story)
+            return story.error();
+        if (app::Status walked = walkStoryText((*story)->document_element(), visitor, path); !walked)
+            return walked;
+    }
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include "app/Result.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <pugixml.hpp>
 
@@ -31,5 +32,9 @@ public:
 // paragraph); notes and deleted changes are skipped.
 // Fails, naming `sourceName`, on nesting deeper than any document holds.
 app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const QString& sourceName);
+
+// Reads each story part in turn and walks it; the first part that cannot be read or walked ends
+// the walk with its error.
+app::Status walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor);
 
 } // namespace quillon::preflight
