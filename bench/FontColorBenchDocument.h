@@ -33,8 +33,9 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
     constexpr int kSwatches = 60;
     const char* families[] = {"Minion Pro", "Myriad Pro", "DejaVu Sans", "Arno Pro", "Source Serif Pro"};
 
-    QByteArray styles = "<RootCharacterStyleGroup Self=\"rc\">\n"
-                        "<CharacterStyle Self=\"CharacterStyle/$ID/[No character style]\" Name=\"$ID/[No character style]\" />\n";
+    QByteArray styles =
+        "<RootCharacterStyleGroup Self=\"rc\">\n"
+        "<CharacterStyle Self=\"CharacterStyle/$ID/[No character style]\" Name=\"$ID/[No character style]\" />\n";
     for (int i = 0; i < kCharacterStyles; ++i)
         styles += "<CharacterStyle Self=\"CharacterStyle/C" + QByteArray::number(i) + "\" Name=\"C" +
                   QByteArray::number(i) + "\" FontStyle=\"" + (i % 2 ? "Bold" : "Italic") + "\" FillColor=\"Color/S" +
@@ -49,8 +50,10 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
         styles += "<ParagraphStyle Self=\"ParagraphStyle/P" + QByteArray::number(i) + "\" Name=\"P" +
                   QByteArray::number(i) + "\" PointSize=\"" + QByteArray::number(8 + i % 12) +
                   "\" FillColor=\"Color/S" + QByteArray::number(20 + i % 20) + "\"><Properties><BasedOn type=\"" +
-                  (i ? "object\">ParagraphStyle/P" + QByteArray::number(i / 2) : QByteArray("string\">$ID/[No paragraph style]")) +
-                  "</BasedOn><AppliedFont type=\"string\">" + families[i % 5] + "</AppliedFont></Properties></ParagraphStyle>\n";
+                  (i ? "object\">ParagraphStyle/P" + QByteArray::number(i / 2)
+                     : QByteArray("string\">$ID/[No paragraph style]")) +
+                  "</BasedOn><AppliedFont type=\"string\">" + families[i % 5] +
+                  "</AppliedFont></Properties></ParagraphStyle>\n";
     styles += "</RootParagraphStyleGroup>\n<RootObjectStyleGroup Self=\"ro\">\n";
     for (int i = 0; i < 5; ++i)
         styles += "<ObjectStyle Self=\"ObjectStyle/O" + QByteArray::number(i) + "\" Name=\"O" + QByteArray::number(i) +
@@ -61,8 +64,8 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
     for (const char* family : families) {
         fonts += QByteArray("<FontFamily Self=\"ff") + family + "\" Name=\"" + family + "\">\n";
         for (const char* style : {"Regular", "Italic", "Bold", "Bold Italic", "Light", "Semibold"})
-            fonts += QByteArray("<Font Self=\"f") + family + style + "\" FontFamily=\"" + family + "\" Name=\"" + family +
-                     ' ' + style + "\" PostScriptName=\"" + QByteArray(family).replace(' ', "") + '-' +
+            fonts += QByteArray("<Font Self=\"f") + family + style + "\" FontFamily=\"" + family + "\" Name=\"" +
+                     family + ' ' + style + "\" PostScriptName=\"" + QByteArray(family).replace(' ', "") + '-' +
                      QByteArray(style).replace(' ', "") + "\" Status=\"Installed\" FontStyleName=\"" + style +
                      "\" FontType=\"OpenTypeCFF\" TypekitID=\"$ID/\" />\n";
         fonts += "</FontFamily>\n";
@@ -81,9 +84,10 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
                    "\" ColorOverride=\"Normal\" Name=\"S" + QByteArray::number(i) + "\" Visible=\"true\" />\n";
     graphic += "<Tint Self=\"Tint/S1 50\" BaseColor=\"Color/S1\" TintValue=\"50\" Name=\"$ID/\" Visible=\"true\" />\n";
 
-    QByteArray map = "<Document xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"20.0\">\n"
-                     "<idPkg:Graphic src=\"Resources/Graphic.xml\" />\n<idPkg:Fonts src=\"Resources/Fonts.xml\" />\n"
-                     "<idPkg:Styles src=\"Resources/Styles.xml\" />\n";
+    QByteArray map =
+        "<Document xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"20.0\">\n"
+        "<idPkg:Graphic src=\"Resources/Graphic.xml\" />\n<idPkg:Fonts src=\"Resources/Fonts.xml\" />\n"
+        "<idPkg:Styles src=\"Resources/Styles.xml\" />\n";
     for (int s = 0; s < spreads; ++s) {
         const QByteArray id = QByteArray::number(s);
         QByteArray spread = "<Spread Self=\"sp" + id + "\" PageCount=\"2\">\n";
@@ -91,9 +95,12 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
         for (int page = 0; page < 2; ++page) {
             spread += "<Page Self=\"pg" + id + '_' + QByteArray::number(page) + "\" />\n";
             for (int frame = 0; frame < 3; ++frame)
-                spread += "<Rectangle Self=\"r" + id + '_' + QByteArray::number(page * 3 + frame) + "\" FillColor=\"Color/S" +
-                          QByteArray::number((s + frame) % kSwatches) + "\" StrokeColor=\"Swatch/None\" "
-                          "AppliedObjectStyle=\"ObjectStyle/O" + QByteArray::number(frame) + "\"><Properties>"
+                spread += "<Rectangle Self=\"r" + id + '_' + QByteArray::number(page * 3 + frame) +
+                          "\" FillColor=\"Color/S" + QByteArray::number((s + frame) % kSwatches) +
+                          "\" StrokeColor=\"Swatch/None\" "
+                          "AppliedObjectStyle=\"ObjectStyle/O" +
+                          QByteArray::number(frame) +
+                          "\"><Properties>"
                           "<PathGeometry><GeometryPathType PathOpen=\"false\"><PathPointArray>"
                           "<PathPointType Anchor=\"0 0\" LeftDirection=\"0 0\" RightDirection=\"0 0\" />"
                           "<PathPointType Anchor=\"0 100\" LeftDirection=\"0 100\" RightDirection=\"0 100\" />"
@@ -103,12 +110,15 @@ inline void writeFontColorBenchDocument(const QString& folder, int spreads)
         }
         for (int p = 0; p < 12; ++p) {
             const QByteArray style = QByteArray::number((s * 7 + p) % kParagraphStyles);
-            story += "<ParagraphStyleRange AppliedParagraphStyle=\"ParagraphStyle/P" + style + "\">\n"
+            story += "<ParagraphStyleRange AppliedParagraphStyle=\"ParagraphStyle/P" + style +
+                     "\">\n"
                      "<CharacterStyleRange AppliedCharacterStyle=\"CharacterStyle/$ID/[No character style]\">"
-                     "<Content>Paragraph " + QByteArray::number(p) + " of spread " + id +
+                     "<Content>Paragraph " +
+                     QByteArray::number(p) + " of spread " + id +
                      ", long enough to look like body text set in a narrow column.</Content></CharacterStyleRange>\n"
                      "<CharacterStyleRange AppliedCharacterStyle=\"CharacterStyle/C" +
-                     QByteArray::number((s + p) % kCharacterStyles) + "\"><Content>emphasis</Content></CharacterStyleRange>\n"
+                     QByteArray::number((s + p) % kCharacterStyles) +
+                     "\"><Content>emphasis</Content></CharacterStyleRange>\n"
                      "<CharacterStyleRange AppliedCharacterStyle=\"CharacterStyle/$ID/[No character style]\">"
                      "<Content> and the rest of it.</Content><Br /></CharacterStyleRange>\n</ParagraphStyleRange>\n";
         }

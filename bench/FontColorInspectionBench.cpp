@@ -60,9 +60,10 @@ void allThree(benchmark::State& state)
 {
     const BenchDocument& doc = benchDocument();
     for (auto _ : state) {
-        const bool ok = preflight::processFontsFromIdml(doc.package, doc.document, doc.data).ok() &&
-                        preflight::processColorsFromIdml(doc.package, doc.document, doc.data, QStringLiteral("1")).ok() &&
-                        preflight::paraReportFromIdml(doc.package).ok();
+        const bool ok =
+            preflight::processFontsFromIdml(doc.package, doc.document, doc.data).ok() &&
+            preflight::processColorsFromIdml(doc.package, doc.document, doc.data, QStringLiteral("1")).ok() &&
+            preflight::paraReportFromIdml(doc.package).ok();
         if (!ok)
             state.SkipWithError("an inspection failed");
     }

@@ -36,9 +36,4 @@ Result<std::shared_ptr<pugi::xml_document>> parseXml(const QByteArray& bytes, co
     return doc;
 }
 
-QString xmlText(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 } // namespace quillon::app

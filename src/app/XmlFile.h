@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <pugixml.hpp>
@@ -21,8 +22,5 @@ Result<std::shared_ptr<pugi::xml_document>> loadXmlFile(const QString& path, uns
 // The same for bytes already in memory; `sourceName` names them in errors.
 Result<std::shared_ptr<pugi::xml_document>> parseXml(const QByteArray& bytes, const QString& sourceName,
                                                      unsigned options = kXmlPartParseOptions);
-
-// pugixml's UTF-8 text as a QString.
-QString xmlText(const char* utf8);
 
 } // namespace quillon::app

@@ -1,7 +1,7 @@
 #include "preflight/ColorsFromIdml.h"
 
-#include "app/XmlFile.h"
 #include "app/Numbers.h"
+#include "app/XmlFile.h"
 #include "preflight/ColorRecordKeys.h"
 #include "preflight/FontColorParts.h"
 #include "preflight/ParaStylesSheet.h"
@@ -32,12 +32,11 @@ struct Swatch {
 };
 
 constexpr std::array kSwatchKinds{"Color", "Tint", "Gradient", "MixedInk", "MixedInkGroup", "Swatch"};
-constexpr std::array kReferencePrefixes{"Color/",          "Tint/",          "Gradient/",   "MixedInk/",
-                                        "MixedInkGroup/",  "Swatch/",        "ParagraphStyle/", "CharacterStyle/",
-                                        "ObjectStyle/",    "TableStyle/",    "CellStyle/"};
+constexpr std::array kReferencePrefixes{"Color/",         "Tint/",       "Gradient/",       "MixedInk/",
+                                        "MixedInkGroup/", "Swatch/",     "ParagraphStyle/", "CharacterStyle/",
+                                        "ObjectStyle/",   "TableStyle/", "CellStyle/"};
 
-template <std::size_t N>
-bool isOneOf(std::string_view name, const std::array<const char*, N>& names)
+template <std::size_t N> bool isOneOf(std::string_view name, const std::array<const char*, N>& names)
 {
     for (const char* candidate : names)
         if (name == candidate)
@@ -148,7 +147,8 @@ public:
                 swatch.special = Special::Registration;
             else if (override == "Specialblack")
                 swatch.special = Special::Black;
-            swatch.inPanel = std::strcmp(node.attribute("Visible").value(), "false") != 0 && override != "Hiddenreserved";
+            swatch.inPanel =
+                std::strcmp(node.attribute("Visible").value(), "false") != 0 && override != "Hiddenreserved";
             if (kind != "Color" && kind != "Swatch")
                 swatch.builtOn = builtOnReferences(node);
             m_byId.insert(swatch.id, m_swatches.size());
@@ -203,8 +203,8 @@ public:
     {
         QHash<QString, QString> idByKindAndName;
         std::vector<std::pair<QString, pugi::xml_node>> found;
-        for (const pugi::xpath_node hit : styles.select_nodes(
-                 "//ParagraphStyle | //CharacterStyle | //ObjectStyle | //TableStyle | //CellStyle")) {
+        for (const pugi::xpath_node hit :
+             styles.select_nodes("//ParagraphStyle | //CharacterStyle | //ObjectStyle | //TableStyle | //CellStyle")) {
             const pugi::xml_node node = hit.node();
             const QString id = text(node.attribute("Self").value());
             idByKindAndName.insert(text(node.name()) + u'\x1f' + text(node.attribute("Name").value()), id);
@@ -216,8 +216,7 @@ public:
             // BasedOn of type string names the parent ("$ID/[No paragraph style]").
             const pugi::xml_node basedOn = node.child("Properties").child("BasedOn");
             if (std::strcmp(basedOn.attribute("type").value(), "string") == 0) {
-                const QString parent =
-                    idByKindAndName.value(text(node.name()) + u'\x1f' + text(basedOn.text().get()));
+                const QString parent = idByKindAndName.value(text(node.name()) + u'\x1f' + text(basedOn.text().get()));
                 if (!parent.isEmpty())
                     refs.append(parent);
             }
@@ -298,7 +297,8 @@ QString swatchName(const Swatch& swatch, const SwatchTable& table)
     if (swatch.kind == "Tint" && (name.isEmpty() || name == QLatin1String("$ID/"))) {
         const Swatch* base = table.find(text(swatch.node.attribute("BaseColor").value()));
         const QString baseName = base ? swatchName(*base, table) : QString();
-        return QStringLiteral("%1 %2%").arg(baseName, app::formatOneDecimal(swatch.node.attribute("TintValue").as_double()));
+        return QStringLiteral("%1 %2%").arg(baseName,
+                                            app::formatOneDecimal(swatch.node.attribute("TintValue").as_double()));
     }
     return withoutIdPrefix(name);
 }

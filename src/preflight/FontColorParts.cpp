@@ -15,12 +15,17 @@ QString withoutIdPrefix(QString name)
     return name;
 }
 
+namespace {
+
+// The element's name without its namespace prefix ("idPkg:Story" gives "Story").
 std::string_view localName(const pugi::xml_node& node)
 {
     const std::string_view name = node.name();
     const auto colon = name.find(':');
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
+
+} // namespace
 
 app::Result<IdmlParts> readIdmlParts(const QString& folder)
 {
@@ -42,9 +47,9 @@ app::Result<IdmlParts> readIdmlParts(const QString& folder)
             continue;
         const QString path = QDir::cleanPath(prefix + QString::fromUtf8(src.value()));
         if (!path.startsWith(prefix))
-            return app::makeError(QStringLiteral("the package names a part outside its folder: %1")
-                                      .arg(QString::fromUtf8(src.value())),
-                                  mapPath);
+            return app::makeError(
+                QStringLiteral("the package names a part outside its folder: %1").arg(QString::fromUtf8(src.value())),
+                mapPath);
         const std::string_view kind = localName(child);
         if (kind == "Story")
             parts.stories.append(path);

@@ -32,7 +32,4 @@ app::Result<IdmlParts> readIdmlParts(const QString& folder);
 // A name without the "$ID/" prefix IDML gives InDesign's own names ("$ID/Regular" gives "Regular").
 QString withoutIdPrefix(QString name);
 
-// The part's local element name without its namespace prefix ("idPkg:Story" gives "Story").
-std::string_view localName(const pugi::xml_node& node);
-
 } // namespace quillon::preflight

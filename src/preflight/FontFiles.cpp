@@ -44,8 +44,7 @@ QString utf8(const char* text)
     return text ? QString::fromUtf8(text) : QString();
 }
 
-template <typename T, void (*Destroy)(T*)>
-struct FcDeleter {
+template <typename T, void (*Destroy)(T*)> struct FcDeleter {
     void operator()(T* p) const
     {
         if (p)
@@ -172,8 +171,9 @@ void FontFileFinder::scanDocumentFonts()
             FacePtr face = index == 0 ? std::move(first) : openFace(m_library, path, index);
             if (!face)
                 continue;
-            m_documentFaces.append(Face{FontFile{path, static_cast<int>(index)}, utf8(FT_Get_Postscript_Name(face.get())),
-                                        utf8(face->family_name), utf8(face->style_name)});
+            m_documentFaces.append(Face{FontFile{path, static_cast<int>(index)},
+                                        utf8(FT_Get_Postscript_Name(face.get())), utf8(face->family_name),
+                                        utf8(face->style_name)});
         }
     }
 }
@@ -192,8 +192,7 @@ std::optional<FontFile> FontFileFinder::findInDocumentFonts(const QString& postS
     return std::nullopt;
 }
 
-std::optional<FontFile> FontFileFinder::find(const QString& postScriptName, const QString& family,
-                                             const QString& style)
+std::optional<FontFile> FontFileFinder::find(const QString& postScriptName, const QString& family, const QString& style)
 {
     if (postScriptName.isEmpty() && family.isEmpty())
         return std::nullopt;

@@ -55,7 +55,7 @@ private:
 
     void* installedFonts(); // the FcConfig, loaded on first use
 
-    void* m_library = nullptr; // FT_Library; kept opaque so the header needs no FreeType
+    void* m_library = nullptr;    // FT_Library; kept opaque so the header needs no FreeType
     void* m_fontconfig = nullptr; // FcConfig, loaded on the first look-up of an installed font
     bool m_fontconfigLoaded = false;
     QString m_documentFonts;

@@ -9,8 +9,10 @@ namespace quillon::preflight {
 void sortFontRecordsByName(QVariantList& records)
 {
     std::stable_sort(records.begin(), records.end(), [](const QVariant& a, const QVariant& b) {
-        return a.toMap().value(kFontNameKey).toString().compare(b.toMap().value(kFontNameKey).toString(),
-                                                                 Qt::CaseInsensitive) < 0;
+        return a.toMap()
+                   .value(kFontNameKey)
+                   .toString()
+                   .compare(b.toMap().value(kFontNameKey).toString(), Qt::CaseInsensitive) < 0;
     });
 }
 

@@ -188,12 +188,9 @@ QVariantMap fontRecord(const UsedFont& font, pugi::xml_node face, FontFileFinder
         path = kFontAdobeFontsPath;
 
     return {
-        {kFontNameKey, name},
-        {kFontTypeKey, type},
-        {kFontStatusKey, status},
-        {kFontPsFontKey, postScriptName},
-        {kFontPathKey, path},
-        {kFontEmbedKey, file ? finder.pdfEmbedding(*file) : kFontEmbedUnknown},
+        {kFontNameKey, name},     {kFontTypeKey, type},
+        {kFontStatusKey, status}, {kFontPsFontKey, postScriptName},
+        {kFontPathKey, path},     {kFontEmbedKey, file ? finder.pdfEmbedding(*file) : kFontEmbedUnknown},
     };
 }
 

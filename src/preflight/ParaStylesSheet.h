@@ -55,7 +55,8 @@ public:
     QString runValue(pugi::xml_node paragraphRange, pugi::xml_node characterRange, const char* property) const;
 
     // The same without the ranges' own overrides: what the applied styles alone give.
-    QString styledRunValue(const QString& paragraphStyleId, const QString& characterStyleId, const char* property) const;
+    QString styledRunValue(const QString& paragraphStyleId, const QString& characterStyleId,
+                           const char* property) const;
 
     // The value set on one element itself, attribute first; empty when it sets none.
     static QString localValue(pugi::xml_node node, const char* property);

@@ -12,10 +12,9 @@ namespace {
 constexpr int kMaxDepth = 256;
 
 // Page items anchored in text: one character of their paragraph; their own content lies elsewhere.
-constexpr std::array kAnchoredItems{"Rectangle", "Oval",   "Polygon",         "GraphicLine", "TextFrame",
-                                    "Group",     "Button", "MultiStateObject", "EPSText",     "FormField",
-                                    "CheckBox",  "ComboBox", "ListBox",       "RadioButton", "TextBox",
-                                    "SignatureField"};
+constexpr std::array kAnchoredItems{
+    "Rectangle", "Oval",      "Polygon",  "GraphicLine", "TextFrame", "Group",       "Button",  "MultiStateObject",
+    "EPSText",   "FormField", "CheckBox", "ComboBox",    "ListBox",   "RadioButton", "TextBox", "SignatureField"};
 
 bool isAnchoredItem(std::string_view name)
 {
@@ -124,8 +123,7 @@ app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const 
 {
     Walker walker(visitor);
     if (!walker.walkFlow(root, 0))
-        return app::makeError(QStringLiteral("the text is nested more than %1 levels deep").arg(kMaxDepth),
-                              sourceName);
+        return app::makeError(QStringLiteral("the text is nested more than %1 levels deep").arg(kMaxDepth), sourceName);
     return {};
 }
 

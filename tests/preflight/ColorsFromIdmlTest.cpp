@@ -91,7 +91,8 @@ QString buildFragment(test::FontColorFragment& doc)
     return doc.graphic(kGraphic)
         .styles(kStyles)
         .story(kStory)
-        .spread(R"(<Rectangle Self="r1" FillColor="Color/Frame Red" StrokeColor="Swatch/None" AppliedObjectStyle="ObjectStyle/Green" />)")
+        .spread(
+            R"(<Rectangle Self="r1" FillColor="Color/Frame Red" StrokeColor="Swatch/None" AppliedObjectStyle="ObjectStyle/Green" />)")
         .designMapExtra(kColorGroups)
         .write();
 }
@@ -127,9 +128,9 @@ TEST(ColorsFromIdml, ListsThePanelsSwatchesInOrderWithTheirUse)
         used.append(value.toMap().value(kColorUsedKey).toString());
     }
     // The colour groups' order first, then the file's; hidden and unnamed colours are not swatches.
-    EXPECT_EQ(order, (QStringList{"None", "Registration", "Paper", "Black", "Registration 2", "Frame Red", "Style Green",
-                                  "Unapplied Blue", "Para Teal", "PANTONE 130 U", "Stop A", "Ink B", "Lonely",
-                                  "PANTONE 130 U 40%", "Registration 50%", "Sky", "Mix"}));
+    EXPECT_EQ(order, (QStringList{"None", "Registration", "Paper", "Black", "Registration 2", "Frame Red",
+                                  "Style Green", "Unapplied Blue", "Para Teal", "PANTONE 130 U", "Stop A", "Ink B",
+                                  "Lonely", "PANTONE 130 U 40%", "Registration 50%", "Sky", "Mix"}));
     const QString y = QStringLiteral("\u221A");
     const QString n = QStringLiteral("-");
     EXPECT_EQ(used, (QStringList{y, y, y, y, y, y, y, n, y, y, y, y, n, y, y, n, n}));

@@ -8,7 +8,8 @@
 namespace quillon::test {
 
 namespace {
-const QByteArray kNamespace = "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"20.0\"";
+const QByteArray kNamespace =
+    "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"20.0\"";
 } // namespace
 
 FontColorFragment::FontColorFragment()

@@ -106,11 +106,13 @@ TEST(FontColorInspection, HostileNestingIsRefusedNotFollowed)
     QByteArray deep;
     for (int i = 0; i < 5000; ++i)
         deep += "<XMLElement Self=\"x\">";
-    deep += "<ParagraphStyleRange><CharacterStyleRange FillColor=\"Color/Black\"><Content>x</Content></CharacterStyleRange></ParagraphStyleRange>";
+    deep += "<ParagraphStyleRange><CharacterStyleRange "
+            "FillColor=\"Color/Black\"><Content>x</Content></CharacterStyleRange></ParagraphStyleRange>";
     for (int i = 0; i < 5000; ++i)
         deep += "</XMLElement>";
     test::FontColorFragment doc;
-    doc.graphic(R"(<Color Self="Color/Registration" Model="Registration" Space="CMYK" ColorValue="100 100 100 100" ColorOverride="Specialregistration" Name="Registration" />)")
+    doc.graphic(
+           R"(<Color Self="Color/Registration" Model="Registration" Space="CMYK" ColorValue="100 100 100 100" ColorOverride="Specialregistration" Name="Registration" />)")
         .story(deep);
     const QString package = doc.write();
     QTemporaryDir data;
@@ -131,8 +133,10 @@ TEST(FontColorInspection, TruncatedPartsGiveAnErrorOrAResultNeverACrash)
     QTemporaryDir data;
     const QString doc = QDir(package).filePath(QStringLiteral("../Doc.indd"));
     enum Reader { Fonts = 1, Colors = 2, Styles = 4, All = 7 };
-    const std::pair<const char*, int> parts[] = {{"Resources/Styles.xml", All}, {"Resources/Graphic.xml", Colors},
-                                                 {"Resources/Fonts.xml", Fonts}, {"Stories/Story_ud5.xml", All},
+    const std::pair<const char*, int> parts[] = {{"Resources/Styles.xml", All},
+                                                 {"Resources/Graphic.xml", Colors},
+                                                 {"Resources/Fonts.xml", Fonts},
+                                                 {"Stories/Story_ud5.xml", All},
                                                  {"designmap.xml", All}};
     for (const auto& [part, readers] : parts) {
         const QString path = QDir(package).filePath(QLatin1String(part));

@@ -48,7 +48,8 @@ const QString kDocPath = QStringLiteral("/Jobs/Spring \"Issue\".indd");
 
 ScriptedDocument document(RecordingRunner& recorder)
 {
-    return {recorder.runner(), QStringLiteral("Adobe InDesign 2024"), QStringLiteral("Spring \"Issue\".indd"), kDocPath};
+    return {recorder.runner(), QStringLiteral("Adobe InDesign 2024"), QStringLiteral("Spring \"Issue\".indd"),
+            kDocPath};
 }
 
 QVariantMap dataEntry(const QString& folder, const QString& fileName)
@@ -139,10 +140,11 @@ TEST(FontColorScripts, SwatchesUnusedNamesAndRegistrationInText)
 TEST(FontColorScripts, ParagraphStylesReport)
 {
     RecordingRunner recorder;
-    recorder.answers.append(sections({answer({{"11", "[No Paragraph Style]", "", "Minion Pro", "Regular", "12", "auto", "120"},
-                                              {"12", "[Basic Paragraph]", "[No Paragraph Style]", "Minion Pro", "Regular", "12", "auto", "120"},
-                                              {"13", "Head", "[Basic Paragraph]", "Myriad Pro", "Bold", "24,5", "28", "120"}}),
-                                      answer({{"13"}, {"13"}, {"12"}})}));
+    recorder.answers.append(sections(
+        {answer({{"11", "[No Paragraph Style]", "", "Minion Pro", "Regular", "12", "auto", "120"},
+                 {"12", "[Basic Paragraph]", "[No Paragraph Style]", "Minion Pro", "Regular", "12", "auto", "120"},
+                 {"13", "Head", "[Basic Paragraph]", "Myriad Pro", "Bold", "24,5", "28", "120"}}),
+         answer({{"13"}, {"13"}, {"12"}})}));
     const auto report = paraReportWithScripts(document(recorder));
     ASSERT_TRUE(report.ok());
     EXPECT_TRUE(recorder.scripts[0].contains(QStringLiteral("all paragraph styles")));

@@ -151,8 +151,8 @@ TEST(FontsFromIdml, StatusIsJudgedOnThisMachine)
   <CompositeFontEntry Self="e1" Name="$ID/Kanji" FontStyle="Book"><Properties><AppliedFont type="string">DejaVu Serif</AppliedFont></Properties></CompositeFontEntry>
   <CompositeFontEntry Self="e2" Name="$ID/Roman" FontStyle="Regular"><Properties><AppliedFont type="string">Minion Pro</AppliedFont></Properties></CompositeFontEntry>
 </CompositeFont>)")
-        .story("<ParagraphStyleRange>" + run("DejaVu Sans", "Book") + run("DejaVu Sans", "Bold") + run("Mix", "Regular") +
-               run("Cloud Sans", "Regular") + "</ParagraphStyleRange>");
+        .story("<ParagraphStyleRange>" + run("DejaVu Sans", "Book") + run("DejaVu Sans", "Bold") +
+               run("Mix", "Regular") + run("Cloud Sans", "Regular") + "</ParagraphStyleRange>");
     FontFileFinder finder(doc.documentPath());
     const auto fonts = fontRecordsFromIdml(doc.write(), finder);
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();

@@ -55,7 +55,8 @@ TEST(ParaStyles, ParagraphsEndAtReturnsWhereverTheRangesSplit)
     test::FontColorFragment doc;
     doc.styles(kStyles)
         // Three paragraphs in one range; the last has no return of its own.
-        .story(range("Body", "<Content>one</Content><Br /><Content>two</Content><Br /><Content>three</Content>").toUtf8())
+        .story(
+            range("Body", "<Content>one</Content><Br /><Content>two</Content><Br /><Content>three</Content>").toUtf8())
         // One paragraph split over ranges inside XML elements, then an empty last paragraph.
         .story(R"(<XMLElement Self="x1" MarkupTag="XMLTag/p">
   <ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/Heads%3aH1"><CharacterStyleRange><Content>A head </Content></CharacterStyleRange></ParagraphStyleRange>
@@ -122,8 +123,8 @@ TEST(ParaStyles, StylesAreDescribedThroughTheirBasedOnChain)
 TEST(ParaStyles, ReportListsUsedStylesWithCountsThenTheUnused)
 {
     const QList<ParaStyleUse> uses{
-        {QStringLiteral("[Basic Paragraph]"), QStringLiteral("[No Paragraph Style]"), QStringLiteral("Minion Pro Regular"),
-         QStringLiteral("12 pt"), QStringLiteral("Auto (14.4 pt)"), 0},
+        {QStringLiteral("[Basic Paragraph]"), QStringLiteral("[No Paragraph Style]"),
+         QStringLiteral("Minion Pro Regular"), QStringLiteral("12 pt"), QStringLiteral("Auto (14.4 pt)"), 0},
         {QStringLiteral("Body"), QStringLiteral("[Basic Paragraph]"), QStringLiteral("Minion Pro Regular"),
          QStringLiteral("9.5 pt"), QStringLiteral("11 pt"), 12},
         {QStringLiteral("Gone"), {}, {}, {}, {}, 1},
