@@ -57,6 +57,17 @@ app::Result<QVariantList> readStoredArray(const QString& path)
     return value->toList();
 }
 
+app::Status appendToStoredArray(const QString& path, const QVariantList& additions)
+{
+    auto stored = readStoredArray(path);
+    if (!stored)
+        return stored.error();
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder))
+        return app::makeError(QStringLiteral("the application-support folder cannot be made"), folder);
+    return app::writePropertyListFile(*stored + additions, path);
+}
+
 } // namespace
 
 app::Status writeFontDataFile(const QString& dataFolder, const QString& documentPath, const QVariantList& fonts)
@@ -77,22 +88,13 @@ app::Status storeDataForFonts(const QVariantList& fonts, const QVariantList& col
 {
     app::logEntry("storeDataForFonts");
     const std::array<const QVariantList*, 3> additions{&fonts, &colors, &links};
-    const QString folder = app::applicationSupportFolder();
     std::optional<app::Error> firstError;
     for (std::size_t i = 0; i < kStoredDataFiles.size(); ++i) {
         if (additions[i]->isEmpty())
             continue;
-        const QString path = storedDataPath(kStoredDataFiles[i]);
-        auto stored = readStoredArray(path);
-        app::Status written = stored ? app::Status() : app::Status(stored.error());
-        if (stored) {
-            if (!QDir().mkpath(folder))
-                written = app::makeError(QStringLiteral("the application-support folder cannot be made"), folder);
-            else
-                written = app::writePropertyListFile(*stored + *additions[i], path);
-        }
-        if (!written && !firstError)
-            firstError = written.error();
+        const app::Status appended = appendToStoredArray(storedDataPath(kStoredDataFiles[i]), *additions[i]);
+        if (!appended && !firstError)
+            firstError = appended.error();
     }
     if (firstError)
         return *firstError;
