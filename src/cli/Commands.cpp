@@ -1,11 +1,12 @@
 #include "cli/Commands.h"
 
+#include "cli/PresetsCommand.h"
+
 namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
-    (void)program;
-    (void)commands;
+    addPresetsCommand(program, commands);
 }
 
 } // namespace quillon::cli
