@@ -7,6 +7,7 @@ namespace quillon::cli {
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
     addPresetsCommand(program, commands);
+    addInfoCommand(program, commands);
 }
 
 } // namespace quillon::cli
