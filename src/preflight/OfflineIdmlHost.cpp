@@ -3,6 +3,7 @@
 #include "app/AppPaths.h"
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "preflight/FontColorInspection.h"
 #include "preflight/IdmlPackage.h"
 #include "preflight/IdmlXml.h"
 
@@ -11,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include <cstring>
+#include <memory>
 
 namespace quillon::preflight {
 
@@ -29,6 +31,42 @@ bool isSameFile(const QString& a, const QString& b)
 {
     const QString canonicalA = QFileInfo(a).canonicalFilePath();
     return !canonicalA.isEmpty() && canonicalA == QFileInfo(b).canonicalFilePath();
+}
+
+// The IDML unpacked into a scratch folder of the work folder ("package" inside it), removed with
+// the returned object.
+Result<std::unique_ptr<QTemporaryDir>> unpackToScratch(const QString& idmlPath)
+{
+    auto scratch = std::make_unique<QTemporaryDir>(app::workFolder() + QStringLiteral("/inspect-XXXXXX"));
+    if (!scratch->isValid())
+        return makeError(QStringLiteral("no scratch folder can be made here"), app::workFolder());
+    Result<IdmlArchive> archive =
+        openIdmlPackage(idmlPath, scratch->filePath(QFileInfo(idmlPath).fileName() + QStringLiteral("_tmp.zip")));
+    if (!archive)
+        return archive.error();
+    if (Status extracted = archive->extractTo(scratch->filePath(QStringLiteral("package"))); !extracted)
+        return extracted.error();
+    return scratch;
+}
+
+// Runs an inspection on the unpacked export when there is one, else on a scratch unpacking.
+template <typename Inspect>
+auto inspectUnpacked(const QString& idmlPath, const QString& idmlFolder, Inspect inspect)
+    -> decltype(inspect(QString()))
+{
+    if (!idmlFolder.isEmpty())
+        return inspect(idmlFolder);
+    auto scratch = unpackToScratch(idmlPath);
+    if (!scratch)
+        return scratch.error();
+    return inspect((*scratch)->filePath(QStringLiteral("package")));
+}
+
+Status checkRecord(const QStringList& record)
+{
+    if (record.size() < kRecordItemCount)
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return {};
 }
 
 QString unavailable(const QString& what)
@@ -242,6 +280,36 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                                     "file the link analysis finds it in the stories.")
                          .arg(linkId),
                      docName);
+}
+
+Status OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked;
+    const QString path = record[kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, [&](const QString& folder) {
+        return processFontsFromIdml(folder, path, dataFolder);
+    });
+}
+
+Status OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
+                                      const QString& registrationInTextFlag)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked;
+    const QString path = record[kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, [&](const QString& folder) {
+        return processColorsFromIdml(folder, path, dataFolder, registrationInTextFlag);
+    });
+}
+
+Result<QString> OfflineIdmlHost::paraReport(const QString& docName)
+{
+    // Asked for after the preflight, when its export is gone: the document is unpacked again.
+    Result<QString> path = documentPath(DocumentReference::named(docName));
+    if (!path)
+        return path.error();
+    return inspectUnpacked(*path, {}, [](const QString& folder) { return paraReportFromIdml(folder); });
 }
 
 } // namespace quillon::preflight
