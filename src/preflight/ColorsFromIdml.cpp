@@ -4,6 +4,7 @@
 #include "app/XmlFile.h"
 #include "preflight/ColorRecordKeys.h"
 #include "preflight/FontColorParts.h"
+#include "preflight/IdmlXml.h"
 #include "preflight/ParaStylesSheet.h"
 #include "preflight/ParaStylesStories.h"
 
@@ -32,9 +33,9 @@ struct Swatch {
 };
 
 constexpr std::array kSwatchKinds{"Color", "Tint", "Gradient", "MixedInk", "MixedInkGroup", "Swatch"};
-constexpr std::array kReferencePrefixes{"Color/",         "Tint/",       "Gradient/",       "MixedInk/",
-                                        "MixedInkGroup/", "Swatch/",     "ParagraphStyle/", "CharacterStyle/",
-                                        "ObjectStyle/",   "TableStyle/", "CellStyle/"};
+constexpr std::array<std::string_view, 11> kReferencePrefixes{
+    "Color/",          "Tint/",           "Gradient/",    "MixedInk/",   "MixedInkGroup/", "Swatch/",
+    "ParagraphStyle/", "CharacterStyle/", "ObjectStyle/", "TableStyle/", "CellStyle/"};
 
 template <std::size_t N> bool isOneOf(std::string_view name, const std::array<const char*, N>& names)
 {
@@ -44,10 +45,23 @@ template <std::size_t N> bool isOneOf(std::string_view name, const std::array<co
     return false;
 }
 
+// Most values are numbers, names and flags: their first letter turns them away cheaply.
 bool isReference(const char* value)
 {
-    for (const char* prefix : kReferencePrefixes)
-        if (std::strncmp(value, prefix, std::strlen(prefix)) == 0)
+    switch (value[0]) {
+    case 'C':
+    case 'T':
+    case 'G':
+    case 'M':
+    case 'S':
+    case 'P':
+    case 'O':
+        break;
+    default:
+        return false;
+    }
+    for (const std::string_view prefix : kReferencePrefixes)
+        if (std::strncmp(value, prefix.data(), prefix.size()) == 0)
             return true;
     return false;
 }
@@ -57,9 +71,9 @@ QString text(const char* utf8)
     return QString::fromUtf8(utf8);
 }
 
-bool insideProperties(pugi::xml_node node, pugi::xml_node root)
+bool insideProperties(pugi::xml_node element, pugi::xml_node root)
 {
-    for (pugi::xml_node n = node.parent(); n && n != root; n = n.parent())
+    for (pugi::xml_node n = element.parent(); n && n != root; n = n.parent())
         if (std::strcmp(n.name(), "Properties") == 0)
             return true;
     return false;
@@ -67,32 +81,18 @@ bool insideProperties(pugi::xml_node node, pugi::xml_node root)
 
 // The references an element and everything inside it make: attribute values, and texts of
 // <Properties> entries (where object-typed values live). Text content is never a reference.
-// Iterative, so hostile nesting cannot exhaust the stack.
 void collectReferences(pugi::xml_node root, QStringList& out)
 {
-    auto visit = [&](pugi::xml_node node) {
-        if (node.type() == pugi::node_element) {
-            for (const pugi::xml_attribute attr : node.attributes())
-                if (std::strcmp(attr.name(), "Self") != 0 && isReference(attr.value()))
-                    out.append(text(attr.value()));
-        } else if (node.type() == pugi::node_pcdata && isReference(node.value()) && insideProperties(node, root)) {
-            out.append(text(node.value()));
-        }
+    auto visit = [&](pugi::xml_node element) {
+        for (const pugi::xml_attribute attr : element.attributes())
+            if (isReference(attr.value()) && std::strcmp(attr.name(), "Self") != 0)
+                out.append(text(attr.value()));
+        const pugi::xml_node value = element.first_child();
+        if (value.type() == pugi::node_pcdata && isReference(value.value()) && insideProperties(element, root))
+            out.append(text(value.value()));
     };
     visit(root);
-    pugi::xml_node node = root.first_child();
-    while (node) {
-        visit(node);
-        if (node.first_child()) {
-            node = node.first_child();
-            continue;
-        }
-        while (node && node != root && !node.next_sibling())
-            node = node.parent();
-        if (!node || node == root)
-            break;
-        node = node.next_sibling();
-    }
+    forEachElement(root, visit);
 }
 
 // The swatches a graphic swatch is made of. List attributes ("MixedInkSpotColorList") hold
