@@ -12,6 +12,11 @@ struct IdmlShape {
     int paragraphsPerStory = 90;
     int masterSpreads = 2;
     unsigned seed = 1; // the same shape and seed give the same bytes
+    // A style sheet, font list and swatch list, and text and frames that use them; 0 leaves the
+    // part out (the text then has the one paragraph style "Body" and the frames no colour).
+    int paragraphStyles = 0;
+    int characterStyles = 0;
+    int swatches = 0;
 };
 
 // What was written.

@@ -200,4 +200,38 @@ Result<QString> AppleScriptHost::pageNameForLinkID(const QString& docName, const
     return scriptResultString(outcome);
 }
 
+ScriptedDocument AppleScriptHost::scriptedDocument(const QString& documentName, const QString& documentPath)
+{
+    ScriptTextRunner runText = [this, documentName](const QString& source) -> Result<QString> {
+        const QVariantMap outcome = run(source);
+        if (!scriptSucceeded(outcome))
+            return scriptError(outcome, documentName);
+        return scriptResultString(outcome);
+    };
+    return {std::move(runText), m_applicationName, documentName, documentPath};
+}
+
+Status AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder)
+{
+    (void)idmlFolder; // InDesign answers for the open document itself
+    if (record.size() < kRecordItemCount)
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return processFontsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder);
+}
+
+Status AppleScriptHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
+                                      const QString& registrationInTextFlag)
+{
+    (void)idmlFolder;
+    if (record.size() < kRecordItemCount)
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return processColorsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder,
+                                    registrationInTextFlag);
+}
+
+Result<QString> AppleScriptHost::paraReport(const QString& docName)
+{
+    return paraReportWithScripts(scriptedDocument(docName, {}));
+}
+
 } // namespace quillon::preflight

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "preflight/FontColorInspection.h"
 #include "preflight/InDesignHost.h"
 
 #include <QVariantMap>
@@ -36,10 +37,17 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
+    app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder) override;
+    app::Status processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
+                              const QString& registrationInTextFlag) override;
+    app::Result<QString> paraReport(const QString& docName) override;
 
 private:
     QVariantMap run(const QString& source);
     app::Status runForStatus(const QString& source, const QString& about = {});
+    // What the font and colour inspection scripts need: a runner answering with the script's
+    // text (or InDesign's message) and the document they ask about.
+    ScriptedDocument scriptedDocument(const QString& documentName, const QString& documentPath);
 
     ScriptRunner& m_scripts;
     QString m_applicationName;

@@ -477,7 +477,7 @@ app::Result<QString> QNControlCenter::createTextReport(const QString& targetFold
 QString QNControlCenter::createParaStylesReport()
 {
     app::logEntry("createParaStylesReport");
-    const app::Result<QString> report = m_host.paraReport(m_currDocName, m_currDocPath);
+    const app::Result<QString> report = m_host.paraReport(m_currDocName);
     if (!report) {
         app::logFailure(QStringLiteral("make the paragraph-styles report: %1").arg(report.error().text()));
         return {};

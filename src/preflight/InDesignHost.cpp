@@ -11,32 +11,6 @@ QString DocumentReference::scriptText() const
     return QStringLiteral("document \"%1\"").arg(app::stringByEscapingCharacters(m_name, {QStringLiteral("\"")}));
 }
 
-app::Status InDesignHost::processFonts(const QStringList& record, const QString& idmlFolder,
-                                       const QString& dataFolder)
-{
-    (void)idmlFolder;
-    (void)dataFolder;
-    return app::makeError(QStringLiteral("The font inspection is not available with %1.").arg(applicationName()),
-                          record.value(kRecordPosixPath));
-}
-
-app::Status InDesignHost::processColors(const QStringList& record, const QString& idmlFolder,
-                                        const QString& dataFolder, const QString& registrationInTextFlag)
-{
-    (void)idmlFolder;
-    (void)dataFolder;
-    (void)registrationInTextFlag;
-    return app::makeError(QStringLiteral("The colour inspection is not available with %1.").arg(applicationName()),
-                          record.value(kRecordPosixPath));
-}
-
-app::Result<QString> InDesignHost::paraReport(const QString& docName, const QString& docPath)
-{
-    (void)docName;
-    return app::makeError(
-        QStringLiteral("The paragraph-styles report is not available with %1.").arg(applicationName()), docPath);
-}
-
 app::Status InDesignHost::showLinkID(const QString& linkId, const QString& docName)
 {
     return app::makeError(QStringLiteral("Selecting link %1 is not available with %2.").arg(linkId, applicationName()),

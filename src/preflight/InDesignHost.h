@@ -79,15 +79,17 @@ public:
     // document `docName`.
     virtual app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) = 0;
 
-    // The font and the colour inspection of the document whose six-string record is `record`: each
-    // leaves its data file in `dataFolder`. `idmlFolder` is the document's unpacked IDML, for hosts
-    // that read it rather than ask InDesign.
-    virtual app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder);
-    // `registrationInTextFlag` "1" asks for text set in the Registration swatch to be counted.
-    virtual app::Status processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
-                                      const QString& registrationInTextFlag);
-    // The paragraph-styles report of the document `docName` at `docPath`.
-    virtual app::Result<QString> paraReport(const QString& docName, const QString& docPath);
+    // The font and colour inspections of a preflighted document: they write
+    // "qnf_tmpFontData.plist" and "qnf_tmpColorData.plist" into `dataFolder` for the document of
+    // `record` (the six-string record). `idmlFolder` is the preflight's unpacked IDML export: a
+    // host that reads the IDML uses it, or unpacks the document itself when it is empty.
+    // `registrationInTextFlag` "1" asks for Registration applied to text to be counted.
+    virtual app::Status processFonts(const QStringList& record, const QString& idmlFolder,
+                                     const QString& dataFolder) = 0;
+    virtual app::Status processColors(const QStringList& record, const QString& idmlFolder,
+                                      const QString& dataFolder, const QString& registrationInTextFlag) = 0;
+    // The paragraph-styles report of the open document `docName`.
+    virtual app::Result<QString> paraReport(const QString& docName) = 0;
 
     // Link actions and relinking; hosts that can do them override these.
     virtual app::Status showLinkID(const QString& linkId, const QString& docName);

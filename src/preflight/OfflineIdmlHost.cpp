@@ -3,6 +3,7 @@
 #include "app/AppPaths.h"
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "preflight/FontColorInspection.h"
 #include "preflight/IdmlPackage.h"
 #include "preflight/IdmlXml.h"
 
@@ -11,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include <cstring>
+#include <memory>
 
 namespace quillon::preflight {
 
@@ -31,6 +33,48 @@ bool isSameFile(const QString& a, const QString& b)
     return !canonicalA.isEmpty() && canonicalA == QFileInfo(b).canonicalFilePath();
 }
 
+// The work folder given to a host, or the system's.
+QString workFolderOr(const QString& workFolder)
+{
+    return workFolder.isEmpty() ? app::workFolder() : workFolder;
+}
+
+// The IDML unpacked into a scratch folder of the work folder ("package" inside it), removed with
+// the returned object.
+Result<std::unique_ptr<QTemporaryDir>> unpackToScratch(const QString& idmlPath, const QString& workFolder)
+{
+    auto scratch = std::make_unique<QTemporaryDir>(workFolderOr(workFolder) + QStringLiteral("/inspect-XXXXXX"));
+    if (!scratch->isValid())
+        return makeError(QStringLiteral("no scratch folder can be made here"), workFolderOr(workFolder));
+    Result<IdmlArchive> archive =
+        openIdmlPackage(idmlPath, scratch->filePath(QFileInfo(idmlPath).fileName() + QStringLiteral("_tmp.zip")));
+    if (!archive)
+        return archive.error();
+    if (Status extracted = archive->extractTo(scratch->filePath(QStringLiteral("package"))); !extracted)
+        return extracted.error();
+    return scratch;
+}
+
+// Runs an inspection on the unpacked export when there is one, else on a scratch unpacking.
+template <typename Inspect>
+auto inspectUnpacked(const QString& idmlPath, const QString& idmlFolder, const QString& workFolder, Inspect inspect)
+    -> decltype(inspect(QString()))
+{
+    if (!idmlFolder.isEmpty())
+        return inspect(idmlFolder);
+    auto scratch = unpackToScratch(idmlPath, workFolder);
+    if (!scratch)
+        return scratch.error();
+    return inspect((*scratch)->filePath(QStringLiteral("package")));
+}
+
+Status checkRecord(const QStringList& record)
+{
+    if (record.size() < kRecordItemCount)
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return {};
+}
+
 QString unavailable(const QString& what)
 {
     return QStringLiteral("%1 needs InDesign, and this document is an IDML file read without it. %2")
@@ -42,7 +86,7 @@ QString unavailable(const QString& what)
 Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
-    QTemporaryDir scratch((workFolder.isEmpty() ? app::workFolder() : workFolder) + QStringLiteral("/record-XXXXXX"));
+    QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
     Result<IdmlArchive> archive =
         openIdmlPackage(path, scratch.filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip")));
     if (!archive)
@@ -242,6 +286,36 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                                     "file the link analysis finds it in the stories.")
                          .arg(linkId),
                      docName);
+}
+
+Status OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked;
+    const QString path = record[kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
+        return processFontsFromIdml(folder, path, dataFolder);
+    });
+}
+
+Status OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
+                                      const QString& registrationInTextFlag)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked;
+    const QString path = record[kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
+        return processColorsFromIdml(folder, path, dataFolder, registrationInTextFlag);
+    });
+}
+
+Result<QString> OfflineIdmlHost::paraReport(const QString& docName)
+{
+    // Asked for after the preflight, when its export is gone: the document is unpacked again.
+    Result<QString> path = documentPath(DocumentReference::named(docName));
+    if (!path)
+        return path.error();
+    return inspectUnpacked(*path, {}, m_workFolder, [](const QString& folder) { return paraReportFromIdml(folder); });
 }
 
 } // namespace quillon::preflight

@@ -114,7 +114,7 @@ public:
         inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
-    app::Result<QString> paraReport(const QString& docName, const QString&) override
+    app::Result<QString> paraReport(const QString& docName) override
     {
         return QStringLiteral("styles of ") + docName;
     }
