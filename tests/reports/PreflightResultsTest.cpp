@@ -1,0 +1,194 @@
+#include "reports/PreflightResults.h"
+
+#include "app/PropertyList.h"
+#include "app/RecordKeys.h"
+#include "app/Settings.h"
+#include "results/PresetKeys.h"
+#include "results/ResultKeys.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+using namespace quillon::reports;
+
+namespace {
+
+const QString kDocPath = QStringLiteral("/Jobs/Brochure.idml");
+
+QVariantMap dataFile(const QVariantList& records)
+{
+    return {{kDocPath, QVariantMap{{app::kGroupNameKey, QStringLiteral("Brochure.idml")},
+                                   {app::kGroupIsDockKey, true},
+                                   {app::kGroupChildrenKey, records}}}};
+}
+
+QVariantMap missingRule()
+{
+    return {{QStringLiteral("attribute"), QStringLiteral("Status")},
+            {QStringLiteral("attributeKey"), QStringLiteral("status")},
+            {QStringLiteral("condition"), QStringLiteral("is")},
+            {QStringLiteral("value"), QStringLiteral("Missing")}};
+}
+
+// A preset with a "Status is Missing" rule for fonts and links and the RGB colour check.
+QVariantMap strictPreset()
+{
+    return {{results::kPresetNameKey, QStringLiteral("Strict")},
+            {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+            {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+            {results::kPresetColorsKey, QVariantMap{{QStringLiteral("RGB"), 1}, {QStringLiteral("regAppliedToText"), 1}}}};
+}
+
+class PreflightResultsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_dir.isValid());
+        const QDir dir(m_dir.path());
+        ASSERT_TRUE(app::writePropertyListFile(
+            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Lost.tif")},
+                                  {QStringLiteral("path"), QStringLiteral("/Jobs/Links/Lost.tif")},
+                                  {QStringLiteral("status"), QStringLiteral("Missing")},
+                                  {QStringLiteral("sizebytes"), 0}}}),
+            dir.filePath(app::kLinkDataFileName)));
+        ASSERT_TRUE(app::writePropertyListFile(
+            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Minion Pro Regular")},
+                                  {QStringLiteral("type"), QStringLiteral("OpenType CFF")},
+                                  {QStringLiteral("status"), QStringLiteral("missing")}}}),
+            dir.filePath(app::kFontDataFileName)));
+        ASSERT_TRUE(app::writePropertyListFile(
+            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Web Blue")},
+                                  {QStringLiteral("spot"), QStringLiteral("process")},
+                                  {QStringLiteral("space"), QStringLiteral("RGB")},
+                                  {QStringLiteral("colValuesList"), QVariantList{0, 102, 204}},
+                                  {QStringLiteral("used"), QStringLiteral("√")}}}),
+            dir.filePath(app::kColorDataFileName)));
+    }
+
+    QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.ini")); }
+
+    preflight::QNDocInfo docInfo() const
+    {
+        return preflight::QNDocInfo::docInfoWithRecord(
+            {QString(), kDocPath, QStringLiteral("Brochure.idml"), QStringLiteral("4"), QStringLiteral("0"),
+             QStringLiteral("20.0")});
+    }
+
+    QTemporaryDir m_dir;
+};
+
+} // namespace
+
+TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
+{
+    int presetReads = 0;
+    PreflightResults results([&presetReads] {
+        ++presetReads;
+        return std::optional<QVariantMap>(strictPreset());
+    });
+    EXPECT_EQ(results.registrationInTextFlag(), QStringLiteral("1"));
+
+    results.setItems(m_dir.path());
+    EXPECT_EQ(presetReads, 2); // once for the flag, once for the three lists
+    ASSERT_EQ(results.linkItems().size(), 1);
+    ASSERT_EQ(results.fontItems().size(), 1);
+    ASSERT_EQ(results.colorItems().size(), 1);
+    EXPECT_EQ(results.colorItems().front().toMap().value(QStringLiteral("value")).toString(), QStringLiteral("0  102  204"));
+
+    preflight::QNDocInfo info = docInfo();
+    results.populateSummaryAndDocInfo(info);
+    EXPECT_EQ(results.status().total, 3);
+    EXPECT_EQ(results.status().text, QStringLiteral("3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"));
+    EXPECT_TRUE(info.hasPreflightErrors());
+    const QVariantMap summary = results.summary().toVariantMap();
+    EXPECT_EQ(summary.value(QStringLiteral("Links")).toMap().value(QStringLiteral("Missing")).toString(),
+              QStringLiteral("1"));
+    EXPECT_EQ(summary.value(QStringLiteral("Document")).toMap().value(QStringLiteral("Pages")).toString(),
+              QStringLiteral("4"));
+
+    // Without a preset nothing is judged.
+    PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
+    EXPECT_EQ(unjudged.registrationInTextFlag(), QStringLiteral("0"));
+    unjudged.setItems(m_dir.path());
+    unjudged.populateSummaryAndDocInfo(info);
+    EXPECT_EQ(unjudged.status().total, 0);
+    EXPECT_FALSE(info.hasPreflightErrors());
+
+    // Clearing empties the lists and the summary.
+    results.clearAllResults();
+    EXPECT_TRUE(results.linkItems().isEmpty() && results.fontItems().isEmpty() && results.colorItems().isEmpty());
+    EXPECT_EQ(results.summary().toVariantMap().value(QStringLiteral("Links")).toMap().value(QStringLiteral("Missing")),
+              QString());
+}
+
+TEST_F(PreflightResultsTest, ChangingThePresetWithEmptyListsOnlyStoresIt)
+{
+    int presetReads = 0;
+    PreflightResults results([&presetReads] {
+        ++presetReads;
+        return std::optional<QVariantMap>(strictPreset());
+    });
+    results.setSettingsFile(settingsFile());
+    results.presetsPopup(QStringLiteral("Print"));
+    EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(), QStringLiteral("Print"));
+    EXPECT_EQ(presetReads, 0);
+    EXPECT_TRUE(results.linkItems().isEmpty());
+}
+
+TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
+{
+    QVariantMap current = strictPreset();
+    PreflightResults results([&current] { return std::optional<QVariantMap>(current); });
+    results.setSettingsFile(settingsFile());
+    results.setItems(m_dir.path());
+    EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
+
+    current = QVariantMap{{results::kPresetNameKey, QStringLiteral("Lenient")}};
+    results.presetsPopup(QStringLiteral("Lenient"));
+    EXPECT_FALSE(results::hasAlerts(results.linkItems().front().toMap()));
+    EXPECT_FALSE(results::hasAlerts(results.fontItems().front().toMap()));
+    EXPECT_FALSE(results::hasAlerts(results.colorItems().front().toMap()));
+}
+
+TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
+{
+    PreflightResults results(PreflightResults::fixedPreset(strictPreset()));
+    const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
+    results.setClock([when] { return when; });
+    results.setItems(m_dir.path());
+    const preflight::QNDocInfo info = docInfo();
+
+    EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
+    const QString out = m_dir.filePath(QStringLiteral("out"));
+    QDir().mkpath(out);
+    app::Result<QString> regular = results.createTextReport(out, QString(), info);
+    ASSERT_TRUE(regular) << regular.error().text().toStdString();
+    EXPECT_EQ(*regular, out + QStringLiteral("/Brochure.idml_Quillon_Report.txt"));
+    EXPECT_EQ(QString::fromUtf8(test::readAll(*regular)), results.textReport(TextReportType::Regular, QString(), info));
+    EXPECT_TRUE(QString::fromUtf8(test::readAll(*regular)).contains(QLatin1String("\nStatus: Missing\n")));
+
+    results.setTextReportType(TextReportType::TabDelimited);
+    app::Result<QString> tab = results.createTextReport(out, QStringLiteral("Body: 3 paragraphs"), info);
+    ASSERT_TRUE(tab);
+    const QString text = QString::fromUtf8(test::readAll(*tab));
+    EXPECT_EQ(text, results.textReport(TextReportType::TabDelimited, QStringLiteral("Body: 3 paragraphs"), info));
+    EXPECT_TRUE(text.contains(QLatin1String("\nName\tType\tStatus\tPS Name\tPDF Embedding\n")));
+    EXPECT_TRUE(text.endsWith(QLatin1String("PARAGRAPH STYLES\n\nBody: 3 paragraphs")));
+    EXPECT_TRUE(text.contains(QStringLiteral("Report date: %1\n").arg(QLocale().toString(when, QLocale::ShortFormat))));
+}
+
+TEST(TextReportType, TheSavePanelRemembersTheChosenLayout)
+{
+    QTemporaryDir dir;
+    app::Settings settings(dir.filePath(QStringLiteral("s.ini")));
+    EXPECT_EQ(textReportTypeTitles(), (QStringList{QStringLiteral("Regular"), QStringLiteral("Tab-delimited")}));
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Regular"));
+    rememberTextReportTypeTitle(settings, QStringLiteral("Tab-delimited"));
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Tab-delimited"));
+    EXPECT_EQ(textReportTypeForTitle(QStringLiteral("Tab-delimited")), TextReportType::TabDelimited);
+    EXPECT_EQ(textReportTypeForTitle(QStringLiteral("Regular (one per line)")), TextReportType::Regular);
+}
