@@ -4,8 +4,8 @@ namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
-    (void)program;
-    (void)commands;
+    addInspectCommand(program, commands);
+    addMetadataCommand(program, commands);
 }
 
 } // namespace quillon::cli
