@@ -192,8 +192,19 @@ QString textFromBytes(QByteArrayView bytes)
 
 QString valueTextFromBytes(QByteArrayView bytes)
 {
-    QString text = textFromBytes(bytes);
-    text.remove(QChar(u'\0'));
+    QString text;
+    text.reserve(bytes.size());
+    for (char byte : bytes) {
+        const auto c = static_cast<unsigned char>(byte);
+        if (c >= 0x20 || c == '\t' || c == '\n' || c == '\r')
+            text += QChar(c);
+    }
+    return text;
+}
+
+QString withoutControlCharacters(QString text)
+{
+    text.removeIf([](QChar c) { return c.unicode() < 0x20 && c != u'\t' && c != u'\n' && c != u'\r'; });
     return text;
 }
 

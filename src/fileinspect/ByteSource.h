@@ -73,9 +73,13 @@ QByteArrayView midView(QByteArrayView bytes, qint64 offset, qint64 length = -1);
 QString textFromBytes(QByteArrayView bytes);
 
 // A value the readers hand out (a profile name, an ink, a font or colour name): as above, but
-// without NUL characters, which are padding in these files and which neither a property list
-// nor a display can carry.
+// without NUL characters, which are padding in these files, nor the other control characters
+// (a Pascal length byte caught in a fixed field), which neither a property list nor a display
+// can carry. Tabs and line breaks stay: lists are separated by them.
 QString valueTextFromBytes(QByteArrayView bytes);
+
+// The same rule for a text already decoded.
+QString withoutControlCharacters(QString text);
 
 // A reader text as bytes again (characters above 255 become "?"): the inverse of textFromBytes.
 QByteArray bytesFromText(const QString& text);

@@ -2,9 +2,11 @@
 
 #include "app/TextValues.h"
 #include "fileinspect/ByteSource.h"
+#include "fileinspect/IccProfile.h"
 #include "fileinspect/ImageSource.h"
 #include "fileinspect/PdfPages.h"
 #include "fileinspect/QNPreflightMethods.h"
+#include "fileinspect/ReaderLimits.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -55,6 +57,8 @@ FileKind detectKind(const ByteSource& file)
         return FileKind::PNG;
     if (head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)))
         return FileKind::TIFF;
+    if (file.read(36, 4) == "acsp")
+        return FileKind::IccProfile;
     return byExtension;
 }
 
@@ -205,6 +209,8 @@ QString fileKindName(FileKind kind)
         return QStringLiteral("PNG");
     case FileKind::PDF:
         return QStringLiteral("PDF");
+    case FileKind::IccProfile:
+        return QStringLiteral("ICC profile");
     case FileKind::Unknown:
         break;
     }
@@ -244,6 +250,9 @@ FileFacts inspectFile(const QString& path, FileKind kind)
         break;
     case FileKind::PDF:
         inspectPdf(facts);
+        break;
+    case FileKind::IccProfile:
+        facts.profile = iccProfileDescription(file.read(0, kMaxProfileBytes));
         break;
     case FileKind::Unknown:
         break;

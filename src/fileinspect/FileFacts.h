@@ -10,9 +10,9 @@
 namespace quillon::fileinspect {
 
 // The kinds of linked file the readers know.
-enum class FileKind { Photoshop, EPS, Illustrator, TIFF, JPEG, PNG, PDF, Unknown };
+enum class FileKind { Photoshop, EPS, Illustrator, TIFF, JPEG, PNG, PDF, IccProfile, Unknown };
 
-// "Photoshop", "EPS", "Illustrator", "TIFF", "JPEG", "PNG", "PDF", "?".
+// "Photoshop", "EPS", "Illustrator", "TIFF", "JPEG", "PNG", "PDF", "ICC profile", "?".
 QString fileKindName(FileKind kind);
 
 // The kind by the file's first bytes, or by its extension when they say nothing (an

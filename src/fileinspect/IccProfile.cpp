@@ -1,5 +1,7 @@
 #include "fileinspect/IccProfile.h"
 
+#include "fileinspect/ByteSource.h"
+
 #include <lcms2.h>
 
 #include <memory>
@@ -22,9 +24,7 @@ QString iccProfileDescription(QByteArrayView profile)
     std::vector<wchar_t> text(bytes / sizeof(wchar_t) + 1, L'\0');
     cmsGetProfileInfo(handle.get(), cmsInfoDescription, "en", "US", text.data(),
                       static_cast<cmsUInt32Number>(text.size() * sizeof(wchar_t)));
-    QString description = QString::fromWCharArray(text.data());
-    description.remove(QChar(u'\0'));
-    return description;
+    return withoutControlCharacters(QString::fromWCharArray(text.data()));
 }
 
 } // namespace quillon::fileinspect

@@ -1,5 +1,7 @@
 #include "fileinspect/ImageMetadata.h"
 
+#include "fileinspect/ByteSource.h"
+
 #include <QFile>
 #include <QHash>
 #include <QVariantList>
@@ -65,10 +67,7 @@ void setUpLibraryOnce()
 QString text(const std::string& value)
 {
     QString result = QString::fromUtf8(value.data(), qsizetype(value.size()));
-    while (result.endsWith(QChar(u'\0')))
-        result.chop(1);
-    result.remove(QChar(u'\0'));
-    return result.trimmed();
+    return withoutControlCharacters(result).trimmed();
 }
 
 // A rational as the platform gives it, a double; a zero denominator cannot be one, so it stays

@@ -76,8 +76,7 @@ std::optional<QString> utf16Text(QByteArrayView bytes)
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
         return std::nullopt;
-    text.remove(QChar(u'\0'));
-    return text;
+    return withoutControlCharacters(text);
 }
 
 std::optional<QString> utf8Text(QByteArrayView bytes)
@@ -86,8 +85,7 @@ std::optional<QString> utf8Text(QByteArrayView bytes)
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
         return std::nullopt;
-    text.remove(QChar(u'\0'));
-    return text;
+    return withoutControlCharacters(text);
 }
 
 // An alpha-channel name: UTF-16, else 7-bit ASCII, else UTF-8, else "<unknown>".

@@ -156,7 +156,7 @@ QVariantList QNPreflightMethods::spotColorsOfVectorEPS(const QString& head) cons
     colors.remove(QLatin1String("%%+ ("));
     const qsizetype closing = colors.count(u')');
     colors.remove(u')');
-    colors.remove(QChar(u'\0'));
+    colors = withoutControlCharacters(colors);
     return {int(closing + 1), colors};
 }
 
@@ -189,7 +189,7 @@ QVariantList QNPreflightMethods::fontsOfVectorEPS(const QString& head, app::Foun
     QString fonts = head.mid(from, to - from);
     const qsizetype continuations = fonts.count(QLatin1String("%%+ "));
     fonts.remove(QLatin1String("%%+ "));
-    fonts.remove(QChar(u'\0'));
+    fonts = withoutControlCharacters(fonts);
     logLine(QStringLiteral("docFonts fontsOfVectorEPS %1").arg(fonts));
     return {int(continuations + 1), fonts};
 }
