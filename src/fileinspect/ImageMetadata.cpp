@@ -143,8 +143,19 @@ QVariant undefinedValue(const QString& key, const Exiv2::Value& value)
     return QStringLiteral("(%1 bytes)").arg(bytes.size());
 }
 
-QVariant variantOf(const QString& key, const Exiv2::Value& value)
+// A user comment: an 8-byte character-set name ("ASCII", "UNICODE", "JIS" or none), then the text.
+QVariant commentValue(const Exiv2::Value& value, Exiv2::ByteOrder byteOrder)
 {
+    const QByteArray bytes = rawBytes(value);
+    Exiv2::CommentValue comment;
+    comment.read(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()), byteOrder);
+    return text(comment.comment());
+}
+
+QVariant variantOf(const QString& key, const Exiv2::Value& value, Exiv2::ByteOrder byteOrder = Exiv2::littleEndian)
+{
+    if (key == u"UserComment" && value.typeId() == Exiv2::undefined)
+        return commentValue(value, byteOrder);
     switch (value.typeId()) {
     case Exiv2::asciiString:
     case Exiv2::string:
@@ -255,7 +266,7 @@ void addRepeatable(PropertyDictionary& dictionary, const QString& key, const QVa
     dictionary.insert(key, list);
 }
 
-void addExifDatum(ImageMetadata& metadata, const Exiv2::Exifdatum& datum)
+void addExifDatum(ImageMetadata& metadata, const Exiv2::Exifdatum& datum, Exiv2::ByteOrder byteOrder)
 {
     const QString group = QString::fromStdString(datum.groupName());
     QString name = QString::fromStdString(datum.tagName());
@@ -266,7 +277,7 @@ void addExifDatum(ImageMetadata& metadata, const Exiv2::Exifdatum& datum)
         name = exifNames().value(name, name);
         if (!metadata.exif)
             metadata.exif.emplace();
-        metadata.exif->insert(name, variantOf(name, value));
+        metadata.exif->insert(name, variantOf(name, value, byteOrder));
     } else if (group == u"Image") {
         if (isStructuralTiffTag(name))
             return;
@@ -314,7 +325,7 @@ app::Result<ImageMetadata> readWith(const QString& name, Open open)
         image->readMetadata();
         ImageMetadata metadata;
         for (const Exiv2::Exifdatum& datum : image->exifData())
-            addExifDatum(metadata, datum);
+            addExifDatum(metadata, datum, image->byteOrder());
         for (const Exiv2::Iptcdatum& datum : image->iptcData())
             addIptcDatum(metadata, datum);
         return metadata;
