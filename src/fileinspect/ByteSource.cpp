@@ -142,10 +142,8 @@ qint64 ByteSource::indexOf(QByteArrayView needle, qint64 from, qint64 to) const
         return -1;
 
     auto search = [&](const char* data, qint64 base, qint64 length) -> qint64 {
-        if (length < n)
-            return -1;
-        const void* hit = ::memmem(data, static_cast<size_t>(length), needle.data(), static_cast<size_t>(n));
-        return hit ? base + (static_cast<const char*>(hit) - data) : -1;
+        const qsizetype hit = findBytes(QByteArrayView(data, length), needle);
+        return hit < 0 ? -1 : base + hit;
     };
 
     if (!m_file)
@@ -160,21 +158,34 @@ qint64 ByteSource::indexOf(QByteArrayView needle, qint64 from, qint64 to) const
             return -1;
         p = std::max(from, end - (n - 1)); // a match may straddle the end of the head
     }
+    // One window per thread, kept between scans: a fresh one would cost its page faults each time.
+    static thread_local QByteArray buffer;
     const qint64 window = std::max(kWindowSize, 2 * n);
-    if (m_window.size() < window)
-        m_window.resize(window);
+    if (buffer.size() < window)
+        buffer.resize(window);
     while (p < to) {
         const qint64 end = std::min(to, p + window);
-        const qint64 got = readInto(m_window.data(), p, end - p);
+        const qint64 got = readInto(buffer.data(), p, end - p);
         if (got <= 0)
             return -1;
-        if (const qint64 hit = search(m_window.constData(), p, got); hit >= 0)
+        if (const qint64 hit = search(buffer.constData(), p, got); hit >= 0)
             return hit;
         if (p + got >= to || got < end - p)
             return -1;
         p += got - (n - 1);
     }
     return -1;
+}
+
+qsizetype findBytes(QByteArrayView haystack, QByteArrayView needle, qsizetype from)
+{
+    if (from < 0 || from > haystack.size() || needle.size() > haystack.size() - from)
+        return -1;
+    if (needle.isEmpty())
+        return from;
+    const void* hit = ::memmem(haystack.data() + from, static_cast<size_t>(haystack.size() - from), needle.data(),
+                               static_cast<size_t>(needle.size()));
+    return hit ? static_cast<const char*>(hit) - haystack.data() : -1;
 }
 
 QByteArrayView midView(QByteArrayView bytes, qint64 offset, qint64 length)

@@ -15,7 +15,7 @@ namespace quillon::fileinspect {
 // memory. The head of a file is kept after opening, because nearly every question is about it.
 //
 // A source that could not be opened reads as no bytes: size 0, empty reads, nothing found.
-// One source belongs to one thread at a time (it reuses a window buffer); open one per thread.
+// One source belongs to one thread at a time; open one per thread.
 class ByteSource {
 public:
     // Bytes kept from the start of a file on opening.
@@ -61,8 +61,10 @@ private:
     bool m_open = false;
     QString m_error;
     mutable bool m_readFailed = false;
-    mutable QByteArray m_window;
 };
+
+// Where `needle` first starts in `haystack` at or after `from`, or -1 (a fast byte search).
+qsizetype findBytes(QByteArrayView haystack, QByteArrayView needle, qsizetype from = 0);
 
 // The part of `bytes` from `offset`, at most `length` long (all the rest when negative); empty
 // outside it. QByteArray::mid for views.

@@ -7,6 +7,8 @@
 #include "app/TextValues.h"
 #include "fileinspect/ReaderLimits.h"
 
+#include <cstring>
+
 namespace quillon::fileinspect {
 
 using app::logLine;
@@ -261,22 +263,29 @@ QString QNPreflightMethods::colorModeOfAIFile(const ByteSource& file) const
     // Lines as a line reader with a 256-byte buffer gives them: up to and including a line feed,
     // at most 255 bytes; a longer line comes in pieces.
     static constexpr qint64 kLineLimit = 255;
+    static constexpr QByteArrayView kMarker = "%AI9_ColorModel";
     qint64 offset = 0;
     while (offset < file.size()) {
         const QByteArray window = file.read(offset, ByteSource::kWindowSize);
         if (window.isEmpty())
             break;
         const bool lastWindow = offset + window.size() >= file.size();
+        // The next marker in the window; a line holds it when it lies wholly inside the line.
+        qsizetype marker = findBytes(window, kMarker);
         qsizetype lineStart = 0;
         while (lineStart < window.size()) {
             const qsizetype limit = std::min<qsizetype>(window.size(), lineStart + kLineLimit);
-            const qsizetype feed = midView(window, lineStart, limit - lineStart).indexOf('\n');
-            const qsizetype lineEnd = feed >= 0 ? lineStart + feed + 1 : limit;
-            if (feed < 0 && lineEnd == window.size() && lineEnd - lineStart < kLineLimit && !lastWindow)
+            const void* feed = std::memchr(window.constData() + lineStart, '\n', size_t(limit - lineStart));
+            const qsizetype lineEnd = feed ? static_cast<const char*>(feed) - window.constData() + 1 : limit;
+            if (!feed && lineEnd == window.size() && lineEnd - lineStart < kLineLimit && !lastWindow)
                 break; // the line goes on in the next window
-            const QByteArrayView line = midView(window, lineStart, lineEnd - lineStart);
-            if (line.contains("%AI9_ColorModel")) {
-                const qsizetype model = line.indexOf("ColorModel:");
+            if (marker >= 0 && marker < lineStart)
+                marker = findBytes(window, kMarker, lineStart);
+            if (marker < 0 && lastWindow)
+                return kUnknown;
+            if (marker >= 0 && marker + kMarker.size() <= lineEnd) {
+                const QByteArrayView line = midView(window, lineStart, lineEnd - lineStart);
+                const qsizetype model = findBytes(line, "ColorModel:");
                 if (model < 0 || model + 12 >= line.size())
                     return kUnknown;
                 const char digit = line[model + 12];
