@@ -1,5 +1,7 @@
 #include "cli/Commands.h"
 
+#include "cli/InspectCommands.h"
+
 namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)

@@ -22,9 +22,4 @@ struct Command {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands);
 
-// `quillon inspect FILE...`: what the linked-file readers find in each file.
-void addInspectCommand(CLI::App& program, std::vector<Command>& commands);
-// `quillon metadata FILE`: the image-metadata rows of a file.
-void addMetadataCommand(CLI::App& program, std::vector<Command>& commands);
-
 } // namespace quillon::cli

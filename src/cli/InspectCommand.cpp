@@ -1,4 +1,4 @@
-#include "cli/Commands.h"
+#include "cli/InspectCommands.h"
 
 #include "fileinspect/FileFacts.h"
 
@@ -84,6 +84,12 @@ int runInspect(const InspectOptions& options)
 
 } // namespace
 
+void addFormatOption(CLI::App* command, std::string& format)
+{
+    command->add_option("--format", format, "Output: text (the default) or json")
+        ->check(CLI::IsMember({"text", "json"}));
+}
+
 void addInspectCommand(CLI::App& program, std::vector<Command>& commands)
 {
     auto options = std::make_shared<InspectOptions>();
@@ -91,8 +97,7 @@ void addInspectCommand(CLI::App& program, std::vector<Command>& commands)
         "inspect", "Show what the linked-file readers find in files: kind, colour mode, ICC profile, duotone inks, "
                    "spot colours and fonts, Illustrator colour model and version, TIFF compression, pixel size.");
     command->add_option("files", options->files, "Files to inspect")->required();
-    command->add_option("--format", options->format, "Output: text (the default) or json")
-        ->check(CLI::IsMember({"text", "json"}));
+    addFormatOption(command, options->format);
     commands.push_back({command, [options] { return runInspect(*options); }});
 }
 

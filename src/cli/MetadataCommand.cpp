@@ -1,4 +1,4 @@
-#include "cli/Commands.h"
+#include "cli/InspectCommands.h"
 
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
@@ -77,8 +77,7 @@ void addMetadataCommand(CLI::App& program, std::vector<Command>& commands)
         "metadata", "Show a file's image metadata (EXIF, TIFF, IPTC, GPS) as the metadata viewer lists it, or the "
                     "page size of a PDF.");
     command->add_option("file", options->file, "Image or PDF file")->required();
-    command->add_option("--format", options->format, "Output: text (the default) or json")
-        ->check(CLI::IsMember({"text", "json"}));
+    addFormatOption(command, options->format);
     commands.push_back({command, [options] { return runMetadata(*options); }});
 }
 
