@@ -26,7 +26,8 @@ constexpr int kFileCount = 2000;
 // The shared samples beside the repository this file was built from.
 QString samplesFolder()
 {
-    return QDir::cleanPath(QFileInfo(QStringLiteral(__FILE__)).absolutePath() + QStringLiteral("/../../shared/samples"));
+    return QDir::cleanPath(QFileInfo(QStringLiteral(__FILE__)).absolutePath() +
+                           QStringLiteral("/../../shared/samples"));
 }
 
 // The sample files of every kind the readers know.

@@ -53,10 +53,10 @@ QString factsText(const FileFacts& facts)
     if (facts.illustratorVersion > 0)
         add(QStringLiteral("Illustrator version"), QString::number(facts.illustratorVersion));
     if (facts.tiffCompression) {
-        const QString name = facts.tiffCompressionName ? (facts.tiffCompressionName->isEmpty()
-                                                              ? QStringLiteral("none")
-                                                              : *facts.tiffCompressionName)
-                                                        : QStringLiteral("outside the link kinds");
+        const QString name =
+            facts.tiffCompressionName
+                ? (facts.tiffCompressionName->isEmpty() ? QStringLiteral("none") : *facts.tiffCompressionName)
+                : QStringLiteral("outside the link kinds");
         add(QStringLiteral("TIFF compression"), QStringLiteral("%1 (%2)").arg(*facts.tiffCompression).arg(name));
     }
     return lines.join(u'\n');

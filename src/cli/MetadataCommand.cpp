@@ -28,12 +28,14 @@ struct MetadataOptions {
 QVariantList pdfRows(fileinspect::PXMetadataController& controller, const QString& path)
 {
     const QStringList points = controller.pdfDimensionsAtPath(path);
-    const QStringList print = controller.printDimensionsFromInchValues(points.value(0).toDouble() / 72.0,
-                                                                       points.value(1).toDouble() / 72.0);
+    const QStringList print =
+        controller.printDimensionsFromInchValues(points.value(0).toDouble() / 72.0, points.value(1).toDouble() / 72.0);
     return {
-        QVariantMap{{kTag, QStringLiteral("Page Size")}, {kValue, QStringLiteral("%1 x %2 pt").arg(points.value(0), points.value(1))}},
-        QVariantMap{{kTag, QStringLiteral("Print Size")},
-                    {kValue, QStringLiteral("%1 x %2 %3").arg(print.value(0), print.value(1), controller.measurementUnits())}},
+        QVariantMap{{kTag, QStringLiteral("Page Size")},
+                    {kValue, QStringLiteral("%1 x %2 pt").arg(points.value(0), points.value(1))}},
+        QVariantMap{
+            {kTag, QStringLiteral("Print Size")},
+            {kValue, QStringLiteral("%1 x %2 %3").arg(print.value(0), print.value(1), controller.measurementUnits())}},
     };
 }
 

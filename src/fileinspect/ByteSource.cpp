@@ -90,8 +90,8 @@ qint64 ByteSource::readInto(char* buffer, qint64 offset, qint64 length) const
 {
     qint64 done = 0;
     while (done < length) {
-        const ssize_t got = ::pread(m_file->fd, buffer + done, static_cast<size_t>(length - done),
-                                    static_cast<off_t>(offset + done));
+        const ssize_t got =
+            ::pread(m_file->fd, buffer + done, static_cast<size_t>(length - done), static_cast<off_t>(offset + done));
         if (got < 0) {
             if (errno == EINTR)
                 continue;

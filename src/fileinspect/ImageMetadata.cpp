@@ -192,9 +192,12 @@ QVariant timeStampValue(const Exiv2::Value& value)
         parts[i] = r.second != 0 ? double(r.first) / double(r.second) : 0;
     }
     const double seconds = parts[2];
-    const QString secondsText = seconds == std::floor(seconds) ? QString::asprintf("%02d", int(seconds))
-                                                                : QString::asprintf("%05.2f", seconds);
-    return QStringLiteral("%1:%2:%3").arg(int(parts[0]), 2, 10, QChar(u'0')).arg(int(parts[1]), 2, 10, QChar(u'0')).arg(secondsText);
+    const QString secondsText =
+        seconds == std::floor(seconds) ? QString::asprintf("%02d", int(seconds)) : QString::asprintf("%05.2f", seconds);
+    return QStringLiteral("%1:%2:%3")
+        .arg(int(parts[0]), 2, 10, QChar(u'0'))
+        .arg(int(parts[1]), 2, 10, QChar(u'0'))
+        .arg(secondsText);
 }
 
 // The platform's names where they differ from the metadata library's.
@@ -242,13 +245,20 @@ const QHash<QString, QString>& iptcNames()
 bool isStructuralTiffTag(const QString& name)
 {
     static const QStringList structural{
-        QStringLiteral("ExifTag"),         QStringLiteral("GPSTag"),
-        QStringLiteral("StripOffsets"),    QStringLiteral("StripByteCounts"),
-        QStringLiteral("TileOffsets"),     QStringLiteral("TileByteCounts"),
-        QStringLiteral("JPEGInterchangeFormat"), QStringLiteral("JPEGInterchangeFormatLength"),
-        QStringLiteral("XMLPacket"),       QStringLiteral("IPTCNAA"),
-        QStringLiteral("InterColorProfile"), QStringLiteral("ImageResources"),
-        QStringLiteral("SubIFDs"),         QStringLiteral("PrintImageMatching"),
+        QStringLiteral("ExifTag"),
+        QStringLiteral("GPSTag"),
+        QStringLiteral("StripOffsets"),
+        QStringLiteral("StripByteCounts"),
+        QStringLiteral("TileOffsets"),
+        QStringLiteral("TileByteCounts"),
+        QStringLiteral("JPEGInterchangeFormat"),
+        QStringLiteral("JPEGInterchangeFormatLength"),
+        QStringLiteral("XMLPacket"),
+        QStringLiteral("IPTCNAA"),
+        QStringLiteral("InterColorProfile"),
+        QStringLiteral("ImageResources"),
+        QStringLiteral("SubIFDs"),
+        QStringLiteral("PrintImageMatching"),
     };
     return structural.contains(name);
 }
@@ -314,8 +324,7 @@ void addIptcDatum(ImageMetadata& metadata, const Exiv2::Iptcdatum& datum)
 }
 
 // Reads what the opened image holds; exiv2's exceptions end here.
-template <typename Open>
-app::Result<ImageMetadata> readWith(const QString& name, Open open)
+template <typename Open> app::Result<ImageMetadata> readWith(const QString& name, Open open)
 {
     setUpLibraryOnce();
     try {

@@ -14,8 +14,8 @@ namespace quillon::fileinspect {
 // Photoshop file: read from its headers only (markers, chunks, the first directory, image
 // resources), so a file costs a few small reads however large it is.
 struct ImageProperties {
-    QString format; // "JPEG", "PNG", "TIFF" or "Photoshop"
-    int pixelWidth = 0;  // 0 when not known
+    QString format;     // "JPEG", "PNG", "TIFF" or "Photoshop"
+    int pixelWidth = 0; // 0 when not known
     int pixelHeight = 0;
     int bitsPerComponent = 0;
     // "RGB", "CMYK", "Grayscale", "Black and White", "Indexed", "Lab", or for Photoshop files the

@@ -15,9 +15,8 @@ QVariantMap decoded(const QString& tagName, const QString& parsedValue)
 // The code of a value that is one number (or a list of one), or nothing.
 std::optional<qlonglong> codeOf(const QVariant& value)
 {
-    const QVariant single = value.typeId() == QMetaType::QVariantList && value.toList().size() == 1
-                                ? value.toList().first()
-                                : value;
+    const QVariant single =
+        value.typeId() == QMetaType::QVariantList && value.toList().size() == 1 ? value.toList().first() : value;
     bool ok = false;
     const qlonglong code = single.toLongLong(&ok);
     if (!ok || single.typeId() == QMetaType::QVariantList)
@@ -110,7 +109,8 @@ std::optional<QVariantMap> PXEXIFData::Flash(const QVariant& value)
         return decoded(tagName, QStringLiteral("No Flash"));
     const qlonglong mode = (flash >> 3) & 3;
     if (flash & 0x20)
-        return decoded(tagName, mode == 2 ? QStringLiteral("Off, No flash function") : QStringLiteral("No flash function"));
+        return decoded(tagName,
+                       mode == 2 ? QStringLiteral("Off, No flash function") : QStringLiteral("No flash function"));
     QStringList parts;
     if (mode == 1)
         parts << QStringLiteral("On");
@@ -177,13 +177,20 @@ std::optional<QVariantMap> PXEXIFData::SubfileType(const QVariant& value)
 std::optional<QVariantMap> PXEXIFData::PhotometricInterpretation(const QVariant& value)
 {
     static const QMap<qlonglong, QString> table{
-        {0, QStringLiteral("WhiteIsZero")},      {1, QStringLiteral("BlackIsZero")},
-        {2, QStringLiteral("RGB")},              {3, QStringLiteral("RGB Palette")},
-        {4, QStringLiteral("Transparency Mask")}, {5, QStringLiteral("CMYK")},
-        {6, QStringLiteral("YCbCr")},            {8, QStringLiteral("CIELab")},
-        {9, QStringLiteral("ICCLab")},           {10, QStringLiteral("ITULab")},
-        {32803, QStringLiteral("Color Filter Array")}, {32844, QStringLiteral("Pixar LogL")},
-        {32845, QStringLiteral("Pixar LogLuv")}, {34892, QStringLiteral("Linear Raw")},
+        {0, QStringLiteral("WhiteIsZero")},
+        {1, QStringLiteral("BlackIsZero")},
+        {2, QStringLiteral("RGB")},
+        {3, QStringLiteral("RGB Palette")},
+        {4, QStringLiteral("Transparency Mask")},
+        {5, QStringLiteral("CMYK")},
+        {6, QStringLiteral("YCbCr")},
+        {8, QStringLiteral("CIELab")},
+        {9, QStringLiteral("ICCLab")},
+        {10, QStringLiteral("ITULab")},
+        {32803, QStringLiteral("Color Filter Array")},
+        {32844, QStringLiteral("Pixar LogL")},
+        {32845, QStringLiteral("Pixar LogLuv")},
+        {34892, QStringLiteral("Linear Raw")},
     };
     return fromTable(QStringLiteral("Photometric Interpretation"), value, table);
 }

@@ -185,8 +185,8 @@ QVariantList PXMetadataController::readFromURL(const QString& path, const QStrin
     m_metadata = metadata.ok() ? metadata.value() : ImageMetadata();
     const QVariantList rows = rowsFromMetadata(m_metadata);
     if (error)
-        *error = app::makeError(QStringLiteral("The file couldn't be opened because it isn't in the correct format."),
-                                path);
+        *error =
+            app::makeError(QStringLiteral("The file couldn't be opened because it isn't in the correct format."), path);
     return rows;
 }
 
@@ -221,14 +221,15 @@ QVariantList PXMetadataController::exifArr(const PropertyDictionary& exif)
 
     if (const std::optional<qlonglong> space = codeOf(tags, QStringLiteral("ColorSpace"))) {
         static const QMap<qlonglong, QString> spaces{{1, QStringLiteral("sRGB")},
-                                                      {2, QStringLiteral("Adobe RGB")},
-                                                      {65535, QStringLiteral("Uncalibrated")},
-                                                      {-1, QStringLiteral("RGB")}};
+                                                     {2, QStringLiteral("Adobe RGB")},
+                                                     {65535, QStringLiteral("Uncalibrated")},
+                                                     {-1, QStringLiteral("RGB")}};
         rows << row(QStringLiteral("Color Space"), spaces.value(*space, QString::number(*space)));
         tags.remove(QStringLiteral("ColorSpace"));
     }
     if (const std::optional<qlonglong> mode = codeOf(tags, QStringLiteral("ExposureMode")); mode && *mode >= 0) {
-        static const QStringList modes{QStringLiteral("Auto"), QStringLiteral("Manual"), QStringLiteral("Auto bracket")};
+        static const QStringList modes{QStringLiteral("Auto"), QStringLiteral("Manual"),
+                                       QStringLiteral("Auto bracket")};
         rows << row(QStringLiteral("Exposure Mode"), modes.value(*mode, QString::number(*mode)));
         tags.remove(QStringLiteral("ExposureMode"));
     }
@@ -258,9 +259,9 @@ QVariantList PXMetadataController::exifArr(const PropertyDictionary& exif)
     addIndexed(rows, tags, QStringLiteral("GainControl"), QStringLiteral("Gain Control"),
                {QStringLiteral("None"), QStringLiteral("Low gain up"), QStringLiteral("High gain up"),
                 QStringLiteral("Low gain down"), QStringLiteral("High gain down")});
-    addIndexed(rows, tags, QStringLiteral("SceneCaptureType"), QStringLiteral("Scene Capture Type"),
-               {QStringLiteral("Standard"), QStringLiteral("Landscape"), QStringLiteral("Portrait"),
-                QStringLiteral("Night")});
+    addIndexed(
+        rows, tags, QStringLiteral("SceneCaptureType"), QStringLiteral("Scene Capture Type"),
+        {QStringLiteral("Standard"), QStringLiteral("Landscape"), QStringLiteral("Portrait"), QStringLiteral("Night")});
     addIndexed(rows, tags, QStringLiteral("Sharpness"), QStringLiteral("Sharpness"),
                {QStringLiteral("Normal"), QStringLiteral("Soft"), QStringLiteral("Hard")});
     if (const std::optional<qlonglong> balance = codeOf(tags, QStringLiteral("WhiteBalance"))) {
@@ -269,7 +270,8 @@ QVariantList PXMetadataController::exifArr(const PropertyDictionary& exif)
                     *balance >= 0 && *balance < 2 ? balances[*balance] : QString::number(*balance));
         tags.remove(QStringLiteral("WhiteBalance"));
     }
-    addWithFormat(rows, tags, QStringLiteral("ExposureTime"), QStringLiteral("Exposure Time"), QStringLiteral("%1 sec"));
+    addWithFormat(rows, tags, QStringLiteral("ExposureTime"), QStringLiteral("Exposure Time"),
+                  QStringLiteral("%1 sec"));
     addWithFormat(rows, tags, QStringLiteral("FocalLenIn35mmFilm"), QStringLiteral("Focal Length in 35mm Film"),
                   QStringLiteral("%1 mm"));
     addWithFormat(rows, tags, QStringLiteral("FocalLength"), QStringLiteral("Focal Length"), QStringLiteral("%1 mm"));
@@ -301,7 +303,8 @@ QVariantList PXMetadataController::tiffArr(const PropertyDictionary& tiff)
         if (tiff.contains(key))
             rows << row(key, tiff.value(key));
     if (tiff.contains(QStringLiteral("Orientation")))
-        if (const std::optional<QVariantMap> decoded = PXEXIFData::Orientation(tiff.value(QStringLiteral("Orientation"))))
+        if (const std::optional<QVariantMap> decoded =
+                PXEXIFData::Orientation(tiff.value(QStringLiteral("Orientation"))))
             rows << row(decoded->value(exifkeys::kTagName).toString(), decoded->value(exifkeys::kParsedValue));
     return rows;
 }
@@ -325,7 +328,8 @@ QVariantList PXMetadataController::gpsArr(const PropertyDictionary& gps)
         const QString latitudeText = metadataValueText(gps.value(latitude)).left(8);
         const QString longitudeFull = metadataValueText(gps.value(longitude));
         // The longitude is cut to the latitude's length, unless it is shorter than 8 already.
-        const QString longitudeText = longitudeFull.size() < 8 ? longitudeFull : longitudeFull.left(latitudeText.size());
+        const QString longitudeText =
+            longitudeFull.size() < 8 ? longitudeFull : longitudeFull.left(latitudeText.size());
         rows << row(QStringLiteral("Latitude"),
                     QStringLiteral("%1 %2").arg(latitudeText, metadataValueText(gps.value(latitudeRef))));
         rows << row(QStringLiteral("Longtitude"),
@@ -337,7 +341,7 @@ QVariantList PXMetadataController::gpsArr(const PropertyDictionary& gps)
     if (gps.contains(altitude) && gps.contains(altitudeRef)) {
         const bool below = gps.value(altitudeRef).toLongLong() != 0;
         rows << row(QStringLiteral("Altitude"), QStringLiteral("%1%2 m").arg(below ? QStringLiteral("-") : QString(),
-                                                                           metadataValueText(gps.value(altitude))));
+                                                                             metadataValueText(gps.value(altitude))));
         rest.remove(altitude);
         rest.remove(altitudeRef);
     }

@@ -14,8 +14,7 @@ namespace quillon::fileinspect {
 namespace {
 
 // Opens the document with `open` and measures its first page; qpdf's exceptions end here.
-template <typename Open>
-app::Result<std::optional<PageSize>> measureFirstPage(const QString& name, Open open)
+template <typename Open> app::Result<std::optional<PageSize>> measureFirstPage(const QString& name, Open open)
 {
     try {
         QPDF pdf;

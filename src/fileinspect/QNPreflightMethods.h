@@ -145,6 +145,8 @@ public:
     const QVariantMap& mMetadata() const { return m_metadata; }
 
 private:
+    // The 26 bytes of the profile name, or nothing when the profile has no second "desc".
+    static std::optional<QString> fixedProfileName(const QByteArray& profile);
     void alertUnparsable(const ByteSource& file) const;
 
     app::AlertSink* m_alerts = nullptr;

@@ -70,7 +70,8 @@ std::optional<QString> utf16Text(QByteArrayView bytes)
     if (bytes.size() % 2 != 0)
         return std::nullopt;
     auto encoding = QStringConverter::Utf16BE;
-    if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF && static_cast<unsigned char>(bytes[1]) == 0xFE)
+    if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
+        static_cast<unsigned char>(bytes[1]) == 0xFE)
         encoding = QStringConverter::Utf16LE;
     QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     QString text = decoder.decode(bytes);
@@ -111,8 +112,8 @@ QNPreflightMethods QNPreflightMethods::pfmForAS(app::AlertSink* alerts)
 
 void QNPreflightMethods::alertUnparsable(const ByteSource& file) const
 {
-    const QString message = QStringLiteral("The file %1 could not be parsed.\n\nError: %2")
-                                .arg(file.path(), file.errorString());
+    const QString message =
+        QStringLiteral("The file %1 could not be parsed.\n\nError: %2").arg(file.path(), file.errorString());
     logLine(QStringLiteral("-> can't read %1: %2").arg(file.path(), file.errorString()));
     if (m_alerts)
         app::runAlert(*m_alerts, QStringLiteral("Error"), app::withSupportContact(message), std::nullopt, true);
@@ -202,11 +203,24 @@ QStringList QNPreflightMethods::psdPropsFromData(const ByteSource& file)
 
 QString QNPreflightMethods::profileName(const QByteArray& profile, const QString& psdPath)
 {
-    return profileName(profile, ByteSource::openFile(psdPath));
+    if (const std::optional<QString> name = fixedProfileName(profile))
+        return *name;
+    readFromURL(psdPath, QStringLiteral("PSD"));
+    return m_profName;
 }
 
 QString QNPreflightMethods::profileName(const QByteArray& profile, const ByteSource& psdFile)
 {
+    if (const std::optional<QString> name = fixedProfileName(profile))
+        return *name;
+    readFromURL(psdFile, QStringLiteral("PSD"));
+    return m_profName;
+}
+
+std::optional<QString> QNPreflightMethods::fixedProfileName(const QByteArray& profile)
+{
+    // The first "desc" names the tag in the tag table; the second starts the tag's data, whose
+    // text begins 12 bytes on.
     const qint64 length = profile.size();
     qint64 location = profile.indexOf("desc");
     if (location < 0)
@@ -220,8 +234,7 @@ QString QNPreflightMethods::profileName(const QByteArray& profile, const ByteSou
         logLine(QStringLiteral("-> can't get profile name: name location %1 exceeds data length %2")
                     .arg(nameLocation)
                     .arg(length));
-        readFromURL(psdFile, QStringLiteral("PSD"));
-        return m_profName;
+        return std::nullopt;
     }
     // A fixed 26 bytes: longer names are cut, shorter ones keep what follows them.
     return valueTextFromBytes(midView(profile, nameLocation, 26));

@@ -315,7 +315,7 @@ QNPreflightMethods::AIHeadAndFonts QNPreflightMethods::read4500AndFontsOfPreCS3A
         result.head = headFrom(file, at, 4500);
         result.fonts = fontsOfAIFile(file);
     } else if (at < 0 && file.isOpen()) {
-        logLine(QStringLiteral("isAtEnd, %%!PS-Adobe-3.0 not found"));
+        logLine(QStringLiteral("isAtEnd, %!PS-Adobe-3.0 not found"));
     }
     if (!file.isOpen() || file.readFailed()) {
         alertUnparsable(file);

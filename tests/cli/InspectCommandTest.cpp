@@ -19,8 +19,8 @@ QString sample(const char* relative)
 
 TEST(InspectCommand, TextAndJsonForSeveralKinds)
 {
-    const auto text = runQuillon({QStringLiteral("inspect"), sample("psd/4x4_8bit_duotone.psd"),
-                                  sample("tiff/ExifTool.tif")});
+    const auto text =
+        runQuillon({QStringLiteral("inspect"), sample("psd/4x4_8bit_duotone.psd"), sample("tiff/ExifTool.tif")});
     EXPECT_EQ(text.exitCode, 0) << text.err.toStdString();
     EXPECT_TRUE(text.out.contains("Duotone inks: Black, PANTONE 327 CVC")) << text.out.toStdString();
     EXPECT_TRUE(text.out.contains("TIFF compression: 5 (LZW)"));
@@ -55,8 +55,8 @@ TEST(MetadataCommand, RowsOfImagesAndPageSizeOfPdfs)
     EXPECT_EQ(gps.exitCode, 0);
     EXPECT_TRUE(gps.out.contains("[GPS]\n  Latitude: 54.98966 N\n  Longtitude: 1.914166 W")) << gps.out.toStdString();
 
-    const auto json = runQuillon({QStringLiteral("metadata"), QStringLiteral("--format"), QStringLiteral("json"),
-                                  sample("jpeg/Kodak.jpg")});
+    const auto json = runQuillon(
+        {QStringLiteral("metadata"), QStringLiteral("--format"), QStringLiteral("json"), sample("jpeg/Kodak.jpg")});
     const QJsonArray rows = QJsonDocument::fromJson(json.out).array();
     ASSERT_FALSE(rows.isEmpty());
     EXPECT_EQ(rows[0].toObject().value(QStringLiteral("tag")).toString(), u"EXIF");

@@ -71,8 +71,8 @@ TEST(FileFacts, IllustratorFiles)
 
     const FileFacts poster = facts("ai/dojoposter-Apex.ai");
     EXPECT_EQ(poster.illustratorVersion, 15u);
-    EXPECT_EQ(poster.fonts, QStringList({"ApexNew-Heavy", "ApexNew-Bold", "ApexNew-Medium", "ApexNew-Book",
-                                         "MyriadPro-Light"}));
+    EXPECT_EQ(poster.fonts,
+              QStringList({"ApexNew-Heavy", "ApexNew-Bold", "ApexNew-Medium", "ApexNew-Book", "MyriadPro-Light"}));
     const FileFacts cs = facts("ai/schblocwebgui.ai");
     EXPECT_EQ(cs.illustratorColorModel, u"RGB");
     EXPECT_EQ(cs.illustratorVersion, 11u);

@@ -51,7 +51,7 @@ TEST(ImageProperties, TiffCompressionAndProfile)
         {"tiff/tiff_adobe_deflate.tif", "sRGB IEC61966-2.1", QStringLiteral("ZIP")},
         {"tiff/hopper_jpg.tif", "", QStringLiteral("JPEG")},
         {"tiff/tiff_strip_cmyk_jpeg.tif", "", QStringLiteral("JPEG")},
-        {"tiff/hopper.tif", "", QString()},        // uncompressed: the empty name
+        {"tiff/hopper.tif", "", QString()},       // uncompressed: the empty name
         {"tiff/copyleft.tiff", "", std::nullopt}, // PackBits is outside the table
         {"tiff/hopper_lzma.tif", "", std::nullopt},
         {"tiff/hopper_g4.tif", "", std::nullopt},
@@ -72,7 +72,8 @@ TEST(ImageProperties, TiffCompressionAndProfile)
     EXPECT_EQ(reader.tiffCompressionCode(), 32773);
     EXPECT_EQ(reader.profName(), u"sRGB IEC61966-2.1");
     EXPECT_EQ(reader.mMetadata().value(QStringLiteral("PixelWidth")).toInt(), 160);
-    EXPECT_EQ(reader.mMetadata().value(QStringLiteral("{TIFF}")).toMap().value(QStringLiteral("Compression")).toInt(), 5);
+    EXPECT_EQ(reader.mMetadata().value(QStringLiteral("{TIFF}")).toMap().value(QStringLiteral("Compression")).toInt(),
+              5);
 }
 
 TEST(ImageProperties, JpegAndPngProfiles)
@@ -102,8 +103,8 @@ TEST(ImageProperties, JpegProfileInPiecesIsJoinedInSequence)
     const QByteArray sof = QByteArray(1, 8) + be16(20) + be16(30) + char(4) + QByteArray(12, '\x11');
     const QByteArray jpeg = QByteArray("\xFF\xD8", 2) + jpegSegment(0xE0, "JFIF\0...") +
                             jpegSegment(0xE2, marker + char(2) + char(2) + profile.mid(200)) +
-                            jpegSegment(0xE2, marker + char(1) + char(2) + profile.left(200)) +
-                            jpegSegment(0xC0, sof) + jpegSegment(0xDA, QByteArray(10, '\0'));
+                            jpegSegment(0xE2, marker + char(1) + char(2) + profile.left(200)) + jpegSegment(0xC0, sof) +
+                            jpegSegment(0xDA, QByteArray(10, '\0'));
     const std::optional<ImageProperties> properties = readImageProperties(ByteSource::fromBytes(jpeg));
     ASSERT_TRUE(properties);
     EXPECT_EQ(properties->format, u"JPEG");
@@ -124,7 +125,7 @@ TEST(ImageProperties, SizesAndColourModes)
         const char* mode;
     };
     const QList<Expected> files{
-        {"tiff/ExifTool.tif", "TIFF", 160, 120, "RGB"},         // big-endian
+        {"tiff/ExifTool.tif", "TIFF", 160, 120, "RGB"}, // big-endian
         {"tiff/GeoTiff.tif", "TIFF", 25, 24, "Indexed"},
         {"tiff/hopper_g4.tif", "TIFF", 128, 128, "Black and White"},
         {"tiff/lab.tif", "TIFF", 10, 10, "Lab"},
@@ -138,7 +139,8 @@ TEST(ImageProperties, SizesAndColourModes)
         {"psd/1layer.psb", "Photoshop", 101, 55, "RGB"},
     };
     for (const Expected& expected : files) {
-        const auto properties = readImageProperties(ByteSource::openFile(samplePath(QString::fromLatin1(expected.file))));
+        const auto properties =
+            readImageProperties(ByteSource::openFile(samplePath(QString::fromLatin1(expected.file))));
         ASSERT_TRUE(properties) << expected.file;
         EXPECT_EQ(properties->format, QString::fromLatin1(expected.format)) << expected.file;
         EXPECT_EQ(properties->pixelWidth, expected.width) << expected.file;

@@ -1,8 +1,8 @@
 #include "fileinspect/PXEXIFData.h"
 #include "fileinspect/PXMetadataController.h"
 
-#include "app/Settings.h"
 #include "Fixtures.h"
+#include "app/Settings.h"
 #include "support/TestSupport.h"
 
 #include <QLocale>
@@ -64,7 +64,7 @@ TEST(MetadataRows, ExifTablesAndRemainingTags)
         {"ExposureProgram", 12}, // beyond its list: stays for the remaining rows
         {"BrightnessValue", 2.5},
         {"LightSource", 1},
-        {"Flash", 24},           // decoded elsewhere
+        {"Flash", 24}, // decoded elsewhere
         {"ColorSpace", 65535},
         {"WhiteBalance", 7},
         {"ExposureMode", 5},

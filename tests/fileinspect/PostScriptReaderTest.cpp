@@ -1,7 +1,7 @@
 #include "fileinspect/QNPreflightMethods.h"
 
-#include "app/Alerts.h"
 #include "Fixtures.h"
+#include "app/Alerts.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -58,7 +58,9 @@ TEST(PostScriptReader, VectorEpsFilesOfIllustrator)
     EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/illuCS6_preview.eps")), cs6);
     EXPECT_EQ(reader.aiVersion(), 16u);
 
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("idml/sets/anuga/demo-web/public/KM_logo_WEISS_Schutzraum.eps")).value(0).toString(),
+    EXPECT_EQ(vectorEps(reader, QStringLiteral("idml/sets/anuga/demo-web/public/KM_logo_WEISS_Schutzraum.eps"))
+                  .value(0)
+                  .toString(),
               u"RGB");
 }
 
@@ -71,8 +73,8 @@ TEST(PostScriptReader, VectorEpsFilesOfOtherPrograms)
                     QStringLiteral("?")}));
     EXPECT_EQ(reader.aiVersion(), 0u);
     // Illustrator 1.0 wrote its comments without the blank after the colon: nothing matches.
-    const QVariantList none = list({QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"),
-                                    QStringLiteral("-"), QStringLiteral("-")});
+    const QVariantList none =
+        list({QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-")});
     EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/golfer.eps")), none);
     EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/hgb-thesis-logo.eps")), none);
 }
@@ -82,14 +84,20 @@ TEST(PostScriptReader, ColourModeOfIllustrator8ByProcessColours)
     QNPreflightMethods reader;
     EXPECT_EQ(vectorEpsOfText(reader, kIllustrator8Head + "%%DocumentProcessColors: Cyan Magenta Yellow Black\r"
                                                           "%%EndComments\r")
-                  .value(0).toString(),
+                  .value(0)
+                  .toString(),
               u"CMYK");
     EXPECT_EQ(vectorEpsOfText(reader, kIllustrator8Head + "%%EndComments\r").value(0).toString(), u"RGB");
     // Version 14 and later without an XMP colour mode.
-    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r%%EndComments\r").value(0).toString(), u"?");
-    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r<xmpG:mode>CMYK</xmpG:mode>").value(0).toString(),
+    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r%%EndComments\r").value(0).toString(),
+              u"?");
+    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r<xmpG:mode>CMYK</xmpG:mode>")
+                  .value(0)
+                  .toString(),
               u"CMYK");
-    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r<xmpG:mode>RGB</xmpG:mode>CMYK").value(0).toString(),
+    EXPECT_EQ(vectorEpsOfText(reader, "%%Creator: Adobe Illustrator(R) 24.0\r<xmpG:mode>RGB</xmpG:mode>CMYK")
+                  .value(0)
+                  .toString(),
               u"RGB");
 }
 
@@ -120,24 +128,25 @@ TEST(PostScriptReader, DocumentFonts)
     EXPECT_EQ(reader.fontsOfVectorEPS(head, fonts, ByteSource()),
               list({3, QStringLiteral("Helvetica\r\nTimes-Roman\r\nSymbol")}));
     // The second end marker serves when the first is absent.
-    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentFonts: Courier\r\n%%DocumentSuppliedFonts: x"),
-                                      fonts, ByteSource()),
+    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentFonts: Courier\r\n%%DocumentSuppliedFonts: x"), fonts,
+                                      ByteSource()),
               list({1, QStringLiteral("Courier")}));
     const QVariantList unknown = list({QStringLiteral("?"), QStringLiteral("?")});
     EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentFonts: Courier\r\n%%EndComments"), fonts, ByteSource()),
               unknown);
     // An end marker before the font comment is out of order.
-    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentNeededFonts:\r%%DocumentFonts: Courier\r"),
-                                      {23, 17}, ByteSource()),
+    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentNeededFonts:\r%%DocumentFonts: Courier\r"), {23, 17},
+                                      ByteSource()),
               unknown);
 }
 
 TEST(PostScriptReader, EmbeddedFontsWhenTheFontCommentIsEmpty)
 {
     QNPreflightMethods reader;
-    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(samplePath("eps/connexions.eps")),
-              QStringList({QStringLiteral("E3"), QStringLiteral("Embedded fonts:\rTLRAAA+Myriad-Roman\r"
-                                                                "TJMAAA+TrebuchetMS-Bold\rTTVBAA+ArialRoundedMTBold")}));
+    EXPECT_EQ(
+        reader.embeddedFontsOfVectorEPS(samplePath("eps/connexions.eps")),
+        QStringList({QStringLiteral("E3"), QStringLiteral("Embedded fonts:\rTLRAAA+Myriad-Roman\r"
+                                                          "TJMAAA+TrebuchetMS-Bold\rTTVBAA+ArialRoundedMTBold")}));
     const QByteArray eps = kIllustrator8Head + "%%DocumentFonts: \n%%EndComments\n"
                                                "%ADOBeginSubsetFont: AAAAAA+Futura Initial\r...\r"
                                                "%ADOBeginSubsetFont: AAAAAA+Futura AddGlyphs\r"
@@ -166,7 +175,8 @@ TEST(PostScriptReader, WholeFileReadsThatFailAlertTheUser)
         EXPECT_EQ(request.title, u"Error");
         EXPECT_TRUE(request.critical);
         EXPECT_EQ(request.buttons, std::optional<QStringList>(QStringList{QStringLiteral("OK")}));
-        EXPECT_TRUE(request.message.startsWith(QStringLiteral("The file %1 could not be parsed.\n\nError: ").arg(missing)))
+        EXPECT_TRUE(
+            request.message.startsWith(QStringLiteral("The file %1 could not be parsed.\n\nError: ").arg(missing)))
             << request.message.toStdString();
         EXPECT_TRUE(request.message.contains(QLatin1String("With any questions, contact")));
     }
@@ -182,9 +192,11 @@ TEST(PostScriptReader, PhotoshopEpsBehindAPreviewHeader)
     // PostScript from the first byte: nothing precedes it, so there is no preview to skip.
     EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(samplePath("eps/PostScript.eps")), QString());
     // A short tail loses its last character; no marker gives nothing.
-    EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(ByteSource::fromBytes("\xC5\xD0\xD3\xC6....%!PS-Adobe-3.0 EPSF-3.0\r%%End")),
+    EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(
+                  ByteSource::fromBytes("\xC5\xD0\xD3\xC6....%!PS-Adobe-3.0 EPSF-3.0\r%%End")),
               u"%!PS-Adobe-3.0 EPSF-3.0\r%%En");
-    EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(ByteSource::fromBytes(QByteArray(5000, 'x'))), QString());
+    EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(ByteSource::fromBytes(QByteArray(5000, 'x'))),
+              QString());
 }
 
 TEST(PostScriptReader, IllustratorColourModel)
@@ -192,7 +204,7 @@ TEST(PostScriptReader, IllustratorColourModel)
     QNPreflightMethods reader;
     const QList<std::pair<const char*, const char*>> files{
         {"ai/Banner_EasyDisplay.ai", "CMYK"}, {"ai/dojoposter-Apex.ai", "CMYK"}, {"ai/schblocwebgui.ai", "RGB"},
-        {"ai/LgHS-logo.ai", "RGB"},           {"ai/1-liners-logo.ai", "RGB"},     {"eps/PostScript.eps", "?"},
+        {"ai/LgHS-logo.ai", "RGB"},           {"ai/1-liners-logo.ai", "RGB"},    {"eps/PostScript.eps", "?"},
     };
     for (const auto& [file, model] : files)
         EXPECT_EQ(reader.colorModeOfAIFile(samplePath(QString::fromLatin1(file))), QString::fromLatin1(model)) << file;
@@ -217,10 +229,12 @@ TEST(PostScriptReader, OlderIllustratorHeadAndFonts)
     EXPECT_TRUE(cs.head.startsWith(QLatin1String("%!PS-Adobe-3.0")));
     EXPECT_EQ(cs.fonts, u"Myriad-Roman");
 
-    const QNPreflightMethods::AIHeadAndFonts banner = reader.read4500AndFontsOfPreCS3AI(samplePath("ai/Banner_EasyDisplay.ai"));
+    const QNPreflightMethods::AIHeadAndFonts banner =
+        reader.read4500AndFontsOfPreCS3AI(samplePath("ai/Banner_EasyDisplay.ai"));
     EXPECT_TRUE(banner.head.contains(QLatin1String("%%DocumentCustomColors: (PANTONE 307 C)")));
 
-    const QNPreflightMethods::AIHeadAndFonts postscript = reader.read4500AndFontsOfPreCS3AI(samplePath("eps/PostScript.eps"));
+    const QNPreflightMethods::AIHeadAndFonts postscript =
+        reader.read4500AndFontsOfPreCS3AI(samplePath("eps/PostScript.eps"));
     EXPECT_TRUE(postscript.head.isEmpty() && postscript.fonts.isEmpty());
 }
 
@@ -228,12 +242,12 @@ TEST(PostScriptReader, FontNamesOfIllustratorFiles)
 {
     // The slash form skips a six-letter subset prefix and its plus sign.
     EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("%PDF\r/FontName/ABCDEF+Helvetica/Flags 4\r"
-                                                                "/FontName/GHIJKL+Times-Bold/Flags 4\r"
-                                                                "/FontName/MNOPQR+Helvetica/Flags 4")),
+                                                               "/FontName/GHIJKL+Times-Bold/Flags 4\r"
+                                                               "/FontName/MNOPQR+Helvetica/Flags 4")),
               u"Helvetica\nTimes-Bold");
     // The blank form ends its names at carriage returns.
     EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("%!PS\r/FontName /ABCDEF+Minion\r"
-                                                                "/FontName /ABCDEF+Myriad\r")),
+                                                               "/FontName /ABCDEF+Myriad\r")),
               u"Minion\nMyriad");
     // Without a subset prefix the first six letters are skipped all the same.
     EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("x/FontName/Helvetica-Bold/")), u"ica-Bold");

@@ -99,8 +99,8 @@ TEST(TruncationSweep, IllustratorReaders)
 
 TEST(TruncationSweep, ImageHeaders)
 {
-    for (const char* sample : {"tiff/ExifTool.tif", "tiff/hopper_g4.tif", "jpeg/GPS.jpg", "jpeg/windowsXpFields.jpg",
-                               "other/PNG.png"}) {
+    for (const char* sample :
+         {"tiff/ExifTool.tif", "tiff/hopper_g4.tif", "jpeg/GPS.jpg", "jpeg/windowsXpFields.jpg", "other/PNG.png"}) {
         const QByteArray bytes = readAll(samplePath(QString::fromLatin1(sample))).left(16 * 1024);
         QNPreflightMethods reader;
         forEachPrefix(bytes, 4 * 1024, 300, [&](const QByteArray& prefix) {
