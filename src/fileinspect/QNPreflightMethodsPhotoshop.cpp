@@ -10,8 +10,9 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
+#include <optional>
 
 namespace quillon::fileinspect {
 
