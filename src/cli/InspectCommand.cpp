@@ -41,6 +41,8 @@ QString factsText(const FileFacts& facts)
     add(QStringLiteral("Profile"), facts.profile);
     if (facts.pixelWidth > 0 && facts.pixelHeight > 0)
         add(QStringLiteral("Pixel size"), QStringLiteral("%1 x %2").arg(facts.pixelWidth).arg(facts.pixelHeight));
+    if (!facts.resolution.isEmpty())
+        add(QStringLiteral("Resolution"), QStringLiteral("%1 ppi").arg(facts.resolution));
     if (facts.pageWidth && facts.pageHeight)
         add(QStringLiteral("Page size"), QStringLiteral("%1 x %2 pt").arg(*facts.pageWidth).arg(*facts.pageHeight));
     if (!facts.duotoneInks.isEmpty())

@@ -1,5 +1,6 @@
 #include "fileinspect/FileFacts.h"
 
+#include "app/Numbers.h"
 #include "app/TextValues.h"
 #include "fileinspect/ByteSource.h"
 #include "fileinspect/IccProfile.h"
@@ -106,15 +107,24 @@ void inspectPhotoshop(FileFacts& facts, const ByteSource& file, QNPreflightMetho
     }
 }
 
-// A Photoshop EPS: "%ImageData: width height bits mode ..." describes the pixels.
+// The blank-separated words on the line after the last `marker`.
+QStringList numbersAfterLast(const QString& head, const QString& marker)
+{
+    const qsizetype at = head.lastIndexOf(marker);
+    if (at < 0)
+        return {};
+    static const QRegularExpression lineEnd(QStringLiteral("[\r\n]"));
+    return head.mid(at + marker.size(), 200).section(lineEnd, 0, 0).split(u' ', Qt::SkipEmptyParts);
+}
+
+// A Photoshop EPS: "%ImageData: width height bits mode ..." describes the pixels, and the
+// high-resolution bounding box their size on the page.
 void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader, const ByteSource& file)
 {
     if (!head.contains(QLatin1String("ImageData")))
         head = reader.getRead1500ForPhotoshopEPSWithTIFFPreview(file);
-    const qsizetype imageData = head.lastIndexOf(QLatin1String("%ImageData: "));
-    if (imageData >= 0) {
-        const QStringList numbers =
-            head.mid(imageData + 12, 80).section(u'\r', 0, 0).section(u'\n', 0, 0).split(u' ', Qt::SkipEmptyParts);
+    const QStringList numbers = numbersAfterLast(head, QStringLiteral("%ImageData: "));
+    if (!numbers.isEmpty()) {
         facts.pixelWidth = app::intValue(numbers.value(0));
         facts.pixelHeight = app::intValue(numbers.value(1));
         const int bits = app::intValue(numbers.value(2));
@@ -135,6 +145,9 @@ void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader
             break;
         }
     }
+    const double points = app::doubleValue(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
+    if (facts.pixelWidth > 0 && points > 0)
+        facts.resolution = app::formatNoDecimal(facts.pixelWidth / (points / 72.0));
     if (head.contains(QLatin1String("CustomColors: ("))) {
         const QVariantList spots = reader.spotColorsOfVectorEPS(head);
         facts.spotColorCount = spots.value(0).toString();
@@ -312,6 +325,7 @@ QVariantMap factsRecord(const FileFacts& facts)
         record.insert(kPixelWidth, facts.pixelWidth);
         record.insert(kPixelHeight, facts.pixelHeight);
     }
+    addText(kResolution, facts.resolution);
     if (facts.pageWidth)
         record.insert(kPageWidth, *facts.pageWidth);
     if (facts.pageHeight)

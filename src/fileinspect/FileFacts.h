@@ -51,6 +51,9 @@ struct FileFacts {
     // In pixels; 0 when not known.
     int pixelWidth = 0;
     int pixelHeight = 0;
+    // Photoshop EPS files: pixels per inch at 100 %, from the pixel width and the width of the
+    // high-resolution bounding box ("###0"); empty when not known.
+    QString resolution;
     // PDF files: the first page's media box in points.
     std::optional<double> pageWidth;
     std::optional<double> pageHeight;
@@ -85,6 +88,7 @@ inline const QString kTiffCompression = QStringLiteral("tiffCompression");
 inline const QString kTiffCompressionName = QStringLiteral("tiffCompressionName");
 inline const QString kPixelWidth = QStringLiteral("pixelWidth");
 inline const QString kPixelHeight = QStringLiteral("pixelHeight");
+inline const QString kResolution = QStringLiteral("resolution");
 inline const QString kPageWidth = QStringLiteral("pageWidth");
 inline const QString kPageHeight = QStringLiteral("pageHeight");
 } // namespace factkeys

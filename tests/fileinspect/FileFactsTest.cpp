@@ -51,10 +51,16 @@ TEST(FileFacts, EpsFiles)
     EXPECT_EQ(bitmap.colorMode, u"Black and White");
     EXPECT_EQ(bitmap.pixelWidth, 100);
     EXPECT_EQ(bitmap.pixelHeight, 67);
+    EXPECT_EQ(bitmap.resolution, u"100");
     const FileFacts jpeg = facts("eps/adobeJpeg1.eps");
     EXPECT_EQ(jpeg.colorMode, u"RGB");
     EXPECT_EQ(jpeg.pixelWidth, 275);
+    EXPECT_EQ(jpeg.resolution, u"101");
+    // This file quotes other EPS headers after its own; the last bounding box counts, as it does
+    // in the link analysis.
+    EXPECT_EQ(facts("eps/PostScript.eps").resolution, u"1");
     EXPECT_EQ(facts("eps/pil_sample_cmyk.eps").colorMode, u"CMYK");
+    EXPECT_TRUE(facts("eps/pil_sample_cmyk.eps").resolution.isEmpty()); // no high-resolution box
 
     EXPECT_EQ(facts("eps/ulogo.eps").colorMode, u"CMYK");
     EXPECT_EQ(facts("eps/zero_bb.eps").fontCount, u"?");
