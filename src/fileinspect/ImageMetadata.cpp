@@ -3,6 +3,7 @@
 #include "fileinspect/ByteSource.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QVariantList>
 
@@ -348,6 +349,9 @@ template <typename Open> app::Result<ImageMetadata> readWith(const QString& name
 
 app::Result<ImageMetadata> readImageMetadata(const QString& path)
 {
+    // The library would wait on a named pipe and read a folder as garbage.
+    if (!QFileInfo(path).isFile())
+        return app::makeError(QStringLiteral("There is no file to read."), path);
     const std::string localPath = QFile::encodeName(path).toStdString();
     return readWith(path, [&] { return Exiv2::ImageFactory::open(localPath, false); });
 }

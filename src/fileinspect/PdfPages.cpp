@@ -1,6 +1,7 @@
 #include "fileinspect/PdfPages.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
@@ -34,6 +35,9 @@ template <typename Open> app::Result<std::optional<PageSize>> measureFirstPage(c
 
 app::Result<std::optional<PageSize>> firstPageSize(const QString& path)
 {
+    // The library would wait on a named pipe and read a folder as garbage.
+    if (!QFileInfo(path).isFile())
+        return app::makeError(QStringLiteral("There is no file to read."), path);
     const QByteArray localPath = QFile::encodeName(path);
     return measureFirstPage(path, [&](QPDF& pdf) { pdf.processFile(localPath.constData()); });
 }

@@ -201,6 +201,7 @@ TEST(MetadataRows, RealFiles)
     EXPECT_TRUE(rowsOf("jpeg/noExif.jpg").isEmpty());
     EXPECT_TRUE(rowsOf("other/PDF.pdf").isEmpty());
     EXPECT_TRUE(rowsOf("no such file.jpg").isEmpty());
+    EXPECT_TRUE(rowsOf("jpeg").isEmpty());
 }
 
 TEST(MetadataRows, TableShowsRowsOnlyForAFile)
