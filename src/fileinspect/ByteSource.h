@@ -35,6 +35,8 @@ public:
     // The file's path, or the name given to a buffer.
     const QString& path() const { return m_path; }
     bool isOpen() const { return m_open; }
+    // True for a file on disk, false for a buffer.
+    bool isFile() const { return m_file != nullptr; }
     // Why the file could not be opened or read (the system's text); empty when all went well.
     QString errorString() const;
     // True once a read of the file failed after opening (an I/O error, a file that shrank).

@@ -259,6 +259,7 @@ FileFacts inspectFile(const QString& path, FileKind kind)
     case FileKind::TIFF:
     case FileKind::JPEG:
     case FileKind::PNG:
+    case FileKind::Unknown: // perhaps another image format
         addImageProperties(facts, file);
         break;
     case FileKind::PDF:
@@ -266,8 +267,6 @@ FileFacts inspectFile(const QString& path, FileKind kind)
         break;
     case FileKind::IccProfile:
         facts.profile = iccProfileDescription(file.read(0, kMaxProfileBytes));
-        break;
-    case FileKind::Unknown:
         break;
     }
     if (file.readFailed())

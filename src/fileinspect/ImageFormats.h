@@ -11,6 +11,8 @@ bool readJpeg(const ByteSource& file, ImageProperties& properties);
 bool readPng(const ByteSource& file, ImageProperties& properties);
 bool readTiff(const ByteSource& file, ImageProperties& properties);
 bool readPhotoshop(const ByteSource& file, ImageProperties& properties);
+// Any other image format the metadata library knows (JPEG 2000, WebP, GIF, BMP ...).
+bool readWithMetadataLibrary(const ByteSource& file, ImageProperties& properties);
 
 // Big-endian integers at an offset; 0 where the source ends.
 quint32 be32(const ByteSource& file, qint64 offset);

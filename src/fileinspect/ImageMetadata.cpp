@@ -1,21 +1,12 @@
 #include "fileinspect/ImageMetadata.h"
 
 #include "fileinspect/ByteSource.h"
+#include "fileinspect/MetadataLibrary.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QHash>
 #include <QVariantList>
 
-// exiv2 0.27's headers still name std::auto_ptr.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-#include <exiv2/exiv2.hpp>
-#pragma GCC diagnostic pop
-
 #include <cmath>
-#include <exception>
-#include <mutex>
 
 namespace quillon::fileinspect {
 
@@ -48,22 +39,6 @@ qsizetype PropertyDictionary::indexOf(const QString& key) const
 }
 
 namespace {
-
-// The library's process-wide set-up: quiet, and its XMP toolkit made safe for several threads.
-void setUpLibraryOnce()
-{
-    static std::once_flag once;
-    std::call_once(once, [] {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        static std::mutex xmpMutex;
-        Exiv2::XmpParser::initialize(
-            [](void* data, bool lock) {
-                auto* mutex = static_cast<std::mutex*>(data);
-                lock ? mutex->lock() : mutex->unlock();
-            },
-            &xmpMutex);
-    });
-}
 
 QString text(const std::string& value)
 {
@@ -324,43 +299,27 @@ void addIptcDatum(ImageMetadata& metadata, const Exiv2::Iptcdatum& datum)
     addRepeatable(*metadata.iptc, iptcNames().value(name, name), variantOf(name, datum.value()));
 }
 
-// Reads what the opened image holds; exiv2's exceptions end here.
-template <typename Open> app::Result<ImageMetadata> readWith(const QString& name, Open open)
+// What the opened image holds, by the platform's names.
+ImageMetadata metadataOf(Exiv2::Image& image)
 {
-    setUpLibraryOnce();
-    try {
-        auto image = open();
-        if (!image.get())
-            return app::makeError(QStringLiteral("The file is not an image the metadata reader knows."), name);
-        image->readMetadata();
-        ImageMetadata metadata;
-        for (const Exiv2::Exifdatum& datum : image->exifData())
-            addExifDatum(metadata, datum, image->byteOrder());
-        for (const Exiv2::Iptcdatum& datum : image->iptcData())
-            addIptcDatum(metadata, datum);
-        return metadata;
-    } catch (const std::exception& e) {
-        return app::makeError(QStringLiteral("The metadata could not be read: %1").arg(QString::fromUtf8(e.what())),
-                              name);
-    }
+    ImageMetadata metadata;
+    for (const Exiv2::Exifdatum& datum : image.exifData())
+        addExifDatum(metadata, datum, image.byteOrder());
+    for (const Exiv2::Iptcdatum& datum : image.iptcData())
+        addIptcDatum(metadata, datum);
+    return metadata;
 }
 
 } // namespace
 
 app::Result<ImageMetadata> readImageMetadata(const QString& path)
 {
-    // The library would wait on a named pipe and read a folder as garbage.
-    if (!QFileInfo(path).isFile())
-        return app::makeError(QStringLiteral("There is no file to read."), path);
-    const std::string localPath = QFile::encodeName(path).toStdString();
-    return readWith(path, [&] { return Exiv2::ImageFactory::open(localPath, false); });
+    return metadatalibrary::readFile(path, metadataOf);
 }
 
 app::Result<ImageMetadata> readImageMetadataOfBytes(const QByteArray& bytes, const QString& name)
 {
-    return readWith(name, [&] {
-        return Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()));
-    });
+    return metadatalibrary::readBytes(bytes, name, metadataOf);
 }
 
 } // namespace quillon::fileinspect

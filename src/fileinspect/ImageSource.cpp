@@ -29,8 +29,11 @@ quint16 be16(const ByteSource& file, qint64 offset)
 std::optional<ImageProperties> readImageProperties(const ByteSource& file)
 {
     ImageProperties properties;
+    // Our own header readers first: they read a few hundred bytes where the library reads all
+    // the metadata of a file.
     const bool read = formats::readJpeg(file, properties) || formats::readPng(file, properties) ||
-                      formats::readTiff(file, properties) || formats::readPhotoshop(file, properties);
+                      formats::readTiff(file, properties) || formats::readPhotoshop(file, properties) ||
+                      formats::readWithMetadataLibrary(file, properties);
     if (!read)
         return std::nullopt;
     if (!properties.iccProfile.isEmpty())

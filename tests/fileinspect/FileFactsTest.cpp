@@ -122,6 +122,13 @@ TEST(FileFacts, KindsByContentThenExtension)
     EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.bin"), "%!PS-Adobe-3.0 EPSF-3.0\n")), FileKind::EPS);
     EXPECT_EQ(detectFileKind(files.write(QStringLiteral("a.jpg"), "not really")), FileKind::JPEG);
     EXPECT_EQ(detectFileKind(files.write(QStringLiteral("notes.txt"), "text")), FileKind::Unknown);
+    // Another image format needs no kind of its own for its size and profile.
+    const FileFacts webp = inspectFile(
+        files.write(QStringLiteral("a.webp"),
+                    quillon::test::webpWithProfile(quillon::test::readAll(samplePath("other/ICC_Profile.icc")))));
+    EXPECT_EQ(webp.kind, FileKind::Unknown);
+    EXPECT_EQ(webp.pixelWidth, 5);
+    EXPECT_EQ(webp.profile, u"Nikon Adobe RGB 4.0.0.3000");
     EXPECT_EQ(detectFileKind(samplePath("eps/adobeJpeg1.eps")), FileKind::EPS);
     EXPECT_EQ(fileKindName(FileKind::Illustrator), u"Illustrator");
     EXPECT_EQ(fileKindName(FileKind::Unknown), u"?");

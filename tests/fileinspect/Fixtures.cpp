@@ -44,6 +44,36 @@ QByteArray descProfile(const QByteArray& name, const QByteArray& after)
     return header + tagTable + "desc" + QByteArray(4, '\0') + be32(quint32(name.size() + 1)) + name + after;
 }
 
+namespace {
+
+QByteArray le32(quint32 value)
+{
+    QByteArray bytes(4, '\0');
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = char((value >> (8 * i)) & 0xFF);
+    return bytes;
+}
+
+QByteArray riffChunk(const char* type, const QByteArray& data)
+{
+    QByteArray chunk = type + le32(quint32(data.size())) + data;
+    if (data.size() % 2 == 1)
+        chunk += '\0';
+    return chunk;
+}
+
+} // namespace
+
+QByteArray webpWithProfile(const QByteArray& profile)
+{
+    // VP8X: the profile flag, then canvas width - 1 and height - 1 in three bytes each.
+    const QByteArray extended = QByteArray("\x20\0\0\0\x04\0\0\x02\0\0", 10);
+    const QByteArray lossless = QByteArray("\x2f\x04\x80\0\0", 5) + QByteArray(8, '\0');
+    const QByteArray body =
+        "WEBP" + riffChunk("VP8X", extended) + riffChunk("ICCP", profile) + riffChunk("VP8L", lossless);
+    return "RIFF" + le32(quint32(body.size())) + body;
+}
+
 QString TempFiles::write(const QString& name, const QByteArray& bytes)
 {
     const QString file = path(name);

@@ -23,6 +23,9 @@ QByteArray psdFile(quint16 mode, const QByteArray& colorModeData, const QList<QB
 // description tag ("desc", 4 reserved bytes, the count, the text, `after`).
 QByteArray descProfile(const QByteArray& name, const QByteArray& after = QByteArray(20, '\0'));
 
+// A 5 x 3 WebP file with an ICC profile chunk (a format without a header reader of our own).
+QByteArray webpWithProfile(const QByteArray& profile);
+
 // Files in a private folder that goes away with the object.
 class TempFiles {
 public:

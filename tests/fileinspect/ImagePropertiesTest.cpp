@@ -152,6 +152,25 @@ TEST(ImageProperties, SizesAndColourModes)
     EXPECT_FALSE(readImageProperties(ByteSource()));
 }
 
+TEST(ImageProperties, OtherFormatsThroughTheMetadataLibrary)
+{
+    const QByteArray webp = quillon::test::webpWithProfile(readAll(samplePath("other/ICC_Profile.icc")));
+    const auto properties = readImageProperties(ByteSource::fromBytes(webp));
+    ASSERT_TRUE(properties);
+    EXPECT_EQ(properties->format, u"WEBP");
+    EXPECT_EQ(properties->pixelWidth, 5);
+    EXPECT_EQ(properties->pixelHeight, 3);
+    EXPECT_EQ(properties->profileName, kNikonProfile);
+
+    quillon::test::TempFiles files;
+    const QString path = files.write(QStringLiteral("image.webp"), webp);
+    QNPreflightMethods reader;
+    reader.readFromURL(path, QStringLiteral("webp"));
+    EXPECT_EQ(reader.profName(), kNikonProfile);
+    // PostScript is never handed to the library, which would read it whole.
+    EXPECT_FALSE(readImageProperties(ByteSource::fromBytes("%!PS-Adobe-3.0\n%%BoundingBox: 0 0 1 1\n")));
+}
+
 TEST(ImageProperties, ProfileDescriptions)
 {
     EXPECT_EQ(iccProfileDescription(readAll(samplePath("other/ICC_Profile.icc"))), kNikonProfile);
