@@ -89,8 +89,8 @@ QByteArray rawBytes(const Exiv2::Value& value)
     return bytes;
 }
 
-// "0221" reads 2, 2, 1 and "0100" reads 1, 0: the major number, then the minor digits, a
-// final zero dropped after a non-zero digit.
+// "0221" reads 2, 2, 1 and "0100" reads 1, 0: the major number, the first minor digit, and the
+// second one unless it is 0.
 QVariant versionValue(const QByteArray& digits)
 {
     if (digits.size() != 4)
