@@ -38,6 +38,8 @@ auto readWith(const QString& name, Open open, Use use) -> app::Result<decltype(u
     } catch (const std::exception& e) {
         return app::makeError(QStringLiteral("The metadata could not be read: %1").arg(QString::fromUtf8(e.what())),
                               name);
+    } catch (...) {
+        return app::makeError(QStringLiteral("The metadata could not be read."), name);
     }
 }
 

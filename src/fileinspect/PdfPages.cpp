@@ -28,6 +28,8 @@ template <typename Open> app::Result<std::optional<PageSize>> measureFirstPage(c
         return std::optional<PageSize>(PageSize{std::fabs(box.urx - box.llx), std::fabs(box.ury - box.lly)});
     } catch (const std::exception& e) {
         return app::makeError(QStringLiteral("The PDF could not be read: %1").arg(QString::fromUtf8(e.what())), name);
+    } catch (...) {
+        return app::makeError(QStringLiteral("The PDF could not be read."), name);
     }
 }
 
