@@ -37,4 +37,4 @@ ours=$(seconds "$quillon" inspect --format json "$folder"/*)
 theirs=$(seconds exiftool -fast -json "${tags[@]}" "$folder")
 awk -v ours="$ours" -v theirs="$theirs" 'BEGIN {
   printf "files: 2000\nquillon inspect: %.3f s\nexiftool -fast:  %.3f s\nratio: %.1fx\n", ours, theirs, theirs / ours }'
-QUILLON_INSPECT_FILES="$folder" "$build/bench/bench_InspectBench" --benchmark_filter=InspectLinkedFiles
+QUILLON_INSPECT_FILES="$folder" "$build/bench/InspectBench" --benchmark_filter=InspectLinkedFiles

@@ -1,11 +1,14 @@
 #include "cli/Commands.h"
 
 #include "cli/InspectCommands.h"
+#include "cli/PresetsCommand.h"
 
 namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
+    addPresetsCommand(program, commands);
+    addInfoCommand(program, commands);
     addInspectCommand(program, commands);
     addMetadataCommand(program, commands);
 }
