@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/InspectCommands.h"
 #include "cli/PresetsCommand.h"
 
 namespace quillon::cli {
@@ -9,6 +10,8 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addPresetsCommand(program, commands);
     addInfoCommand(program, commands);
     addPreflightCommand(program, commands);
+    addInspectCommand(program, commands);
+    addMetadataCommand(program, commands);
 }
 
 } // namespace quillon::cli
