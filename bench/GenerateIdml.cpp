@@ -1,5 +1,5 @@
 // Writes a large generated IDML for trying the program by hand:
-//   GenerateIdml OUT.idml [spreads] [links per spread]
+//   GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]
 #include "IdmlGenerator.h"
 
 #include <QCoreApplication>
@@ -12,7 +12,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() < 2) {
-        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread]\n";
+        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]\n";
         return 2;
     }
     quillon::bench::IdmlShape shape;
@@ -20,6 +20,8 @@ int main(int argc, char** argv)
         shape.spreads = args.at(2).toInt();
     if (args.size() > 3)
         shape.linksPerSpread = args.at(3).toInt();
+    if (args.size() > 4)
+        shape.linkedFilesFolder = args.at(4);
     const quillon::bench::GeneratedIdml facts = quillon::bench::writeGeneratedIdml(args.at(1), shape);
     if (facts.entries == 0) {
         std::cerr << "GenerateIdml: could not write " << args.at(1).toStdString() << '\n';

@@ -2,6 +2,8 @@
 
 #include "preflight/IdmlArchiveWriter.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QStringList>
@@ -37,6 +39,16 @@ public:
         }
         return text;
     }
+
+    // The file name of a link; every name given is kept in linkNames().
+    QByteArray linkName(int spread, int index)
+    {
+        QByteArray name = words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" +
+                          QByteArray::number(index) + ".tif";
+        m_linkNames << QString::fromLatin1(name);
+        return name;
+    }
+    const QStringList& linkNames() const { return m_linkNames; }
 
     QByteArray rectangle(int spread, int index)
     {
@@ -76,8 +88,7 @@ public:
                id +
                "l\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"file:/Volumes/Jobs/"
                "Catalogue/Links/" +
-               words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" + QByteArray::number(index) +
-               ".tif\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
+               linkName(spread, index) + "\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
                "LinkResourceSize=\"0~" +
                QByteArray::number(m_random.bounded(100000, 9000000), 16) +
                "\"/>\n"
@@ -145,6 +156,7 @@ public:
 private:
     const IdmlShape& m_shape;
     QRandomGenerator m_random;
+    QStringList m_linkNames;
 };
 
 QByteArray part(const char* root, const QByteArray& body)
@@ -229,6 +241,47 @@ QByteArray preferences()
            "</idPkg:Preferences>\n";
 }
 
+// An uncompressed 8 by 8 CMYK TIFF of 300 ppi, little-endian.
+QByteArray smallTiff()
+{
+    constexpr int kSide = 8;
+    struct Entry {
+        quint16 tag;
+        quint16 type;
+        quint32 value;
+    };
+    const quint32 entries = 11;
+    const quint32 ifdSize = 2 + entries * 12 + 4;
+    const quint32 resolutionOffset = 8 + ifdSize;
+    const quint32 pixelOffset = resolutionOffset + 16;
+    const Entry table[entries] = {
+        {256, 3, kSide},           {257, 3, kSide},           {258, 3, 8},   {259, 3, 1},
+        {262, 3, 5},               {273, 4, pixelOffset},     {277, 3, 4},   {279, 4, kSide * kSide * 4},
+        {282, 5, resolutionOffset}, {283, 5, resolutionOffset + 8}, {296, 3, 2},
+    };
+    QByteArray bytes("II*\0", 4);
+    auto put = [&bytes](quint32 value, int size) {
+        for (int i = 0; i < size; ++i)
+            bytes += char((value >> (8 * i)) & 0xFF);
+    };
+    put(8, 4);
+    put(entries, 2);
+    for (const Entry& entry : table) {
+        put(entry.tag, 2);
+        put(entry.type, 2);
+        put(1, 4);
+        put(entry.value, 4);
+    }
+    put(0, 4);
+    for (int i = 0; i < 2; ++i) {
+        put(300, 4);
+        put(1, 4);
+    }
+    for (int i = 0; i < kSide * kSide * 4; ++i)
+        bytes += char(i * 37);
+    return bytes;
+}
+
 } // namespace
 
 GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
@@ -284,6 +337,16 @@ GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
     if (!ok || !writer->close())
         return {};
     result.archiveBytes = QFileInfo(path).size();
+    if (!shape.linkedFilesFolder.isEmpty()) {
+        QDir().mkpath(shape.linkedFilesFolder);
+        const QByteArray tiff = smallTiff();
+        for (const QString& name : xml.linkNames()) {
+            QFile file(QDir(shape.linkedFilesFolder).filePath(name));
+            if (!file.open(QIODevice::WriteOnly) || file.write(tiff) != tiff.size())
+                return {};
+            ++result.linkedFiles;
+        }
+    }
     return result;
 }
 

@@ -17,6 +17,10 @@ struct IdmlShape {
     int paragraphStyles = 0;
     int characterStyles = 0;
     int swatches = 0;
+    // When set, a small TIFF file for every link is written into this folder under the link's
+    // file name, so that the link analysis finds them (it looks in the "Links" folder beside
+    // the document by name).
+    QString linkedFilesFolder;
 };
 
 // What was written.
@@ -24,6 +28,7 @@ struct GeneratedIdml {
     qint64 archiveBytes = 0;
     qint64 xmlBytes = 0; // uncompressed size of all parts
     int entries = 0;
+    int linkedFiles = 0; // files written into the linked-files folder
 };
 
 // Writes the IDML package at `path` (replacing it). Coordinates and words vary, so the XML

@@ -1,0 +1,164 @@
+// A whole preflight: the generated 1,000-spread document with 10,000 links whose files are on
+// disk, exported (copied), unpacked, links analysed, fonts and colours inspected, results judged
+// and summed up; in process through the driver, and as `quillon preflight` runs it. Then 100
+// small documents through the command with one and with two jobs.
+//
+// Peak memory is reported as "maxRSS_MB": of this process for the in-process run, of the
+// command for the command runs.
+#include "IdmlGenerator.h"
+
+#include "app/Alerts.h"
+#include "app/Progress.h"
+#include "preflight/ControlCenter.h"
+#include "preflight/OfflineIdmlHost.h"
+#include "reports/PreflightResults.h"
+#include "results/Presets.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <sys/resource.h>
+
+#include <iostream>
+
+namespace {
+
+using namespace quillon;
+
+bench::IdmlShape styledShape(int spreads, int linksPerSpread, int paragraphs, const QString& linksFolder)
+{
+    bench::IdmlShape shape;
+    shape.spreads = spreads;
+    shape.linksPerSpread = linksPerSpread;
+    shape.paragraphsPerStory = paragraphs;
+    shape.paragraphStyles = 40;
+    shape.characterStyles = 15;
+    shape.swatches = 60;
+    shape.linkedFilesFolder = linksFolder;
+    return shape;
+}
+
+struct Documents {
+    QTemporaryDir dir;
+    QString large;
+    QStringList small;
+
+    Documents()
+    {
+        large = dir.filePath(QStringLiteral("large/Catalogue.idml"));
+        QDir().mkpath(QFileInfo(large).path());
+        const bench::GeneratedIdml facts =
+            bench::writeGeneratedIdml(large, styledShape(1000, 10, 90, dir.filePath(QStringLiteral("large/Links"))));
+        std::cerr << "large: " << facts.entries << " entries, " << facts.xmlBytes / 1e6 << " MB of XML, "
+                  << facts.linkedFiles << " linked files\n";
+        QDir().mkpath(dir.filePath(QStringLiteral("small")));
+        for (int i = 0; i < 100; ++i) {
+            const QString path = dir.filePath(QStringLiteral("small/Leaflet %1.idml").arg(i));
+            bench::IdmlShape shape = styledShape(4, 4, 20, dir.filePath(QStringLiteral("small/Links")));
+            shape.seed = static_cast<unsigned>(i + 1);
+            if (bench::writeGeneratedIdml(path, shape).entries > 0)
+                small << path;
+        }
+    }
+};
+
+Documents& documents()
+{
+    static Documents instance;
+    return instance;
+}
+
+double maxRssMegabytes(int who)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024.0;
+}
+
+void preflightInProcess(benchmark::State& state)
+{
+    const QString document = documents().large;
+    const QVariantMap preset = results::defaultPreset();
+    qsizetype links = 0;
+    for (auto _ : state) {
+        QTemporaryDir run;
+        preflight::OfflineIdmlHost host;
+        if (!host.openDocument(document, true)) {
+            state.SkipWithError("the document cannot be opened");
+            break;
+        }
+        app::ScriptedAlertSink alerts;
+        app::NullProgressSink progress;
+        reports::PreflightResults results(reports::PreflightResults::fixedPreset(preset));
+        preflight::QNControlCenter center(host, alerts, progress, results,
+                                          preflight::PreflightFolders::inside(run.path()));
+        center.startup();
+        if (!center.preflightActiveDoc()) {
+            state.SkipWithError("the preflight did not start");
+            break;
+        }
+        center.waitUntilPreflightIsDone();
+        links = results.linkItems().size();
+        if (center.lastOutcome() != preflight::QNControlCenter::Outcome::Completed || results.fontItems().isEmpty() ||
+            results.colorItems().isEmpty())
+            state.SkipWithError("the preflight did not complete");
+    }
+    state.counters["links"] = static_cast<double>(links);
+    state.counters["maxRSS_MB"] = maxRssMegabytes(RUSAGE_SELF);
+}
+
+// Runs `quillon preflight` on the documents; the time is the command's, start to end.
+void runCommand(benchmark::State& state, const QStringList& docs, int jobs)
+{
+    for (auto _ : state) {
+        QProcess process;
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QUILLON_SUPPORT_DIR"), documents().dir.filePath(QStringLiteral("support")));
+        process.setProcessEnvironment(environment);
+        QStringList arguments{QStringLiteral("preflight"), QStringLiteral("--format"), QStringLiteral("json"),
+                              QStringLiteral("--jobs"), QString::number(jobs)};
+        QElapsedTimer timer;
+        timer.start();
+        process.start(QStringLiteral(QUILLON_CLI_PATH), arguments + docs);
+        if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit || process.exitCode() > 1) {
+            state.SkipWithError("the command failed");
+            break;
+        }
+        state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) / 1e9);
+        benchmark::DoNotOptimize(process.readAllStandardOutput());
+    }
+    state.counters["documents"] = static_cast<double>(docs.size());
+    state.counters["maxRSS_MB"] = maxRssMegabytes(RUSAGE_CHILDREN);
+}
+
+void commandLargeDocument(benchmark::State& state)
+{
+    runCommand(state, {documents().large}, 1);
+}
+
+void commandSmallDocuments(benchmark::State& state)
+{
+    runCommand(state, documents().small, static_cast<int>(state.range(0)));
+}
+
+BENCHMARK(preflightInProcess)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
+BENCHMARK(commandLargeDocument)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(3);
+BENCHMARK(commandSmallDocuments)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(3);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    documents();
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
