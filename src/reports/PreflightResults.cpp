@@ -47,14 +47,18 @@ void PreflightResults::clearAllResults()
 
 QString PreflightResults::registrationInTextFlag()
 {
-    const QVariantMap colors = presetOrNothing().value(results::kPresetColorsKey).toMap();
+    // Asked as a preflight starts: the lists of that preflight are judged with the same preset,
+    // so a preset that cannot be had is reported once.
+    m_presetOfPreflight = presetOrNothing();
+    const QVariantMap colors = m_presetOfPreflight->value(results::kPresetColorsKey).toMap();
     return QString::number(app::intValueOf(colors.value(results::kColorsRegAppliedToTextKey)));
 }
 
 void PreflightResults::setItems(const QString& dataFolder)
 {
     m_dataFolder = dataFolder;
-    const QVariantMap preset = presetOrNothing();
+    const QVariantMap preset = m_presetOfPreflight ? *m_presetOfPreflight : presetOrNothing();
+    m_presetOfPreflight.reset();
     m_links.setItems(results::readDataFile(dataFolder, app::kLinkDataFileName), preset);
     m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
     m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);

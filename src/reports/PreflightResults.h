@@ -73,6 +73,7 @@ private:
     TextReportType m_reportType = TextReportType::Regular;
     std::function<QDateTime()> m_clock;
     QString m_dataFolder;
+    std::optional<QVariantMap> m_presetOfPreflight; // read as the running preflight started
     results::QNLinksOutline m_links;
     results::QNFontsOutlineController m_fonts;
     results::QNColorsOutlineController m_colors;
