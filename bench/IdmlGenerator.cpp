@@ -43,8 +43,8 @@ public:
     // The file name of a link; every name given is kept in linkNames().
     QByteArray linkName(int spread, int index)
     {
-        QByteArray name = words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" +
-                          QByteArray::number(index) + ".tif";
+        QByteArray name =
+            words(2).replace(' ', '_') + "_" + QByteArray::number(spread) + "_" + QByteArray::number(index) + ".tif";
         m_linkNames << QString::fromLatin1(name);
         return name;
     }
@@ -88,7 +88,8 @@ public:
                id +
                "l\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"file:/Volumes/Jobs/"
                "Catalogue/Links/" +
-               linkName(spread, index) + "\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
+               linkName(spread, index) +
+               "\" LinkResourceFormat=\"$ID/TIFF\" StoredState=\"Normal\" "
                "LinkResourceSize=\"0~" +
                QByteArray::number(m_random.bounded(100000, 9000000), 16) +
                "\"/>\n"
@@ -255,9 +256,17 @@ QByteArray smallTiff()
     const quint32 resolutionOffset = 8 + ifdSize;
     const quint32 pixelOffset = resolutionOffset + 16;
     const Entry table[entries] = {
-        {256, 3, kSide},           {257, 3, kSide},           {258, 3, 8},   {259, 3, 1},
-        {262, 3, 5},               {273, 4, pixelOffset},     {277, 3, 4},   {279, 4, kSide * kSide * 4},
-        {282, 5, resolutionOffset}, {283, 5, resolutionOffset + 8}, {296, 3, 2},
+        {256, 3, kSide},
+        {257, 3, kSide},
+        {258, 3, 8},
+        {259, 3, 1},
+        {262, 3, 5},
+        {273, 4, pixelOffset},
+        {277, 3, 4},
+        {279, 4, kSide * kSide * 4},
+        {282, 5, resolutionOffset},
+        {283, 5, resolutionOffset + 8},
+        {296, 3, 2},
     };
     QByteArray bytes("II*\0", 4);
     auto put = [&bytes](quint32 value, int size) {

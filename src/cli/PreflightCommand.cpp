@@ -82,7 +82,8 @@ app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
     if (row >= 0)
         return ChosenPreset{name, table.items().at(row).toMap()};
     if (!options.preset.empty())
-        return app::makeError(QStringLiteral("No checkup preset is named \"%1\" (see quillon presets list).").arg(name));
+        return app::makeError(
+            QStringLiteral("No checkup preset is named \"%1\" (see quillon presets list).").arg(name));
     printError({}, QStringLiteral("The selected checkup preset \"%1\" could not be found: it could be renamed or "
                                   "deleted. The results are not judged; choose a preset with --preset.")
                        .arg(name));
@@ -191,8 +192,8 @@ private:
         if (m_format == QLatin1String("json")) {
             m_documents.append(documentJson(document));
         } else if (document.preflighted) {
-            const QString text =
-                m_format == QLatin1String("summary") ? summaryText(document, m_presetName) : document.reportText + u'\n';
+            const QString text = m_format == QLatin1String("summary") ? summaryText(document, m_presetName)
+                                                                      : document.reportText + u'\n';
             std::cout << (m_printedOne ? "\n" : "") << text.toStdString() << std::flush;
             m_printedOne = true;
         }
@@ -259,9 +260,8 @@ int runPreflight(const PreflightOptions& options)
     for (const std::string& document : options.documents)
         paths << q(document);
     const QStringList reportNames = reportFileNames(paths);
-    const qsizetype jobs =
-        std::clamp<qsizetype>(options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1,
-                              paths.size());
+    const qsizetype jobs = std::clamp<qsizetype>(
+        options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1, paths.size());
 
     Interruption interruption;
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());

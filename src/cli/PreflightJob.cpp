@@ -66,9 +66,8 @@ QString failureText(const preflight::QNControlCenter& center, const std::vector<
 
 } // namespace
 
-PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options,
-                                      const QString& runFolder, const ControlCenterWatch& watch,
-                                      const StatusReport& statusReport)
+PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options, const QString& runFolder,
+                                      const ControlCenterWatch& watch, const StatusReport& statusReport)
 {
     PreflightedDocument document;
     document.path = path;

@@ -51,8 +51,7 @@ using StatusReport = std::function<void(const QString& status)>;
 // Preflights the IDML file at `path` with the offline host, in `runFolder` (a folder of its own,
 // left for the caller to remove). Runs on the calling thread, the stages on a worker of the
 // driver's own.
-PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options,
-                                      const QString& runFolder, const ControlCenterWatch& watch,
-                                      const StatusReport& statusReport);
+PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options, const QString& runFolder,
+                                      const ControlCenterWatch& watch, const StatusReport& statusReport);
 
 } // namespace quillon::cli

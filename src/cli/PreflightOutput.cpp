@@ -151,7 +151,7 @@ QJsonArray jsonRecords(const QVariantList& records)
     QJsonArray array;
     for (const QVariant& record : records)
         array.append(record.typeId() == QMetaType::QVariantMap ? QJsonValue(jsonObject(record.toMap(), true))
-                                                                : jsonValue(record));
+                                                               : jsonValue(record));
     return array;
 }
 
@@ -179,8 +179,8 @@ QString summaryText(const PreflightedDocument& document, const QString& presetNa
     const preflight::QNDocInfo& info = document.info;
     const QList<std::pair<QString, QString>> lines{
         {QStringLiteral("Path"), info.docPath()},
-        {QStringLiteral("Pages"), QStringLiteral("%1 (version %2)").arg(orDash(info.numberOfPagesStr()),
-                                                                       orDash(info.InDesignVersion()))},
+        {QStringLiteral("Pages"),
+         QStringLiteral("%1 (version %2)").arg(orDash(info.numberOfPagesStr()), orDash(info.InDesignVersion()))},
         {QStringLiteral("Size"), info.fileSizeStr()},
         {QStringLiteral("Modified"), orDash(info.modDateStr())},
         {QStringLiteral("Page size"), info.pageSizeStr()},

@@ -303,9 +303,9 @@ bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
     setProgressValueToStage(QStringLiteral("links"));
     QString failure;
     try {
-        const LinkAnalysisOutcome outcome = m_linkAnalysis(
-            {m_idmlFolderPath, path, m_numberOfLinksInDoc.toInt(), m_folders.dataFolder, m_linkFolders,
-             m_isBatchPreflight, &m_progress, &m_doCancel, &m_alerts});
+        const LinkAnalysisOutcome outcome =
+            m_linkAnalysis({m_idmlFolderPath, path, m_numberOfLinksInDoc.toInt(), m_folders.dataFolder, m_linkFolders,
+                            m_isBatchPreflight, &m_progress, &m_doCancel, &m_alerts});
         m_currDocInfo.setDocPageSizes(outcome.pageSizes);
         if (!outcome.dataFileError.isEmpty())
             addWarning(outcome.dataFileError);
@@ -350,8 +350,8 @@ void QNControlCenter::processColors()
 {
     if (doCancel())
         return;
-    const app::Status inspected = m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder,
-                                                       m_registrationInTextFlag);
+    const app::Status inspected =
+        m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder, m_registrationInTextFlag);
     if (!inspected) {
         app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()));

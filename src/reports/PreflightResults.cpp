@@ -1,10 +1,10 @@
 #include "reports/PreflightResults.h"
 
 #include "app/Log.h"
+#include "app/Numbers.h"
 #include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
-#include "app/Numbers.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
 #include "results/ResultRows.h"
@@ -66,12 +66,13 @@ void PreflightResults::setItems(const QString& dataFolder)
 
 void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
 {
-    const results::SummaryDocumentInfo document{docInfo.docName(),         docInfo.docPath(),
-                                                docInfo.creationDateStr(), docInfo.modDateStr(),
-                                                docInfo.InDesignVersion(), docInfo.numberOfPagesStr(),
-                                                docInfo.bleedStr(),        docInfo.slugStr()};
-    m_status = m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(),
-                                     [](std::uint64_t bytes) { return app::fileSizeStrFromBytes(bytes); /* INTERIM until links lands */ });
+    const results::SummaryDocumentInfo document{
+        docInfo.docName(),         docInfo.docPath(),          docInfo.creationDateStr(), docInfo.modDateStr(),
+        docInfo.InDesignVersion(), docInfo.numberOfPagesStr(), docInfo.bleedStr(),        docInfo.slugStr()};
+    m_status =
+        m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(), [](std::uint64_t bytes) {
+            return app::fileSizeStrFromBytes(bytes); /* INTERIM until links lands */
+        });
     docInfo.setHasPreflightErrors(m_status.hasPreflightErrors);
 }
 

@@ -55,8 +55,7 @@ public:
     void presetsPopup(const QString& title) override;
 
     // The whole text of the report in a layout, as a report file holds it.
-    QString textReport(TextReportType type, const QString& paraStylesReport,
-                       const preflight::QNDocInfo& docInfo) const;
+    QString textReport(TextReportType type, const QString& paraStylesReport, const preflight::QNDocInfo& docInfo) const;
 
     const QVariantList& linkItems() const { return m_links.items(); }
     const QVariantList& fontItems() const { return m_fonts.items(); }

@@ -85,9 +85,9 @@ TEST_F(PreflightCommand, EverySampleDocumentGivesTheJsonEnvelope)
 {
     const QStringList documents = idmlFilesBelow(samplePath(QStringLiteral("idml")));
     ASSERT_GE(documents.size(), 13);
-    const CliRun run = preflight(QStringList{QStringLiteral("--format"), QStringLiteral("json"), QStringLiteral("--jobs"),
-                                             QStringLiteral("2")} +
-                                 documents);
+    const CliRun run = preflight(
+        QStringList{QStringLiteral("--format"), QStringLiteral("json"), QStringLiteral("--jobs"), QStringLiteral("2")} +
+        documents);
     ASSERT_TRUE(run.exitCode == 0 || run.exitCode == 1) << run.exitCode << run.err.toStdString();
 
     QJsonParseError parsed;
@@ -103,11 +103,12 @@ TEST_F(PreflightCommand, EverySampleDocumentGivesTheJsonEnvelope)
         SCOPED_TRACE(documents.at(i).toStdString());
         EXPECT_EQ(document.value(QStringLiteral("path")).toString(), documents.at(i));
         EXPECT_EQ(document.value(QStringLiteral("name")).toString(), QFileInfo(documents.at(i)).fileName());
-        ASSERT_FALSE(document.contains(QStringLiteral("error"))) << document.value(QStringLiteral("error")).toString().toStdString();
+        ASSERT_FALSE(document.contains(QStringLiteral("error")))
+            << document.value(QStringLiteral("error")).toString().toStdString();
         const QJsonObject info = document.value(QStringLiteral("info")).toObject();
-        for (const char* key : {"docName", "docPath", "numberOfPagesStr", "InDesignVersion", "fileSizeStr",
-                                "creationDateStr", "modDateStr", "bleedStr", "slugStr", "horizMeasurementUnits",
-                                "vertMeasurementUnits", "pageSizeStr"})
+        for (const char* key :
+             {"docName", "docPath", "numberOfPagesStr", "InDesignVersion", "fileSizeStr", "creationDateStr",
+              "modDateStr", "bleedStr", "slugStr", "horizMeasurementUnits", "vertMeasurementUnits", "pageSizeStr"})
             EXPECT_TRUE(info.value(QLatin1String(key)).isString()) << key;
         EXPECT_TRUE(info.value(QStringLiteral("docPageSizes")).isArray());
         for (const char* list : {"links", "fonts", "colors"})
@@ -145,11 +146,11 @@ TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)
     run = preflight({missing, broken, interview, QStringLiteral("--format"), QStringLiteral("json"),
                      QStringLiteral("--jobs"), QStringLiteral("1")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("quillon preflight: %1: the file does not exist").arg(missing).toUtf8()))
+    EXPECT_TRUE(
+        run.err.contains(QStringLiteral("quillon preflight: %1: the file does not exist").arg(missing).toUtf8()))
         << run.err.toStdString();
     EXPECT_TRUE(run.err.contains(QStringLiteral("quillon preflight: %1: ").arg(broken).toUtf8()));
-    const QJsonArray documents =
-        QJsonDocument::fromJson(run.out).object().value(QStringLiteral("documents")).toArray();
+    const QJsonArray documents = QJsonDocument::fromJson(run.out).object().value(QStringLiteral("documents")).toArray();
     ASSERT_EQ(documents.size(), 3);
     for (int i : {0, 1}) {
         const QJsonObject failed = documents.at(i).toObject();
@@ -172,9 +173,9 @@ TEST_F(PreflightCommand, ReportsGoToStandardOutputAndIntoTheReportFolder)
     ASSERT_TRUE(QFile::copy(interview, copy));
     const QString reports = m_out.filePath(QStringLiteral("reports"));
 
-    CliRun run = preflight({interview, copy, QStringLiteral("--format"), QStringLiteral("tab"), QStringLiteral("--jobs"),
-                            QStringLiteral("2"),
-                            QStringLiteral("--report-dir"), reports, QStringLiteral("--preset-file"), lenientPreset()});
+    CliRun run = preflight({interview, copy, QStringLiteral("--format"), QStringLiteral("tab"),
+                            QStringLiteral("--jobs"), QStringLiteral("2"), QStringLiteral("--report-dir"), reports,
+                            QStringLiteral("--preset-file"), lenientPreset()});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList written = QDir(reports).entryList(QDir::Files, QDir::Name);
     EXPECT_EQ(written, (QStringList{QStringLiteral("interview.idml_Quillon_Report.txt"),
@@ -186,7 +187,8 @@ TEST_F(PreflightCommand, ReportsGoToStandardOutputAndIntoTheReportFolder)
     EXPECT_TRUE(second.contains(("Path: " + copy + "\n").toUtf8()));
 
     // The summary with a report folder writes the regular report.
-    run = preflight({interview, QStringLiteral("--report-dir"), reports, QStringLiteral("--preset-file"), lenientPreset()});
+    run = preflight(
+        {interview, QStringLiteral("--report-dir"), reports, QStringLiteral("--preset-file"), lenientPreset()});
     ASSERT_EQ(run.exitCode, 0);
     EXPECT_TRUE(quillon::test::readAll(QDir(reports).filePath(written.at(0))).contains("\n\nCOLORS\n\nName: "));
 }

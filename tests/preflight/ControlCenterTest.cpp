@@ -114,10 +114,7 @@ public:
         inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
-    app::Result<QString> paraReport(const QString& docName) override
-    {
-        return QStringLiteral("styles of ") + docName;
-    }
+    app::Result<QString> paraReport(const QString& docName) override { return QStringLiteral("styles of ") + docName; }
 
     std::optional<QString> linkCount;
     QStringList inspections;
@@ -127,7 +124,10 @@ public:
 class RecordingBatch : public BatchPreflight {
 public:
     std::optional<QueuedDocument> nextDocument() override { return queued; }
-    void setBatchPreflightProgressValueToStage(const QString& stage) override { calls << QStringLiteral("stage ") + stage; }
+    void setBatchPreflightProgressValueToStage(const QString& stage) override
+    {
+        calls << QStringLiteral("stage ") + stage;
+    }
     void incrementBatchProgressBy(double amount, const QString& status) override
     {
         calls << QStringLiteral("increment %1 %2").arg(amount).arg(status);
@@ -152,7 +152,8 @@ protected:
     // A link analysis that writes an empty link data file, as the real one does for no links.
     static LinkAnalysisOutcome writeEmptyLinkData(const LinkAnalysisRequest& request)
     {
-        EXPECT_TRUE(app::writePropertyListFile(QVariantMap{}, QDir(request.dataFolder).filePath(app::kLinkDataFileName)));
+        EXPECT_TRUE(
+            app::writePropertyListFile(QVariantMap{}, QDir(request.dataFolder).filePath(app::kLinkDataFileName)));
         return {false, {{QStringLiteral("612"), QStringLiteral("792"), {QStringLiteral("1")}}}, {}};
     }
 
@@ -198,12 +199,12 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
               (QStringList{QStringLiteral("stage links Preflighting links..."),
                            QStringLiteral("stage links Preflighting links..."),
                            QStringLiteral("stage fonts Preflighting fonts..."),
-                           QStringLiteral("stage colors Preflighting colors..."), QStringLiteral("stage end Finishing..."),
-                           QStringLiteral("stage stop")}));
+                           QStringLiteral("stage colors Preflighting colors..."),
+                           QStringLiteral("stage end Finishing..."), QStringLiteral("stage stop")}));
     const QStringList lines = m_progress.lines();
-    EXPECT_EQ(lines.mid(0, 3), (QStringList{QStringLiteral("maximum 100"),
-                                            QStringLiteral("status Gathering document info..."),
-                                            QStringLiteral("increment 4")}));
+    EXPECT_EQ(lines.mid(0, 3),
+              (QStringList{QStringLiteral("maximum 100"), QStringLiteral("status Gathering document info..."),
+                           QStringLiteral("increment 4")}));
     EXPECT_EQ(lines.mid(lines.size() - 3),
               (QStringList{QStringLiteral("stage stop"), QStringLiteral("value 0"), QStringLiteral("finished")}));
     EXPECT_EQ(m_results.calls, (QStringList{QStringLiteral("clear"), QStringLiteral("show Brochure.idml"),
@@ -214,8 +215,9 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
     EXPECT_EQ(host.inspections,
               (QStringList{QStringLiteral("fonts Brochure.idml"), QStringLiteral("colors Brochure.idml 1")}));
     EXPECT_TRUE(host.idmlFolderOfInspection.startsWith(m_folders.workFolder + QStringLiteral("/Brochure.idml.folder")));
-    EXPECT_EQ(center->warnings(),
-              QStringList{QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be read")});
+    EXPECT_EQ(
+        center->warnings(),
+        QStringList{QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be read")});
 
     // The document strings, the document information with the preferences and page sizes.
     EXPECT_EQ(center->currDocPath(), m_doc);
@@ -264,9 +266,10 @@ TEST_F(ControlCenterTest, NoDocumentGivesOneCriticalAlertAndNoStages)
     scripts.pushError(QStringLiteral("Can't get full name of document 1: it has no full name."));
     EXPECT_FALSE(center->preflightActiveDoc());
     ASSERT_EQ(m_alerts.requests().size(), 2U);
-    EXPECT_EQ(m_alerts.requests().back().message,
-              app::withSupportContact(QStringLiteral("Quillon cannot preflight new unsaved and [Converted] documents. "
-                                                     "Please save the document with the current version of InDesign.")));
+    EXPECT_EQ(
+        m_alerts.requests().back().message,
+        app::withSupportContact(QStringLiteral("Quillon cannot preflight new unsaved and [Converted] documents. "
+                                               "Please save the document with the current version of InDesign.")));
 
     // An empty answer is the same alert without a message.
     scripts.pushResult(QVariantList{});
@@ -369,9 +372,8 @@ TEST_F(ControlCenterTest, AnExceptionInTheLinkAnalysisIsReportedAndTheRestRuns)
     FakeHost host;
     ASSERT_TRUE(host.openDocument(m_doc, true));
     auto center = makeCenter(host);
-    center->setLinkAnalysis([](const LinkAnalysisRequest&) -> LinkAnalysisOutcome {
-        throw std::runtime_error("spread 7 is malformed");
-    });
+    center->setLinkAnalysis(
+        [](const LinkAnalysisRequest&) -> LinkAnalysisOutcome { throw std::runtime_error("spread 7 is malformed"); });
 
     ASSERT_TRUE(center->preflightActiveDoc());
     center->waitUntilPreflightIsDone();
@@ -401,10 +403,10 @@ TEST_F(ControlCenterTest, ABatchAsksForTheNextDocumentAndReportsToTheBatch)
 
     EXPECT_TRUE(center->isBatchPreflight());
     // Stages go to the batch, all but "stop"; the window's bar shows nothing.
-    EXPECT_EQ(batch.calls, (QStringList{QStringLiteral("increment 0 Gathering document info..."),
-                                        QStringLiteral("stage links"), QStringLiteral("stage links"),
-                                        QStringLiteral("stage fonts"), QStringLiteral("stage colors"),
-                                        QStringLiteral("stage end"), QStringLiteral("done ") + m_doc}));
+    EXPECT_EQ(batch.calls,
+              (QStringList{QStringLiteral("increment 0 Gathering document info..."), QStringLiteral("stage links"),
+                           QStringLiteral("stage links"), QStringLiteral("stage fonts"), QStringLiteral("stage colors"),
+                           QStringLiteral("stage end"), QStringLiteral("done ") + m_doc}));
     EXPECT_TRUE(m_progress.stages().isEmpty());
 }
 
@@ -486,10 +488,11 @@ TEST_F(ControlCenterTest, CommandsOnTheLastPreflightedDocument)
     scripts.pushError(QStringLiteral("A dialog is open."));
     center->packageWithInDesign();
     EXPECT_EQ(scripts.sources(),
-              (QStringList{QStringLiteral("tell app \"Adobe InDesign 2024\" \n activate \n open \"/Jobs/Say \\\"hi\\\".indd\" "
-                                          "\n end"),
-                           QStringLiteral("tell application \"Adobe InDesign 2024\" to invoke menu action "
-                                          "\"$ID/Packa&ge...\"")}));
+              (QStringList{
+                  QStringLiteral("tell app \"Adobe InDesign 2024\" \n activate \n open \"/Jobs/Say \\\"hi\\\".indd\" "
+                                 "\n end"),
+                  QStringLiteral("tell application \"Adobe InDesign 2024\" to invoke menu action "
+                                 "\"$ID/Packa&ge...\"")}));
     ASSERT_EQ(m_alerts.requests().size(), 3U);
     EXPECT_EQ(m_alerts.requests().at(1).title, QStringLiteral("Cannot open document"));
     EXPECT_EQ(m_alerts.requests().at(2).title, QStringLiteral("Cannot invoke the Package command in InDesign"));

@@ -37,10 +37,11 @@ QVariantMap missingRule()
 // A preset with a "Status is Missing" rule for fonts and links and the RGB colour check.
 QVariantMap strictPreset()
 {
-    return {{results::kPresetNameKey, QStringLiteral("Strict")},
-            {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-            {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-            {results::kPresetColorsKey, QVariantMap{{QStringLiteral("RGB"), 1}, {QStringLiteral("regAppliedToText"), 1}}}};
+    return {
+        {results::kPresetNameKey, QStringLiteral("Strict")},
+        {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+        {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+        {results::kPresetColorsKey, QVariantMap{{QStringLiteral("RGB"), 1}, {QStringLiteral("regAppliedToText"), 1}}}};
 }
 
 class PreflightResultsTest : public ::testing::Test {
@@ -73,9 +74,9 @@ protected:
 
     preflight::QNDocInfo docInfo() const
     {
-        return preflight::QNDocInfo::docInfoWithRecord(
-            {QString(), kDocPath, QStringLiteral("Brochure.idml"), QStringLiteral("4"), QStringLiteral("0"),
-             QStringLiteral("20.0")});
+        return preflight::QNDocInfo::docInfoWithRecord({QString(), kDocPath, QStringLiteral("Brochure.idml"),
+                                                        QStringLiteral("4"), QStringLiteral("0"),
+                                                        QStringLiteral("20.0")});
     }
 
     QTemporaryDir m_dir;
@@ -99,7 +100,8 @@ TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
     ASSERT_EQ(results.linkItems().size(), 1);
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
-    EXPECT_EQ(results.colorItems().front().toMap().value(QStringLiteral("value")).toString(), QStringLiteral("0  102  204"));
+    EXPECT_EQ(results.colorItems().front().toMap().value(QStringLiteral("value")).toString(),
+              QStringLiteral("0  102  204"));
 
     preflight::QNDocInfo info = docInfo();
     results.populateSummaryAndDocInfo(info);
@@ -136,7 +138,8 @@ TEST_F(PreflightResultsTest, ChangingThePresetWithEmptyListsOnlyStoresIt)
     });
     results.setSettingsFile(settingsFile());
     results.presetsPopup(QStringLiteral("Print"));
-    EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(), QStringLiteral("Print"));
+    EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(),
+              QStringLiteral("Print"));
     EXPECT_EQ(presetReads, 0);
     EXPECT_TRUE(results.linkItems().isEmpty());
 }
