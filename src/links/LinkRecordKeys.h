@@ -55,5 +55,24 @@ inline const QString kLinkPrints = QStringLiteral("√");                 // "pr
 inline const QString kLinkNonPrinting = QStringLiteral("-");            // "print" of a non-printing graphic
 inline const QString kLinkColorBlackAndWhite = QStringLiteral("Black and White");
 inline const QString kLinkColorUnknown = QStringLiteral("   -");         // three blanks and a hyphen
+inline const QString kLinkNoPage = QStringLiteral("?");                 // "page" when no page matches
+inline const QString kLinkAnchoredPageMark = QStringLiteral("ª");       // ends the "page" of an anchored link
+inline const QString kLinkNoApp = QStringLiteral("?");                  // "app" when no application opens the file
+inline const QString kLinkNoVolume = QStringLiteral("?");               // "volume" of a missing file
+inline const QString kLinkNoSize = QStringLiteral("-");                 // "size" of a missing or empty nested link
+
+// "kind" texts the analysis produces; any other format text of the document stays as it is.
+inline const QString kLinkKindPhotoshop = QStringLiteral("Photoshop");
+inline const QString kLinkKindTIFF = QStringLiteral("TIFF");
+inline const QString kLinkKindJPEG = QStringLiteral("JPEG");
+inline const QString kLinkKindEPS = QStringLiteral("EPS");
+inline const QString kLinkKindPDF = QStringLiteral("PDF");
+inline const QString kLinkKindPDFFromAI = QStringLiteral("PDF (.ai)");
+inline const QString kLinkKindPNG = QStringLiteral("PNG");
+inline const QString kLinkKindGIF = QStringLiteral("GIF");
+inline const QString kLinkKindUnknown = QStringLiteral("?");
+inline const QString kLinkKindEPSJPEG = QStringLiteral("EPS JPEG");
+inline const QString kLinkKindEPSDCS = QStringLiteral("EPS DCS");
+inline const QString kLinkKindEPSDCSJPEG = QStringLiteral("EPS DCS JPEG");
 
 } // namespace quillon::links

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace quillon::links {
+
+// The files of one part folder of an unpacked package ("MasterSpreads", "Spreads", "Stories"):
+// regular files only, hidden ones skipped, in byte order of their UTF-8 names (the order a Mac
+// volume lists them in). Empty when the folder is missing.
+QStringList packagePartFiles(const QString& packageFolder, const QString& partFolder);
+
+// The number of Link elements in the package's master spreads, spreads and stories, counted on
+// the raw text (no parse): the document's own link count when no host reports one.
+int countLinksInIDMLFolder(const QString& packageFolder);
+
+} // namespace quillon::links
