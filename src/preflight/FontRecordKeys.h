@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/RecordKeys.h"
+
+#include <QString>
+
+namespace quillon::preflight {
+
+// The font record: one dictionary per font the document uses, written by the font inspection
+// into "qnf_tmpFontData.plist" and judged by the font results. Values are text unless stated.
+// Document group rows use the keys of app/RecordKeys.h.
+
+inline const QString kFontNameKey = QStringLiteral("name");     // family and style as shown
+inline const QString kFontTypeKey = QStringLiteral("type");     // "OpenType..." (any text containing it), "type 1", "TrueType", "bitmap", other
+inline const QString kFontStatusKey = QStringLiteral("status"); // "installed", "missing", "fauxed", "substituted", "unknown"
+inline const QString kFontPsFontKey = QStringLiteral("psfont"); // PostScript name; may be empty
+inline const QString kFontPathKey = QStringLiteral("path");     // font file; "?" or "" when unknown; holds "from Adobe Fonts" for those
+inline const QString kFontEmbedKey = QStringLiteral("embed");   // text or number: PDF embedding allowed ("Yes"/"1" true, "No"/"0" false)
+
+// Values the readers of the record test for.
+inline const QString kFontStatusInstalled = QStringLiteral("installed");
+inline const QString kFontStatusMissing = QStringLiteral("missing");
+inline const QString kFontStatusFauxed = QStringLiteral("fauxed");
+inline const QString kFontStatusSubstituted = QStringLiteral("substituted");
+inline const QString kFontStatusUnknown = QStringLiteral("unknown");
+inline const QString kFontTypeOpenTypeMarker = QStringLiteral("OpenType"); // contained in every OpenType flavour
+inline const QString kFontTypeType1 = QStringLiteral("type 1");
+inline const QString kFontTypeTrueType = QStringLiteral("TrueType");
+inline const QString kFontTypeBitmap = QStringLiteral("bitmap");
+inline const QString kFontNoPath = QStringLiteral("?");
+inline const QString kFontAdobeFontsMarker = QStringLiteral("from Adobe Fonts"); // contained in "path"
+
+} // namespace quillon::preflight

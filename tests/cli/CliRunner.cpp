@@ -1,0 +1,28 @@
+#include "CliRunner.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+namespace quillon::test {
+
+CliRun runQuillon(const QStringList& arguments, int timeoutMs)
+{
+    QProcess process;
+    process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QUILLON_SUPPORT_DIR"), qEnvironmentVariable("QUILLON_SUPPORT_DIR"));
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
+    CliRun run;
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        return run;
+    }
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.out = process.readAllStandardOutput();
+    run.err = process.readAllStandardError();
+    return run;
+}
+
+} // namespace quillon::test

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+namespace quillon::test {
+
+struct CliRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+// Runs the built `quillon` with the arguments, from the repository root, with a private
+// application-support folder; gives up after `timeoutMs`.
+CliRun runQuillon(const QStringList& arguments, int timeoutMs = 60000);
+
+} // namespace quillon::test
