@@ -1,11 +1,12 @@
 #include "cli/Commands.h"
 
+#include "cli/LinksCommand.h"
+
 namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
-    (void)program;
-    (void)commands;
+    addLinksCommand(program, commands);
 }
 
 } // namespace quillon::cli
