@@ -131,6 +131,7 @@ void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
     context.linkSearchFolders = linkSearchFolders(origInDesignDocPath, m_controller.linkFolders);
     context.reader = m_controller.fileReader;
     context.alerts = m_controller.alerts;
+    context.defaultApps = m_controller.defaultApps;
     m_builder = std::make_unique<LinkRecordBuilder>(std::move(context));
 }
 

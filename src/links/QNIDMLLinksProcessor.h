@@ -22,6 +22,7 @@ class ProgressSink;
 namespace quillon::links {
 
 class AnchoredLinkPageSource;
+class DefaultApplications;
 class LinkedFileReader;
 
 // What a links run needs from the preflight that starts it. Every pointer may be null.
@@ -43,6 +44,8 @@ struct LinksController {
     AnchoredLinkPageSource* anchoredLinkPages = nullptr;
     // Reads linked files; null: the readers of the file-inspection layer.
     const LinkedFileReader* fileReader = nullptr;
+    // The desktop's default applications; null: this session's.
+    const DefaultApplications* defaultApps = nullptr;
     // Threads that read linked files; 0: one per core.
     int fileThreads = 0;
 };
