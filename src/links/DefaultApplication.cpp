@@ -176,7 +176,10 @@ QString DefaultApplications::defaultAppForMimeType(const QString& mimeType) cons
 QString DefaultApplications::defaultAppForFile(const QString& path) const
 {
     static const QMimeDatabase database;
-    const QString name = defaultAppForMimeType(database.mimeTypeForFile(path).name());
+    // A name that only one type claims needs no look inside the file; the others are sniffed.
+    const QList<QMimeType> byName = database.mimeTypesForFileName(path.mid(path.lastIndexOf(u'/') + 1));
+    const QMimeType type = byName.size() == 1 ? byName.first() : database.mimeTypeForFile(path);
+    const QString name = defaultAppForMimeType(type.name());
     return name.isEmpty() ? kLinkNoApp : name;
 }
 

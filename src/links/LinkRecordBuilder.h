@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
 #include <string>
 
 namespace quillon::app {
@@ -71,11 +72,20 @@ public:
     // file's date cannot be read, else "OK" or "Modified".
     static QString statusOfLinkAtPath(const QString& path, const QDateTime& linkDate);
 
+    // What one look at a path tells: whether something is there and its modification time in
+    // milliseconds since the epoch (none when it cannot be read).
+    struct FileStat {
+        bool exists = false;
+        std::optional<qint64> modifiedMSecs;
+    };
+    static FileStat statPath(const QString& path);
+
 private:
     bool parseLinkNode(const LinkSource& source, QVariantMap& record, QString& path, bool& exists) const;
     void parseParentNode(const LinkSource& source, QVariantMap& record, const QString& path, bool exists) const;
     void readFileFacts(const LinkSource& source, QVariantMap& record, const QString& path, bool exists) const;
-    QString linkPath(const QString& uri, const QString& storedState) const;
+    QString linkPath(const QString& uri, const QString& storedState, FileStat& stat) const;
+    static QString statusFromStat(const QString& path, const FileStat& stat, qint64 linkMSecs);
 
     Context m_context;
     QString m_documentFolder;

@@ -127,9 +127,9 @@ LinkColor colorFromSpace(const QString& space)
     return {kLinkColorUnknown, true};
 }
 
-QString statusFromDates(const QDateTime& linkDate, const QDateTime& fileDate)
+QString statusFromDates(qint64 linkMSecs, qint64 fileMSecs)
 {
-    const double seconds = static_cast<double>(linkDate.msecsTo(fileDate)) / 1000.0;
+    const double seconds = static_cast<double>(fileMSecs - linkMSecs) / 1000.0;
     const auto whole = static_cast<qint64>(std::trunc(seconds));
     if (whole == 0 || whole == -3600)
         return kLinkStatusOK;

@@ -45,10 +45,10 @@ struct LinkColor {
 };
 LinkColor colorFromSpace(const QString& space);
 
-// The status of a present file from its modification date and the link's recorded date:
-// "OK" when the whole seconds between them are 0, or exactly -3600 (the file one hour older:
-// a daylight-saving shift between machines), else "Modified".
-QString statusFromDates(const QDateTime& linkDate, const QDateTime& fileDate);
+// The status of a present file from its modification time and the link's recorded time, both in
+// milliseconds since the epoch: "OK" when the whole seconds between them are 0, or exactly -3600
+// (the file one hour older: a daylight-saving shift between machines), else "Modified".
+QString statusFromDates(qint64 linkMSecs, qint64 fileMSecs);
 
 // The link's date: the FILETIME (UTC) of a "file FILETIME SIZE" `LinkImportStamp` when there is
 // one, else `LinkImportModificationTime` ("2010-08-30T11:15:43") in the local time zone; none
