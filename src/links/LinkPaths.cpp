@@ -58,6 +58,13 @@ QString lastPathComponent(const QString& path)
     return path.mid(slash + 1, end - slash - 1);
 }
 
+QString pathExtension(const QString& path)
+{
+    const QString name = lastPathComponent(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString();
+}
+
 QStringList pathComponents(const QString& path)
 {
     QStringList components;

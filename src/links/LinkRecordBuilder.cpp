@@ -23,13 +23,6 @@ QString firstBlankPart(const QString& text)
     return text.section(u' ', 0, 0);
 }
 
-QString pathExtension(const QString& path)
-{
-    const QString name = lastPathComponent(path);
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 ? name.mid(dot + 1) : QString();
-}
-
 } // namespace
 
 LinkRecordBuilder::LinkRecordBuilder(Context context)

@@ -2,10 +2,13 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
+#include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/TextFields.h"
 
 
+
+#include <QHash>
 
 #include <cmath>
 
@@ -67,24 +70,13 @@ QString fileKindFromString(const QString& format, const QString& path)
     if (!format.isEmpty())
         return format;
     app::logLine(QStringLiteral("-> !format.length: unlikely case"));
-    const qsizetype slash = path.lastIndexOf(u'/');
-    const qsizetype dot = path.lastIndexOf(u'.');
-    const QString extension = dot > slash ? path.mid(dot + 1) : QString();
-    if (extension == QLatin1String("tif"))
-        return kLinkKindTIFF;
-    if (extension == QLatin1String("jpg"))
-        return kLinkKindJPEG;
-    if (extension == QLatin1String("psd"))
-        return kLinkKindPhotoshop;
-    if (extension == QLatin1String("ai"))
-        return kLinkKindPDFFromAI;
-    if (extension == QLatin1String("eps"))
-        return kLinkKindEPS;
-    if (extension == QLatin1String("png"))
-        return kLinkKindPNG;
-    if (extension == QLatin1String("gif"))
-        return kLinkKindGIF;
-    return kLinkKindUnknown;
+    static const QHash<QString, QString> kinds{
+        {QStringLiteral("tif"), kLinkKindTIFF},      {QStringLiteral("jpg"), kLinkKindJPEG},
+        {QStringLiteral("psd"), kLinkKindPhotoshop}, {QStringLiteral("ai"), kLinkKindPDFFromAI},
+        {QStringLiteral("eps"), kLinkKindEPS},       {QStringLiteral("png"), kLinkKindPNG},
+        {QStringLiteral("gif"), kLinkKindGIF},
+    };
+    return kinds.value(pathExtension(path), kLinkKindUnknown);
 }
 
 QString fileSizeFormat(std::uint64_t bytes)

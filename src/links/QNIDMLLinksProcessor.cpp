@@ -282,31 +282,28 @@ QVariantList QNIDMLLinksProcessor::completeRecords(const std::vector<LinkSource>
     return records;
 }
 
-QVariantList QNIDMLLinksProcessor::parseLinksAndTheirParentsOfSpreadAtURL(const QString& path, bool isMaster)
+QVariantList QNIDMLLinksProcessor::recordsFrom(const std::function<void(std::vector<LinkSource>&)>& collect)
 {
     if (!m_builder)
         beginRun(QString());
     std::vector<LinkSource> sources;
-    collectSpreadLinks(path, isMaster, sources);
+    collect(sources);
     return completeRecords(sources);
+}
+
+QVariantList QNIDMLLinksProcessor::parseLinksAndTheirParentsOfSpreadAtURL(const QString& path, bool isMaster)
+{
+    return recordsFrom([&](std::vector<LinkSource>& sources) { collectSpreadLinks(path, isMaster, sources); });
 }
 
 QVariantList QNIDMLLinksProcessor::parseStoriesForAnchoredLinksInIDMLFolder(const QString& packageFolder)
 {
-    if (!m_builder)
-        beginRun(QString());
-    std::vector<LinkSource> sources;
-    collectStoriesLinks(packageFolder, sources);
-    return completeRecords(sources);
+    return recordsFrom([&](std::vector<LinkSource>& sources) { collectStoriesLinks(packageFolder, sources); });
 }
 
 QVariantList QNIDMLLinksProcessor::parseLinksAndTheirParentsOfStoryAtURL(const QString& path)
 {
-    if (!m_builder)
-        beginRun(QString());
-    std::vector<LinkSource> sources;
-    collectStoryLinks(path, sources);
-    return completeRecords(sources);
+    return recordsFrom([&](std::vector<LinkSource>& sources) { collectStoryLinks(path, sources); });
 }
 
 bool QNIDMLFontsProcessor::processFontsInIDMLFolderAtPath(const QString& packageFolder,

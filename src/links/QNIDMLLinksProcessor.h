@@ -10,6 +10,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -92,6 +93,8 @@ private:
     void collectStoryLinks(const QString& path, std::vector<LinkSource>& sources);
     void collectStoriesLinks(const QString& packageFolder, std::vector<LinkSource>& sources);
     QVariantList completeRecords(const std::vector<LinkSource>& sources) const;
+    // The records of what `collect` gathers, for the one-file entry points.
+    QVariantList recordsFrom(const std::function<void(std::vector<LinkSource>&)>& collect);
     void writeDataFile();
 
     LinksController m_controller;

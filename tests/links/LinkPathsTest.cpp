@@ -40,6 +40,9 @@ TEST(LinkPaths, ComponentsAndNames)
     EXPECT_EQ(lastPathComponent(QStringLiteral("/a/b/")), QStringLiteral("b"));
     EXPECT_EQ(lastPathComponent(QStringLiteral("/")), QStringLiteral("/"));
     EXPECT_EQ(lastPathComponent(QStringLiteral("?")), QStringLiteral("?"));
+    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/c.tar.gz")), QStringLiteral("gz"));
+    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/c")), QString());
+    EXPECT_EQ(pathExtension(QStringLiteral("/a/.eps")), QString());
     EXPECT_EQ(pathComponents(QStringLiteral("/Volumes/X/y")),
               (QStringList{QStringLiteral("/"), QStringLiteral("Volumes"), QStringLiteral("X"), QStringLiteral("y")}));
 }
