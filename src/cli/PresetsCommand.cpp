@@ -1,0 +1,288 @@
+// quillon presets: list, show, add, rename, delete, export and import checkup presets.
+#include "cli/PresetsCommand.h"
+
+#include "app/Alerts.h"
+#include "app/NumericText.h"
+#include "app/Settings.h"
+#include "results/ColorResults.h"
+#include "results/PresetKeys.h"
+#include "results/PresetSettings.h"
+#include "results/PresetTransfer.h"
+#include "results/Presets.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace quillon::cli {
+
+namespace {
+
+namespace rs = quillon::results;
+
+enum class ConflictChoice { Ask, Replace, KeepBoth };
+
+// Alerts on a terminal: the text goes to standard error and the answer comes from the flags.
+// Conflicts of export and import are settled by --replace or --keep-both; without either the
+// command stops. The import's question is answered in the classic codes it reads.
+class TerminalAlerts : public app::AlertSink {
+public:
+    explicit TerminalAlerts(ConflictChoice choice) : m_choice(choice) {}
+
+    int ask(const app::AlertRequest& request) override
+    {
+        const QStringList buttons = request.buttons.value_or(QStringList{});
+        if (buttons.contains(QStringLiteral("Keep Both")))
+            return answerExportConflict();
+        if (buttons == QStringList{QStringLiteral("Replace")})
+            return answerImportConflict();
+        std::cerr << request.title.toStdString();
+        if (!request.message.isEmpty())
+            std::cerr << "\n" << request.message.toStdString();
+        std::cerr << std::endl;
+        m_reported = true;
+        return app::kAlertFirstButton;
+    }
+
+    bool reported() const { return m_reported; }
+
+private:
+    void reportConflict()
+    {
+        std::cerr << "Some presets already exist there. Add --replace to replace them or --keep-both to keep both."
+                  << std::endl;
+        m_reported = true;
+    }
+
+    int answerExportConflict()
+    {
+        if (m_choice == ConflictChoice::Replace)
+            return app::kAlertFirstButton;
+        if (m_choice == ConflictChoice::KeepBoth)
+            return app::kAlertThirdButton;
+        reportConflict();
+        return app::kAlertSecondButton;
+    }
+
+    int answerImportConflict()
+    {
+        if (m_choice == ConflictChoice::Replace)
+            return rs::kClassicAlertDefault;
+        if (m_choice == ConflictChoice::KeepBoth)
+            return rs::kClassicAlertOther;
+        reportConflict();
+        return rs::kClassicAlertAlternate;
+    }
+
+    ConflictChoice m_choice;
+    bool m_reported = false;
+};
+
+struct PresetsOptions {
+    std::string name;
+    std::string newName;
+    std::string from = "[Default]";
+    std::string folder;
+    std::vector<std::string> files;
+    bool replace = false;
+    bool keepBoth = false;
+
+    ConflictChoice conflictChoice() const
+    {
+        return replace ? ConflictChoice::Replace : (keepBoth ? ConflictChoice::KeepBoth : ConflictChoice::Ask);
+    }
+};
+
+QString q(const std::string& s)
+{
+    return QString::fromStdString(s);
+}
+
+// Loads the presets; a failure to write the default is reported but does not stop the command.
+rs::QNPresetsTable loadTable()
+{
+    rs::QNPresetsTable table;
+    if (const app::Status loaded = table.loadPresets(); !loaded)
+        std::cerr << loaded.error().text().toStdString() << std::endl;
+    return table;
+}
+
+qsizetype findPreset(const rs::QNPresetsTable& table, const QString& name)
+{
+    const qsizetype row = table.rowOfPreset(name);
+    if (row < 0)
+        std::cerr << "No checkup preset named \"" << name.toStdString() << "\"." << std::endl;
+    return row;
+}
+
+std::string onOff(int state)
+{
+    return state ? "on" : "off";
+}
+
+void printRules(const QVariantList& rules)
+{
+    if (rules.isEmpty())
+        std::cout << "  (no rules)\n";
+    for (const QVariant& entry : rules) {
+        const QVariantMap rule = entry.toMap();
+        std::cout << "  " << rule.value(rs::kRuleAttributeKey).toString().toStdString() << " "
+                  << rule.value(rs::kRuleConditionKey).toString().toStdString() << " \""
+                  << rule.value(rs::kRuleValueKey).toString().toStdString() << "\"\n";
+    }
+}
+
+std::string sizeLimit(const QString& field, const QString& unit)
+{
+    if (field.isEmpty())
+        return "off";
+    return (field + u' ' + unit).toStdString() + " (" + std::to_string(rs::sizeLimitBytes(field, unit)) + " bytes)";
+}
+
+std::string resolutionRange(const QString& below, const QString& above)
+{
+    const int low = app::intValueOfText(below);
+    const int high = app::intValueOfText(above);
+    if (low + static_cast<long long>(high) < 1)
+        return "off";
+    return "min " + (low > 0 ? std::to_string(low) : std::string("-")) + ", max " +
+           (high > 0 ? std::to_string(high) : std::string("-")) + " dpi";
+}
+
+int showPreset(const QString& name)
+{
+    rs::QNPresetsTable table = loadTable();
+    const qsizetype row = findPreset(table, name);
+    if (row < 0)
+        return kExitFailure;
+    const rs::PresetEditorState p = table.selectRow(row);
+    const QString file = table.presetFilePath(name);
+    std::cout << "Preset: " << name.toStdString() << "\n"
+              << "File: " << (QFileInfo::exists(file) ? file.toStdString() : std::string("(not written yet)"))
+              << "\n\nFonts\n";
+    printRules(p.fontRules);
+    std::cout << "  PDF embedding check box: " << onOff(p.embedBtn) << "\n\nLinks\n";
+    printRules(p.linkRules);
+    std::cout << "  Size below: " << sizeLimit(p.sizeBelowField, p.sizeBelowUnits) << "\n"
+              << "  Size above: " << sizeLimit(p.sizeAboveField, p.sizeAboveUnits) << "\n"
+              << "  Effective resolution: " << resolutionRange(p.resBelowField, p.resAboveField) << "\n"
+              << "  Effective resolution, Black and White: " << resolutionRange(p.resBWBelowField, p.resBWAboveField)
+              << "\n"
+              << "  Fonts in EPS and Illustrator files: "
+              << (p.fontsEpsBtn ? (p.fontsEpsMtrx == 0 ? "any fonts" : "embedded fonts") : "off") << "\n"
+              << "  Non-proportional scale: " << onOff(p.scaledNonPropBtn) << "\n"
+              << "  Non-printing: " << onOff(p.nonPrintBtn) << "\n\nColors\n";
+    rs::QNColorRules colors;
+    colors.loadPresetData(p.colorRules);
+    for (const auto& box : rs::QNColorRules::keysForButtonTitles())
+        std::cout << "  " << box.title.toStdString() << ": " << onOff(colors.stateForTitle(box.title)) << "\n";
+    return kExitOk;
+}
+
+// The current preset follows a rename, and falls back to "[Default]" when it is deleted.
+void followInSettings(const QString& oldName, const QString& newName)
+{
+    app::Settings settings;
+    if (settings.string(rs::kSelectedPresetSetting) != oldName)
+        return;
+    if (newName.isEmpty())
+        settings.remove(QLatin1String(rs::kSelectedPresetSetting.name));
+    else
+        settings.setValue(QLatin1String(rs::kSelectedPresetSetting.name), newName);
+}
+
+int transferOutcome(rs::TransferOutcome outcome)
+{
+    return outcome == rs::TransferOutcome::Done ? kExitOk : kExitFailure;
+}
+
+} // namespace
+
+void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
+{
+    auto options = std::make_shared<PresetsOptions>();
+    CLI::App* presets =
+        program.add_subcommand("presets", "List, show, add, rename, delete, export and import checkup presets");
+    presets->require_subcommand(1);
+
+    CLI::App* list = presets->add_subcommand("list", "List the presets, \"[Default]\" first");
+    CLI::App* show = presets->add_subcommand("show", "Show the rules of a preset");
+    show->add_option("NAME", options->name, "Preset name")->required();
+    CLI::App* add = presets->add_subcommand("new", "Add a copy of a preset named \"New Preset <n>\"");
+    add->add_option("--from", options->from, "The preset to copy (default \"[Default]\")");
+    CLI::App* rename = presets->add_subcommand("rename", "Rename a preset");
+    rename->add_option("OLD", options->name, "Current name")->required();
+    rename->add_option("NEW", options->newName, "New name")->required();
+    CLI::App* remove = presets->add_subcommand("delete", "Delete a preset");
+    remove->add_option("NAME", options->name, "Preset name")->required();
+    CLI::App* exportCmd = presets->add_subcommand("export", "Write every preset into a folder, one file each");
+    exportCmd->add_option("DIR", options->folder, "Target folder")->required()->check(CLI::ExistingDirectory);
+    CLI::App* importCmd = presets->add_subcommand("import", "Copy preset files into the presets folder");
+    importCmd->add_option("FILE", options->files, "Preset files (.qnfp)")->required();
+    for (CLI::App* sub : {exportCmd, importCmd}) {
+        CLI::Option* replace = sub->add_flag("--replace", options->replace, "Replace presets of the same name");
+        CLI::Option* keepBoth =
+            sub->add_flag("--keep-both", options->keepBoth, "Keep both, naming the new one \"<name> copy <n>\"");
+        replace->excludes(keepBoth);
+    }
+
+    commands.push_back({presets, [=]() -> int {
+                            TerminalAlerts alerts(options->conflictChoice());
+                            if (list->parsed()) {
+                                const rs::QNPresetsTable table = loadTable();
+                                for (const QString& name : table.presetNames())
+                                    std::cout << name.toStdString() << "\n";
+                                return kExitOk;
+                            }
+                            if (show->parsed())
+                                return showPreset(q(options->name));
+                            if (add->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->from));
+                                if (row < 0)
+                                    return kExitFailure;
+                                table.selectRow(row);
+                                const auto name = table.addRow();
+                                if (!name) {
+                                    std::cerr << name.error().text().toStdString() << std::endl;
+                                    return kExitFailure;
+                                }
+                                std::cout << name->toStdString() << "\n";
+                                return kExitOk;
+                            }
+                            if (rename->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->name));
+                                if (row < 0 || !table.renamePreset(row, q(options->newName), alerts))
+                                    return kExitFailure;
+                                followInSettings(q(options->name), q(options->newName));
+                                return kExitOk;
+                            }
+                            if (remove->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                const qsizetype row = findPreset(table, q(options->name));
+                                if (row < 0)
+                                    return kExitFailure;
+                                table.selectRow(row);
+                                if (!table.removeRow(alerts))
+                                    return kExitFailure;
+                                followInSettings(q(options->name), QString());
+                                return kExitOk;
+                            }
+                            if (exportCmd->parsed()) {
+                                const rs::QNPresetsTable table =
+                                    loadTable(); // makes "[Default].qnfp" in an empty folder
+                                return transferOutcome(rs::exportAllPresets(
+                                    table.presetsFolder(), QDir(q(options->folder)).absolutePath(), alerts));
+                            }
+                            QStringList files;
+                            for (const std::string& file : options->files)
+                                files.append(QFileInfo(q(file)).absoluteFilePath());
+                            return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
+                        }});
+}
+
+} // namespace quillon::cli

@@ -1,0 +1,68 @@
+#include "app/NumericText.h"
+#include "app/PathComponents.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace quillon::app {
+namespace {
+
+TEST(NumericText, IntegersFromTheStartOfTheText)
+{
+    EXPECT_EQ(intValueOfText(u"300"), 300);
+    EXPECT_EQ(intValueOfText(u"  62.5"), 62);
+    EXPECT_EQ(intValueOfText(u"-12dpi"), -12);
+    EXPECT_EQ(intValueOfText(u"+7"), 7);
+    EXPECT_EQ(intValueOfText(u"-"), 0);
+    EXPECT_EQ(intValueOfText(u"   -"), 0);
+    EXPECT_EQ(intValueOfText(u""), 0);
+    EXPECT_EQ(intValueOfText(u"x12"), 0);
+    EXPECT_EQ(intValueOfText(u"99999999999999999999"), std::numeric_limits<int>::max());
+    EXPECT_EQ(intValueOfText(u"-99999999999999999999"), std::numeric_limits<int>::min());
+}
+
+TEST(NumericText, FloatsInSinglePrecision)
+{
+    EXPECT_EQ(floatValueOfText(u"1.5"), 1.5f);
+    EXPECT_EQ(floatValueOfText(u"0.1"), 0.1f);
+    EXPECT_EQ(floatValueOfText(u".5MB"), 0.5f);
+    EXPECT_EQ(floatValueOfText(u"2e3"), 2000.0f);
+    EXPECT_EQ(floatValueOfText(u"2e"), 2.0f);
+    EXPECT_EQ(floatValueOfText(u"-3"), -3.0f);
+    EXPECT_EQ(floatValueOfText(u"."), 0.0f);
+    EXPECT_EQ(floatValueOfText(u"abc"), 0.0f);
+    EXPECT_EQ(floatValueOfText(u"1e99"), std::numeric_limits<float>::infinity());
+    EXPECT_EQ(floatValueOfText(u"1e-99"), 0.0f);
+}
+
+TEST(NumericText, IntegersFromRecordValues)
+{
+    EXPECT_EQ(intValueOf(QVariant(QStringLiteral("450"))), 450);
+    EXPECT_EQ(intValueOf(QVariant(true)), 1);
+    EXPECT_EQ(intValueOf(QVariant(62.9)), 62);
+    EXPECT_EQ(intValueOf(QVariant(-1e12)), std::numeric_limits<int>::min());
+    // Wider integers keep their low 32 bits, as a C conversion does.
+    EXPECT_EQ(intValueOf(QVariant::fromValue<quint64>(3221225472ULL)), -1073741824);
+    EXPECT_EQ(intValueOf(QVariant::fromValue<qint64>(4294967296LL + 5)), 5);
+    EXPECT_EQ(intValueOf(QVariant()), 0);
+    EXPECT_EQ(intValueOf(QVariant(QVariantList{1})), 0);
+}
+
+TEST(PathComponents, ExtensionsAsTheDesktopReadsThem)
+{
+    EXPECT_EQ(pathExtension(QStringLiteral("/a/photo.tif")), QStringLiteral("tif"));
+    EXPECT_EQ(pathExtension(QStringLiteral("archive.tar.gz")), QStringLiteral("gz"));
+    EXPECT_EQ(pathExtension(QStringLiteral(".profile")), QString());
+    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/photo")), QString());
+    EXPECT_EQ(pathExtension(QStringLiteral("photo.")), QString());
+    EXPECT_EQ(stringByDeletingPathExtension(QStringLiteral("/x/Print.qnfp")), QStringLiteral("/x/Print"));
+    EXPECT_EQ(stringByDeletingPathExtension(QStringLiteral("/x.y/Print")), QStringLiteral("/x.y/Print"));
+    EXPECT_EQ(lastPathComponent(QStringLiteral("/jobs/a.indd")), QStringLiteral("a.indd"));
+    EXPECT_EQ(lastPathComponent(QStringLiteral("/jobs/")), QStringLiteral("jobs"));
+    EXPECT_EQ(lastPathComponent(QStringLiteral("/")), QStringLiteral("/"));
+    EXPECT_EQ(lastPathComponent(QStringLiteral("name")), QStringLiteral("name"));
+}
+
+} // namespace
+} // namespace quillon::app

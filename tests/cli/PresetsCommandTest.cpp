@@ -1,0 +1,136 @@
+#include "CliRunner.h"
+
+#include "app/PropertyList.h"
+#include "app/Settings.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace quillon::test {
+namespace {
+
+// Each test has a presets folder and user settings of its own.
+class PresetsCommand : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_config.isValid() && m_target.isValid());
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        m_presets = qEnvironmentVariable("QUILLON_SUPPORT_DIR") + QStringLiteral("/Presets");
+        QDir(m_presets).removeRecursively();
+    }
+
+    CliRun presets(QStringList arguments) const
+    {
+        arguments.prepend(QStringLiteral("presets"));
+        return runQuillon(arguments);
+    }
+
+    QString presetFile(const QString& name) const { return m_presets + u'/' + name + QStringLiteral(".qnfp"); }
+
+    app::Settings userSettings() const
+    {
+        return app::Settings(m_config.filePath(QStringLiteral("Tornvale/Quillon.conf")));
+    }
+
+    QTemporaryDir m_config;
+    QTemporaryDir m_target;
+    QString m_presets;
+};
+
+TEST_F(PresetsCommand, ListAddAndShow)
+{
+    CliRun run = presets({QStringLiteral("list")});
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, QByteArray("[Default]\n"));
+    EXPECT_TRUE(QFileInfo::exists(presetFile(QStringLiteral("[Default]"))));
+
+    EXPECT_EQ(presets({QStringLiteral("new")}).out, QByteArray("New Preset 1\n"));
+    ASSERT_TRUE(app::writePropertyListFile(
+                    QVariantMap{{QStringLiteral("name"), QStringLiteral("Print")},
+                                {QStringLiteral("Links"),
+                                 QVariantMap{{QStringLiteral("sizeBelowField"), QStringLiteral("1.5")},
+                                             {QStringLiteral("sizeBelowUnitsPopup"), QStringLiteral("MB")},
+                                             {QStringLiteral("resBelowField"), QStringLiteral("250")},
+                                             {QStringLiteral("nonPrintBtn"), 1}}},
+                                {QStringLiteral("Colors"), QVariantMap{{QStringLiteral("LAB"), 1}}}},
+                    presetFile(QStringLiteral("Print")))
+                    .ok());
+    EXPECT_EQ(presets({QStringLiteral("new"), QStringLiteral("--from"), QStringLiteral("Print")}).out,
+              QByteArray("New Preset 2\n"));
+    EXPECT_EQ(presets({QStringLiteral("list")}).out, QByteArray("[Default]\nNew Preset 1\nNew Preset 2\nPrint\n"));
+
+    run = presets({QStringLiteral("show"), QStringLiteral("New Preset 2")});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(run.out.contains("Size below: 1.5 MB (1572864 bytes)")) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains("Effective resolution: min 250, max - dpi")) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains("Non-printing: on"));
+    EXPECT_TRUE(run.out.contains("Lab: on"));
+
+    run = presets({QStringLiteral("show"), QStringLiteral("Nothing")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("No checkup preset named \"Nothing\"."));
+}
+
+TEST_F(PresetsCommand, RefusalsExitWithTheirMessage)
+{
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    CliRun run = presets({QStringLiteral("rename"), QStringLiteral("New Preset 1"), QStringLiteral("Café")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("Preset names cannot contain the following characters")) << run.err.toStdString();
+    run = presets({QStringLiteral("delete"), QStringLiteral("[Default]")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("Default preflight preset cannot be deleted"));
+    EXPECT_EQ(presets({QStringLiteral("list")}).out, QByteArray("[Default]\nNew Preset 1\n"));
+}
+
+TEST_F(PresetsCommand, TheCurrentPresetFollowsARenameAndFallsBackOnDelete)
+{
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    userSettings().setValue(QStringLiteral("selectedPreset"), QStringLiteral("New Preset 1"));
+    ASSERT_EQ(presets({QStringLiteral("rename"), QStringLiteral("New Preset 1"), QStringLiteral("Print")}).exitCode, 0);
+    EXPECT_EQ(userSettings().value(QStringLiteral("selectedPreset")).toString(), QStringLiteral("Print"));
+    EXPECT_EQ(
+        app::readPropertyListDictionary(presetFile(QStringLiteral("Print")))->value(QStringLiteral("name")).toString(),
+        QStringLiteral("Print"));
+    ASSERT_EQ(presets({QStringLiteral("delete"), QStringLiteral("Print")}).exitCode, 0);
+    EXPECT_FALSE(userSettings().contains(QStringLiteral("selectedPreset")));
+    EXPECT_FALSE(QFileInfo::exists(presetFile(QStringLiteral("Print"))));
+}
+
+TEST_F(PresetsCommand, ConflictsNeedAFlag)
+{
+    ASSERT_EQ(presets({QStringLiteral("export"), m_target.path()}).exitCode, 0);
+    EXPECT_TRUE(QFileInfo::exists(m_target.filePath(QStringLiteral("Default.qnfp"))));
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    ASSERT_EQ(presets({QStringLiteral("export"), m_target.path()}).exitCode, 0); // no name of the folder is there yet
+
+    CliRun run = presets({QStringLiteral("export"), m_target.path()});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("--replace")) << run.err.toStdString();
+    run = presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--keep-both")});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(QFileInfo::exists(m_target.filePath(QStringLiteral("New Preset 1 copy 1.qnfp"))));
+    EXPECT_NE(
+        presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--keep-both"), QStringLiteral("--replace")})
+            .exitCode,
+        0);
+
+    const QString incoming = m_target.filePath(QStringLiteral("New Preset 1.qnfp"));
+    run = presets({QStringLiteral("import"), incoming});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("--keep-both"));
+    ASSERT_EQ(presets({QStringLiteral("import"), incoming, QStringLiteral("--keep-both")}).exitCode, 0);
+    ASSERT_EQ(presets({QStringLiteral("import"), incoming, QStringLiteral("--replace")}).exitCode, 0);
+    EXPECT_EQ(presets({QStringLiteral("list")}).out, QByteArray("[Default]\nNew Preset 1\nNew Preset 1 copy 1\n"));
+
+    run = presets({QStringLiteral("import"), m_target.filePath(QStringLiteral("absent.qnfp"))});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("presets could not be imported"));
+}
+
+} // namespace
+} // namespace quillon::test
