@@ -2,6 +2,7 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
+#include "app/PathComponents.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
@@ -196,7 +197,7 @@ void LinkMetadata::linksFromDescriptionNode(pugi::xml_node description)
         const auto bytes = present ? static_cast<qulonglong>(info.size()) : 0ULL;
         QVariantMap entry;
         entry.insert(kLinkPathKey, path);
-        entry.insert(kLinkNameKey, lastPathComponent(path));
+        entry.insert(kLinkNameKey, app::lastPathComponent(path));
         entry.insert(kLinkStatusKey, present ? kLinkStatusOK : kLinkStatusMissing);
         entry.insert(kLinkSizeBytesKey, bytes);
         entry.insert(kLinkSizeKey, bytes == 0 ? kLinkNoSize : fileSizeFormat(bytes));

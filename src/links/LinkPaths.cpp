@@ -47,24 +47,6 @@ QString pathFromFileUri(const QString& uri, const QString& documentFolder)
     return QDir::cleanPath(documentFolder + u'/' + path);
 }
 
-QString lastPathComponent(const QString& path)
-{
-    qsizetype end = path.size();
-    while (end > 1 && path[end - 1] == u'/')
-        --end;
-    if (end == 1 && path[0] == u'/')
-        return QStringLiteral("/");
-    const qsizetype slash = path.lastIndexOf(u'/', end - 1);
-    return path.mid(slash + 1, end - slash - 1);
-}
-
-QString pathExtension(const QString& path)
-{
-    const QString name = lastPathComponent(path);
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 ? name.mid(dot + 1) : QString();
-}
-
 QStringList pathComponents(const QString& path)
 {
     QStringList components;

@@ -16,12 +16,6 @@ bool isFileUri(const QString& uri);
 // path ("//host/share/x"). Empty when the URI has no path.
 QString pathFromFileUri(const QString& uri, const QString& documentFolder);
 
-// The last component of a path ("/a/b.tif" gives "b.tif"; trailing slashes are ignored; "/" stays).
-QString lastPathComponent(const QString& path);
-
-// The extension of the path's last component, without its dot ("" for "a", ".profile" and "a.").
-QString pathExtension(const QString& path);
-
 // The components of a path, the root counting as the first ("/Volumes/X/y" gives "/", "Volumes",
 // "X", "y").
 QStringList pathComponents(const QString& path);

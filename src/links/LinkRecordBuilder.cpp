@@ -1,6 +1,7 @@
 #include "links/LinkRecordBuilder.h"
 
 #include "app/Log.h"
+#include "app/PathComponents.h"
 #include "links/DefaultApplication.h"
 #include "links/LinkMetadata.h"
 #include "links/LinkPaths.h"
@@ -81,7 +82,7 @@ QString LinkRecordBuilder::linkPath(const QString& uri, const QString& storedSta
     stat = statPath(path);
     if (stat.exists)
         return path;
-    const QString relocated = relocatedLinkPath(lastPathComponent(path), m_context.linkSearchFolders);
+    const QString relocated = relocatedLinkPath(app::lastPathComponent(path), m_context.linkSearchFolders);
     if (relocated.isEmpty())
         return path;
     stat = statPath(relocated);
@@ -111,12 +112,12 @@ bool LinkRecordBuilder::parseLinkNode(const LinkSource& source, QVariantMap& rec
     format.remove(QStringLiteral("$ID/"));
     QString kind = fileKindFromString(format, path);
     const QString app = exists ? m_context.defaultApps->defaultAppForFile(path) : kLinkNotKnown;
-    if (kind == kLinkKindPDF && (pathExtension(path) == QLatin1String("ai") || app.contains(QLatin1String("Illustr"))))
+    if (kind == kLinkKindPDF && (app::pathExtension(path) == QLatin1String("ai") || app.contains(QLatin1String("Illustr"))))
         kind = kLinkKindPDFFromAI;
     const std::uint32_t sizeBytes = sizeBytesFromString(source.resourceSize);
 
     record.insert(kLinkIdKey, idStringFromHexString(source.self));
-    record.insert(kLinkNameKey, lastPathComponent(path));
+    record.insert(kLinkNameKey, app::lastPathComponent(path));
     record.insert(kLinkPathKey, path);
     record.insert(kLinkVolumeKey, volumeForLink(path, status));
     record.insert(kLinkKindKey, kind);
@@ -172,7 +173,7 @@ void LinkRecordBuilder::readFileFacts(const LinkSource& source, QVariantMap& rec
                 if (const auto profile = reader.psdProfileName(path))
                     record.insert(kLinkProfileKey, *profile);
             } else if (kind != kLinkKindEPS && !kind.contains(QLatin1String("ai"))) {
-                record.insert(kLinkProfileKey, reader.imageProfileName(path, pathExtension(path)));
+                record.insert(kLinkProfileKey, reader.imageProfileName(path, app::pathExtension(path)));
             }
         }
     }

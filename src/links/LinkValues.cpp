@@ -2,7 +2,7 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
-#include "links/LinkPaths.h"
+#include "app/PathComponents.h"
 #include "links/LinkRecordKeys.h"
 #include "links/TextFields.h"
 
@@ -76,7 +76,7 @@ QString fileKindFromString(const QString& format, const QString& path)
         {QStringLiteral("eps"), kLinkKindEPS},       {QStringLiteral("png"), kLinkKindPNG},
         {QStringLiteral("gif"), kLinkKindGIF},
     };
-    return kinds.value(pathExtension(path), kLinkKindUnknown);
+    return kinds.value(app::pathExtension(path), kLinkKindUnknown);
 }
 
 QString fileSizeFormat(std::uint64_t bytes)

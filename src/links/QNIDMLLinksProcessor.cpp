@@ -1,6 +1,7 @@
 #include "links/QNIDMLLinksProcessor.h"
 
 #include "app/Log.h"
+#include "app/PathComponents.h"
 #include "app/Progress.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
@@ -153,7 +154,7 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
 {
     beginRun(origInDesignDocPath);
     m_packageFolder = packageFolder;
-    QVariantMap documentNode{{app::kGroupNameKey, lastPathComponent(origInDesignDocPath)},
+    QVariantMap documentNode{{app::kGroupNameKey, app::lastPathComponent(origInDesignDocPath)},
                              {app::kGroupIsDockKey, true}};
 
     app::logLine(QStringLiteral("---> start idml spreads"));

@@ -34,15 +34,8 @@ TEST(LinkPaths, FileUrisGiveDecodedPaths)
     EXPECT_FALSE(isFileUri(QStringLiteral("FILE:/a")));
 }
 
-TEST(LinkPaths, ComponentsAndNames)
+TEST(LinkPaths, ComponentsCountTheRootAsTheFirst)
 {
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/a/b.tif")), QStringLiteral("b.tif"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/a/b/")), QStringLiteral("b"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/")), QStringLiteral("/"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("?")), QStringLiteral("?"));
-    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/c.tar.gz")), QStringLiteral("gz"));
-    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/c")), QString());
-    EXPECT_EQ(pathExtension(QStringLiteral("/a/.eps")), QString());
     EXPECT_EQ(pathComponents(QStringLiteral("/Volumes/X/y")),
               (QStringList{QStringLiteral("/"), QStringLiteral("Volumes"), QStringLiteral("X"), QStringLiteral("y")}));
 }
