@@ -16,16 +16,16 @@
 namespace quillon::bench {
 
 struct LargeIdmlOptions {
-    int spreads = 1000;        // facing spreads of two pages
-    int links = 10000;         // placed files in all, each a file of its own
-    int anchoredLinks = 100;   // of those, placed in stories (read by the story pass)
-    int stories = 200;         // text stories, each with a frame on some spread
+    int spreads = 1000;      // facing spreads of two pages
+    int links = 10000;       // placed files in all, each a file of its own
+    int anchoredLinks = 100; // of those, placed in stories (read by the story pass)
+    int stories = 200;       // text stories, each with a frame on some spread
 };
 
 struct LargeIdml {
-    QString packageFolder;     // the unpacked package
-    QString documentPath;      // the document the package stands for
-    QString linksFolder;       // the linked files
+    QString packageFolder; // the unpacked package
+    QString documentPath;  // the document the package stands for
+    QString linksFolder;   // the linked files
     int links = 0;
 };
 
@@ -100,9 +100,10 @@ inline QByteArray tiffFile()
     const int ifdSize = 2 + entries * 12 + 4;
     const std::uint32_t iccOffset = 8 + ifdSize;
     const std::uint32_t dataOffset = iccOffset + static_cast<std::uint32_t>(icc.size());
-    const Entry table[entries] = {{256, 3, 1, 16},          {257, 3, 1, 16},       {258, 3, 1, 8},
-                                  {259, 3, 1, 5},           {262, 3, 1, 2},        {273, 4, 1, dataOffset},
-                                  {279, 4, 1, 768},         {34675, 7, static_cast<std::uint32_t>(icc.size()), iccOffset}};
+    const Entry table[entries] = {{256, 3, 1, 16},  {257, 3, 1, 16},
+                                  {258, 3, 1, 8},   {259, 3, 1, 5},
+                                  {262, 3, 1, 2},   {273, 4, 1, dataOffset},
+                                  {279, 4, 1, 768}, {34675, 7, static_cast<std::uint32_t>(icc.size()), iccOffset}};
     QByteArray bytes("II*\0", 4);
     bytes += QByteArray(4 + ifdSize, '\0');
     put32(bytes, 4, 8, false);
@@ -124,13 +125,13 @@ inline QByteArray tiffFile()
 inline QByteArray psdFile()
 {
     QByteArray header("8BPS", 4);
-    header += QByteArray("\x00\x01", 2) + QByteArray(6, '\0') + QByteArray("\x00\x03", 2) + be32(16) + be32(16)
-        + QByteArray("\x00\x08\x00\x03", 4);
+    header += QByteArray("\x00\x01", 2) + QByteArray(6, '\0') + QByteArray("\x00\x03", 2) + be32(16) + be32(16) +
+              QByteArray("\x00\x08\x00\x03", 4);
     const QByteArray icc = iccProfile("Generated PSD Profile");
     QByteArray resources = QByteArray("8BIM\x04\x04\x00\x00", 8) + be32(7) + QByteArray(7, 'i') + '\0';
     resources += QByteArray("8BIM\x04\x0F\x00\x00", 8) + be32(static_cast<std::uint32_t>(icc.size())) + icc;
-    return header + be32(0) + be32(static_cast<std::uint32_t>(resources.size())) + resources + be32(0)
-        + QByteArray("\x00\x00", 2) + QByteArray(768, '\x7F');
+    return header + be32(0) + be32(static_cast<std::uint32_t>(resources.size())) + resources + be32(0) +
+           QByteArray("\x00\x00", 2) + QByteArray(768, '\x7F');
 }
 
 inline QByteArray epsFile()
@@ -138,22 +139,23 @@ inline QByteArray epsFile()
     return "%!PS-Adobe-3.0 EPSF-3.0\r%%Creator: Adobe Illustrator(R) 8.0\r%%BoundingBox: 0 0 200 100\r"
            "%%DocumentProcessColors: Cyan Magenta Yellow Black\r%%DocumentCustomColors: (PANTONE 185 C)\r"
            "%%+ (PANTONE 300 C)\r%%CMYKCustomColor: 0 0.91 0.76 0 (PANTONE 185 C)\r"
-           "%%DocumentFonts: Helvetica\r%%+ Times-Roman\r%%DocumentNeededFonts: Helvetica\r%%EndComments\r"
-        + QByteArray(3000, ' ') + "\r%%EOF\r";
+           "%%DocumentFonts: Helvetica\r%%+ Times-Roman\r%%DocumentNeededFonts: Helvetica\r%%EndComments\r" +
+           QByteArray(3000, ' ') + "\r%%EOF\r";
 }
 
 inline QByteArray aiFile()
 {
     return "%PDF-1.5\r%\xE2\xE3\xCF\xD3\r1 0 obj\r<</Type/Catalog>>\rendobj\r%!PS-Adobe-3.0 \r"
            "%%Creator: Adobe Illustrator(R) 17.0\r%AI9_ColorModel: 2\r%%DocumentCustomColors: (PANTONE 185 C)\r"
-           "%%CMYKCustomColor: 0 0.91 0.76 0 (PANTONE 185 C)\r"
-        + QByteArray(4000, ' ') + "\r%%EOF\r";
+           "%%CMYKCustomColor: 0 0.91 0.76 0 (PANTONE 185 C)\r" +
+           QByteArray(4000, ' ') + "\r%%EOF\r";
 }
 
 inline std::string packet(const std::string& body)
 {
     return "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n<x:xmpmeta xmlns:x=\"adobe:ns:meta/\" "
-           "x:xmptk=\"Adobe XMP Core 5.6-c067\">\n <rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n"
+           "x:xmptk=\"Adobe XMP Core 5.6-c067\">\n <rdf:RDF "
+           "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n"
            "  <rdf:Description rdf:about=\"\" xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\" "
            "xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\" xmlns:tiff=\"http://ns.adobe.com/tiff/1.0/\" "
            "xmlns:xmpMM=\"http://ns.adobe.com/xap/1.0/mm/\" xmlns:xmpTPg=\"http://ns.adobe.com/xap/1.0/t/pg/\">\n"
@@ -161,8 +163,8 @@ inline std::string packet(const std::string& body)
            "   <xmp:CreateDate>2024-02-27T10:12:13+01:00</xmp:CreateDate>\n"
            "   <xmp:ModifyDate>2024-02-27T10:12:13+01:00</xmp:ModifyDate>\n"
            "   <xmpMM:DocumentID>adobe:docid:photoshop:5c2b1c3e-8d1f-11ee-9a0b-e3f1c1b1a1a1</xmpMM:DocumentID>\n"
-           "   <xmpMM:InstanceID>xmp.iid:0b7d1a2e-5f4c-4a2b-9e3d-1c2b3a4d5e6f</xmpMM:InstanceID>\n"
-        + body + "  </rdf:Description>\n </rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>";
+           "   <xmpMM:InstanceID>xmp.iid:0b7d1a2e-5f4c-4a2b-9e3d-1c2b3a4d5e6f</xmpMM:InstanceID>\n" +
+           body + "  </rdf:Description>\n </rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>";
 }
 
 // "prefix" followed by the number; built by appending, which GCC 12 does not misread as overlapping.
@@ -182,18 +184,21 @@ inline std::string frame(const std::string& self, double x, double y, const std:
                          const std::string& attributes = {})
 {
     const std::string point = [&](double px, double py) {
-        return "<PathPointType Anchor=\"" + number(px) + " " + number(py) + "\" LeftDirection=\"" + number(px) + " "
-            + number(py) + "\" RightDirection=\"" + number(px) + " " + number(py) + "\"/>";
+        return "<PathPointType Anchor=\"" + number(px) + " " + number(py) + "\" LeftDirection=\"" + number(px) + " " +
+               number(py) + "\" RightDirection=\"" + number(px) + " " + number(py) + "\"/>";
     }(x, y);
-    return "\t\t<" + kind + " Self=\"" + self + "\" " + attributes + " ContentType=\"GraphicType\" StoryTitle=\"$ID/\" ItemLayer=\"ub3\" "
+    return "\t\t<" + kind + " Self=\"" + self + "\" " + attributes +
+           " ContentType=\"GraphicType\" StoryTitle=\"$ID/\" ItemLayer=\"ub3\" "
            "Locked=\"false\" LocalDisplaySetting=\"Default\" AppliedObjectStyle=\"ObjectStyle/$ID/[None]\" "
            "ItemTransform=\"1 0 0 1 0 0\">\n\t\t\t<Properties><PathGeometry><GeometryPathType PathOpen=\"false\">"
-           "<PathPointArray>" + point + point + point + point + "</PathPointArray></GeometryPathType></PathGeometry>"
+           "<PathPointArray>" +
+           point + point + point + point +
+           "</PathPointArray></GeometryPathType></PathGeometry>"
            "</Properties>\n\t\t\t<TextWrapPreference Inverse=\"false\" ApplyToMasterPageOnly=\"false\" "
            "TextWrapSide=\"BothSides\" TextWrapMode=\"None\"><Properties><TextWrapOffset Top=\"0\" Left=\"0\" "
            "Bottom=\"0\" Right=\"0\"/></Properties></TextWrapPreference>\n\t\t\t<FrameFittingOption LeftCrop=\"0\" "
-           "TopCrop=\"0\" RightCrop=\"0\" BottomCrop=\"0\" FittingOnEmptyFrame=\"None\"/>\n"
-        + inner + "\t\t</" + kind + ">\n";
+           "TopCrop=\"0\" RightCrop=\"0\" BottomCrop=\"0\" FittingOnEmptyFrame=\"None\"/>\n" +
+           inner + "\t\t</" + kind + ">\n";
 }
 
 inline QDateTime linkTime()
@@ -234,18 +239,19 @@ inline std::string placedFile(int index, const QString& path, const std::string&
     std::string graphicAttributes = "Self=\"" + id + "g\" ItemTransform=\"0.5 0 0 0.5 -10 -10\"";
     if (!space.empty())
         graphicAttributes += " Space=\"" + space + "\" ActualPpi=\"300 300\" EffectivePpi=\"600 600\"";
-    return "\t\t\t<" + graphic + " " + graphicAttributes + " ImageRenderingIntent=\"UseColorSettings\">\n"
-        + "\t\t\t\t<Properties><Profile type=\"string\">$ID/Embedded</Profile><GraphicBounds Left=\"0\" Top=\"0\" "
-          "Right=\"400\" Bottom=\"300\"/></Properties>\n\t\t\t\t<MetadataPacketPreference><Properties><Contents>"
-          "<![CDATA["
-        + packet(body) + "]]></Contents></Properties></MetadataPacketPreference>\n\t\t\t\t<Link Self=\"" + id
-        + "\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"" + uri + "\" LinkResourceFormat=\"" + format
-        + "\" StoredState=\"Normal\" LinkClassID=\"35906\" LinkClientID=\"257\" LinkResourceModified=\"false\" "
-          "LinkObjectModified=\"false\" ShowInUI=\"true\" CanEmbed=\"true\" CanUnembed=\"true\" CanPackage=\"true\" "
-          "ImportPolicy=\"NoAutoImport\" ExportPolicy=\"NoAutoExport\" LinkImportStamp=\"file "
-        + std::to_string(filetime) + " 4096\" LinkImportModificationTime=\"2024-02-27T10:12:13\" "
-          "LinkImportTime=\"2024-02-27T10:20:00\" LinkResourceSize=\"0~1000\"/>\n\t\t\t</"
-        + graphic + ">\n";
+    return "\t\t\t<" + graphic + " " + graphicAttributes + " ImageRenderingIntent=\"UseColorSettings\">\n" +
+           "\t\t\t\t<Properties><Profile type=\"string\">$ID/Embedded</Profile><GraphicBounds Left=\"0\" Top=\"0\" "
+           "Right=\"400\" Bottom=\"300\"/></Properties>\n\t\t\t\t<MetadataPacketPreference><Properties><Contents>"
+           "<![CDATA[" +
+           packet(body) + "]]></Contents></Properties></MetadataPacketPreference>\n\t\t\t\t<Link Self=\"" + id +
+           "\" AssetURL=\"$ID/\" AssetID=\"$ID/\" LinkResourceURI=\"" + uri + "\" LinkResourceFormat=\"" + format +
+           "\" StoredState=\"Normal\" LinkClassID=\"35906\" LinkClientID=\"257\" LinkResourceModified=\"false\" "
+           "LinkObjectModified=\"false\" ShowInUI=\"true\" CanEmbed=\"true\" CanUnembed=\"true\" CanPackage=\"true\" "
+           "ImportPolicy=\"NoAutoImport\" ExportPolicy=\"NoAutoExport\" LinkImportStamp=\"file " +
+           std::to_string(filetime) +
+           " 4096\" LinkImportModificationTime=\"2024-02-27T10:12:13\" "
+           "LinkImportTime=\"2024-02-27T10:20:00\" LinkResourceSize=\"0~1000\"/>\n\t\t\t</" +
+           graphic + ">\n";
 }
 
 inline QByteArray fileBytes(int index)
@@ -310,9 +316,10 @@ inline LargeIdml writeLargeIdml(const QString& root, const LargeIdmlOptions& opt
         }
     }
 
-    std::string designmap = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<Document "
-                            "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"19.0\">\n"
-                            "\t<idPkg:MasterSpread src=\"MasterSpreads/MasterSpread_ua.xml\"/>\n";
+    std::string designmap =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<Document "
+        "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"19.0\">\n"
+        "\t<idPkg:MasterSpread src=\"MasterSpreads/MasterSpread_ua.xml\"/>\n";
     write(doc.packageFolder + QStringLiteral("/MasterSpreads/MasterSpread_ua.xml"),
           "<idPkg:MasterSpread xmlns:idPkg=\"p\"><MasterSpread Self=\"ua\" Name=\"A-Master\" PageCount=\"2\">"
           "<Page Self=\"ua1\" Name=\"L\" GeometricBounds=\"0 0 792 612\"/></MasterSpread></idPkg:MasterSpread>");
@@ -324,18 +331,21 @@ inline LargeIdml writeLargeIdml(const QString& root, const LargeIdmlOptions& opt
         const double y = s * 900.0;
         std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<idPkg:Spread "
                           "xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\" DOMVersion=\"19.0\">\n"
-                          "\t<Spread Self=\"" + self + "\" PageCount=\"2\" BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 "
-            + number(y) + "\" ShowMasterItems=\"true\" AllowPageShuffle=\"true\">\n\t\t<FlattenerPreference "
+                          "\t<Spread Self=\"" +
+                          self + "\" PageCount=\"2\" BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 " + number(y) +
+                          "\" ShowMasterItems=\"true\" AllowPageShuffle=\"true\">\n\t\t<FlattenerPreference "
                           "LineArtAndTextResolution=\"300\"><Properties><RasterVectorBalance type=\"double\">50"
                           "</RasterVectorBalance></Properties></FlattenerPreference>\n";
         for (int p = 0; p < 2; ++p)
-            xml += "\t\t<Page Self=\"" + self + "p" + std::to_string(p) + "\" Name=\"" + std::to_string(2 * s + p + 1)
-                + "\" AppliedMaster=\"ua\" GeometricBounds=\"0 0 792 612\" ItemTransform=\"1 0 0 1 " + (p ? "0" : "-612")
-                + " -396\"><Properties><Descriptor type=\"list\"><ListItem type=\"string\"></ListItem><ListItem "
-                  "type=\"enumeration\">Arabic</ListItem><ListItem type=\"boolean\">true</ListItem><ListItem "
-                  "type=\"boolean\">false</ListItem><ListItem type=\"long\">"
-                + std::to_string(2 * s + p + 1) + "</ListItem></Descriptor></Properties><MarginPreference "
-                  "ColumnCount=\"2\" Top=\"36\" Bottom=\"36\" Left=\"36\" Right=\"36\"/></Page>\n";
+            xml += "\t\t<Page Self=\"" + self + "p" + std::to_string(p) + "\" Name=\"" + std::to_string(2 * s + p + 1) +
+                   "\" AppliedMaster=\"ua\" GeometricBounds=\"0 0 792 612\" ItemTransform=\"1 0 0 1 " +
+                   (p ? "0" : "-612") +
+                   " -396\"><Properties><Descriptor type=\"list\"><ListItem type=\"string\"></ListItem><ListItem "
+                   "type=\"enumeration\">Arabic</ListItem><ListItem type=\"boolean\">true</ListItem><ListItem "
+                   "type=\"boolean\">false</ListItem><ListItem type=\"long\">" +
+                   std::to_string(2 * s + p + 1) +
+                   "</ListItem></Descriptor></Properties><MarginPreference "
+                   "ColumnCount=\"2\" Top=\"36\" Bottom=\"36\" Left=\"36\" Right=\"36\"/></Page>\n";
         const int here = (onSpreads - next) / (options.spreads - s);
         for (int l = 0; l < here; ++l, ++next) {
             const std::string id = tagged("u", 0x1000 + next);
@@ -360,9 +370,12 @@ inline LargeIdml writeLargeIdml(const QString& root, const LargeIdmlOptions& opt
         for (int w = 0; w < 40; ++w)
             text += "Lorem ipsum dolor sit amet, consectetur adipiscing elit. ";
         const std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<idPkg:Story "
-                                "xmlns:idPkg=\"p\">\n\t<Story Self=\"ust" + std::to_string(s) + "\">\n"
-                                "\t\t<ParagraphStyleRange><CharacterStyleRange><Content>" + text + "</Content>\n"
-            + body + "\t\t</CharacterStyleRange></ParagraphStyleRange>\n\t</Story>\n</idPkg:Story>\n";
+                                "xmlns:idPkg=\"p\">\n\t<Story Self=\"ust" +
+                                std::to_string(s) +
+                                "\">\n"
+                                "\t\t<ParagraphStyleRange><CharacterStyleRange><Content>" +
+                                text + "</Content>\n" + body +
+                                "\t\t</CharacterStyleRange></ParagraphStyleRange>\n\t</Story>\n</idPkg:Story>\n";
         write(doc.packageFolder + QStringLiteral("/Stories/Story_ust%1.xml").arg(s), QByteArray::fromStdString(xml));
         designmap += "\t<idPkg:Story src=\"Stories/Story_ust" + std::to_string(s) + ".xml\"/>\n";
     }

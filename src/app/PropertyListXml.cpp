@@ -67,7 +67,8 @@ private:
         qsizetype i = m_bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
         if (m_bytes.startsWith("\xFF\xFE") || m_bytes.startsWith("\xFE\xFF"))
             return {}; // UTF-16, checked by the parser after decoding
-        while (i < m_bytes.size() && (m_bytes[i] == ' ' || m_bytes[i] == '\t' || m_bytes[i] == '\r' || m_bytes[i] == '\n'))
+        while (i < m_bytes.size() &&
+               (m_bytes[i] == ' ' || m_bytes[i] == '\t' || m_bytes[i] == '\r' || m_bytes[i] == '\n'))
             ++i;
         if (i >= m_bytes.size())
             return errorAt(i, QStringLiteral("the file holds no property list"));
@@ -109,7 +110,9 @@ private:
             if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
                 text += child.value();
             else if (child.type() == pugi::node_element)
-                return errorAt(child, QStringLiteral("<%1> inside <%2>").arg(QLatin1String(child.name()), QLatin1String(node.name())));
+                return errorAt(
+                    child,
+                    QStringLiteral("<%1> inside <%2>").arg(QLatin1String(child.name()), QLatin1String(node.name())));
         }
         return QString::fromUtf8(text);
     }
@@ -159,7 +162,9 @@ private:
             }
             if (!pendingKey) {
                 if (std::string_view(child.name()) != "key")
-                    return errorAt(child, QStringLiteral("<%1> in <dict> where a <key> was expected").arg(QLatin1String(child.name())));
+                    return errorAt(
+                        child,
+                        QStringLiteral("<%1> in <dict> where a <key> was expected").arg(QLatin1String(child.name())));
                 Result<QString> text = leafText(child);
                 if (!text)
                     return text.error();
@@ -279,7 +284,8 @@ public:
     Result<QByteArray> write(const QVariant& root)
     {
         m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
                 "<plist version=\"1.0\">\n";
         if (Status ok = value(root, 0); !ok)
             return ok.error();

@@ -32,7 +32,8 @@ QString unpackIdml(const QString& idmlPath, const QString& folder)
     if (!QFileInfo(idmlPath).isFile())
         return QStringLiteral("no such file");
     QProcess unzip;
-    unzip.start(QStringLiteral("unzip"), {QStringLiteral("-q"), QStringLiteral("-o"), idmlPath, QStringLiteral("-d"), folder});
+    unzip.start(QStringLiteral("unzip"),
+                {QStringLiteral("-q"), QStringLiteral("-o"), idmlPath, QStringLiteral("-d"), folder});
     if (!unzip.waitForStarted(10000))
         return QStringLiteral("unzip could not be started");
     unzip.closeWriteChannel();
@@ -90,8 +91,8 @@ void printTable(const QString& docPath, const QVariantList& records)
         int width;
     };
     static const Column columns[] = {
-        {&kLinkPageKey, "Page", 8},    {&kLinkNameKey, "Name", 32},     {&kLinkKindKey, "Kind", 12},
-        {&kLinkStatusKey, "Status", 9}, {&kLinkColorKey, "Colour", 11},  {&kLinkActualResKey, "ppi", 5},
+        {&kLinkPageKey, "Page", 8},        {&kLinkNameKey, "Name", 32},     {&kLinkKindKey, "Kind", 12},
+        {&kLinkStatusKey, "Status", 9},    {&kLinkColorKey, "Colour", 11},  {&kLinkActualResKey, "ppi", 5},
         {&kLinkEffectiveResKey, "eff", 5}, {&kLinkScaleKey, "Scale %", 10}, {&kLinkSizeKey, "Size", 9},
         {&kLinkProfileKey, "Profile", 26},
     };
@@ -131,11 +132,13 @@ int runLinks(const LinksOptions& options)
         const QVariantList records = processor.processLinksInIDMLFolder(unpacked.path(), docPath);
         for (const QVariant& record : records) {
             const QString linkStatus = record.toMap().value(links::kLinkStatusKey).toString();
-            if (status == kExitOk && (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
+            if (status == kExitOk &&
+                (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
                 status = kExitAlerts;
         }
         if (options.format == "json")
-            documents.append(QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
+            documents.append(
+                QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
         else
             printTable(docPath, records);
     }
@@ -152,9 +155,10 @@ void addLinksCommand(CLI::App& program, std::vector<Command>& commands)
     CLI::App* links = program.add_subcommand(
         "links", "List the placed files of IDML documents: page, kind, status, colour, resolution, scale, profile.");
     links->add_option("documents", options->documents, "IDML files")->required()->check(CLI::ExistingFile);
-    links->add_option("--links-dir", options->linkFolders,
-                      "Folder searched by file name for links that are not where the document recorded them "
-                      "(after the document's folder and its Links folder); may be repeated")
+    links
+        ->add_option("--links-dir", options->linkFolders,
+                     "Folder searched by file name for links that are not where the document recorded them "
+                     "(after the document's folder and its Links folder); may be repeated")
         ->check(CLI::ExistingDirectory);
     links->add_option("--format", options->format, "Output: table (default) or json")
         ->check(CLI::IsMember({"table", "json"}));

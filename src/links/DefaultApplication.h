@@ -45,11 +45,11 @@ private:
     QHash<QString, QStringList> m_defaults;
     QHash<QString, QStringList> m_added;
     QHash<QString, QStringList> m_removed;
-    QHash<QString, DesktopEntry> m_entries;     // desktop id -> entry (first folder wins)
-    QHash<QString, QStringList> m_declaredBy;   // MIME type -> desktop ids, sorted
+    QHash<QString, DesktopEntry> m_entries;   // desktop id -> entry (first folder wins)
+    QHash<QString, QStringList> m_declaredBy; // MIME type -> desktop ids, sorted
 
     mutable std::mutex m_cacheMutex;
-    mutable QHash<QString, QString> m_cache;    // MIME type -> name ("" when none)
+    mutable QHash<QString, QString> m_cache; // MIME type -> name ("" when none)
 };
 
 } // namespace quillon::links

@@ -96,7 +96,7 @@ LinkMetadata::LinkMetadata(QVariantMap& record, const QString& path, bool linked
 }
 
 bool LinkMetadata::iccProfileAndMoreFromMetadataStr(std::string_view packet, bool isTIFF, bool orEPS, bool orAI,
-                                                     bool orINDD)
+                                                    bool orINDD)
 {
     app::logLine(QStringLiteral("> iccProfileAndMoreFromMetadataStr"));
     if (packet.empty()) {
@@ -183,8 +183,8 @@ void LinkMetadata::linksFromDescriptionNode(pugi::xml_node description)
         return;
     const bool isInDesign = m_record.value(kLinkKindKey).toString().contains(QLatin1String("InDesign"));
     const QStringList values = isInDesign
-        ? valuesAtPath(manifest, {"rdf:Bag", "rdf:li", "stMfs:reference", "stRef:lastURL"})
-        : valuesAtPath(manifest, {"rdf:Seq", "rdf:li", "stMfs:reference", "stRef:filePath"});
+                                   ? valuesAtPath(manifest, {"rdf:Bag", "rdf:li", "stMfs:reference", "stRef:lastURL"})
+                                   : valuesAtPath(manifest, {"rdf:Seq", "rdf:li", "stMfs:reference", "stRef:filePath"});
     if (values.isEmpty())
         return;
     QVariantList links;

@@ -9,8 +9,8 @@ namespace {
 
 bool isDriveLetterPath(QStringView path)
 {
-    return path.size() >= 2 && path[0].isLetter() && path[0].unicode() < 128 && path[1] == u':'
-        && (path.size() == 2 || path[2] == u'/' || path[2] == u'\\');
+    return path.size() >= 2 && path[0].isLetter() && path[0].unicode() < 128 && path[1] == u':' &&
+           (path.size() == 2 || path[2] == u'/' || path[2] == u'\\');
 }
 
 } // namespace

@@ -112,7 +112,8 @@ bool LinkRecordBuilder::parseLinkNode(const LinkSource& source, QVariantMap& rec
     format.remove(QStringLiteral("$ID/"));
     QString kind = fileKindFromString(format, path);
     const QString app = exists ? m_context.defaultApps->defaultAppForFile(path) : kLinkNotKnown;
-    if (kind == kLinkKindPDF && (app::pathExtension(path) == QLatin1String("ai") || app.contains(QLatin1String("Illustr"))))
+    if (kind == kLinkKindPDF &&
+        (app::pathExtension(path) == QLatin1String("ai") || app.contains(QLatin1String("Illustr"))))
         kind = kLinkKindPDFFromAI;
     const std::uint32_t sizeBytes = sizeBytesFromString(source.resourceSize);
 
@@ -164,8 +165,8 @@ void LinkRecordBuilder::readFileFacts(const LinkSource& source, QVariantMap& rec
     QString kind = record.value(kLinkKindKey).toString();
     if (kind != kLinkKindPDF) {
         if (source.hasMetadataPacket)
-            metadata.iccProfileAndMoreFromMetadataStr(source.metadataPacket, kind == kLinkKindTIFF, kind == kLinkKindEPS,
-                                                      kind.contains(QLatin1String("ai")),
+            metadata.iccProfileAndMoreFromMetadataStr(source.metadataPacket, kind == kLinkKindTIFF,
+                                                      kind == kLinkKindEPS, kind.contains(QLatin1String("ai")),
                                                       kind.contains(QLatin1String("InDesign")));
         kind = record.value(kLinkKindKey).toString();
         if (record.value(kLinkProfileKey).toString().isEmpty() && exists) {

@@ -55,12 +55,12 @@ struct LinkSource {
 class LinkRecordBuilder {
 public:
     struct Context {
-        QString documentPath;               // the document's path, the records' "docPath"
-        QStringList linkSearchFolders;      // where links missing at their recorded path are looked for
+        QString documentPath;          // the document's path, the records' "docPath"
+        QStringList linkSearchFolders; // where links missing at their recorded path are looked for
         const LinkedFileReader* reader = nullptr;
         const DefaultApplications* defaultApps = nullptr;
-        app::AlertSink* alerts = nullptr;   // for the readers' "could not be parsed" alerts; may be null
-        QDateTime now;                      // the date of a link whose recorded date does not read
+        app::AlertSink* alerts = nullptr; // for the readers' "could not be parsed" alerts; may be null
+        QDateTime now;                    // the date of a link whose recorded date does not read
     };
 
     explicit LinkRecordBuilder(Context context);

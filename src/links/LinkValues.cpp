@@ -6,8 +6,6 @@
 #include "links/LinkRecordKeys.h"
 #include "links/TextFields.h"
 
-
-
 #include <QHash>
 
 #include <cmath>
@@ -104,8 +102,9 @@ LinkColor colorFromSpace(const QString& space)
 {
     QString color = space;
     color.remove(QStringLiteral("$ID/#Links_"));
-    if (color.isEmpty() || color == QLatin1String("CMYK") || color == QLatin1String("RGB")
-        || color == QLatin1String("Grayscale") || color == kLinkColorBlackAndWhite || color.contains(QLatin1String(" Inks")))
+    if (color.isEmpty() || color == QLatin1String("CMYK") || color == QLatin1String("RGB") ||
+        color == QLatin1String("Grayscale") || color == kLinkColorBlackAndWhite ||
+        color.contains(QLatin1String(" Inks")))
         return {color, false};
     static const QString panelPrefix = QStringLiteral("$ID/kLinksPanel");
     if (color == QLatin1String("Indexed RGB"))

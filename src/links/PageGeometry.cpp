@@ -24,8 +24,8 @@ double frameX(pugi::xml_node frame)
 {
     const pugi::xml_node firstPoint =
         firstAtPath(frame, {"Properties", "PathGeometry", "GeometryPathType", "PathPointArray", "PathPointType"});
-    return leadingDouble(blankField(attr(firstPoint, "Anchor"), 0))
-        + leadingDouble(blankField(attr(frame, "ItemTransform"), 4));
+    return leadingDouble(blankField(attr(firstPoint, "Anchor"), 0)) +
+           leadingDouble(blankField(attr(frame, "ItemTransform"), 4));
 }
 
 PageHit hitOrUnknown(const std::optional<QString>& name, std::optional<double> sortOrder)

@@ -90,15 +90,15 @@ private:
 
     // The current spread's page table.
     bool m_isMaster = false;
-    std::optional<QString> m_pgName;                 // single page, and the master spread's name
-    std::optional<double> m_sortOrderOfPage;         // single page of an ordinary spread
-    std::optional<QString> m_leftName;               // two facing pages
+    std::optional<QString> m_pgName;         // single page, and the master spread's name
+    std::optional<double> m_sortOrderOfPage; // single page of an ordinary spread
+    std::optional<QString> m_leftName;       // two facing pages
     std::optional<QString> m_rightName;
     std::optional<std::pair<double, double>> m_sortOrdersOf2FacingPages;
-    std::map<int, PageRecord> m_pagesByKey;          // several pages: signed key -> page
+    std::map<int, PageRecord> m_pagesByKey; // several pages: signed key -> page
 
     PageSizes m_docPageSizes;
-    QHash<QString, size_t> m_sizeIndex;              // "width height" -> index in m_docPageSizes
+    QHash<QString, size_t> m_sizeIndex; // "width height" -> index in m_docPageSizes
     QHash<QString, double> m_docPageSortOrdersForPageNames;
 };
 

@@ -70,8 +70,7 @@ LinkSource sourceOfLink(pugi::xml_node link)
 
 // Calls `visit` with every element under `root` in document order. Iterative, so a hostile
 // depth of nesting cannot exhaust the stack.
-template <typename Visit>
-void forEachElement(pugi::xml_node root, Visit&& visit)
+template <typename Visit> void forEachElement(pugi::xml_node root, Visit&& visit)
 {
     pugi::xml_node node = root.first_child();
     while (node) {
@@ -159,8 +158,8 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
 
     app::logLine(QStringLiteral("---> start idml spreads"));
     std::vector<LinkSource> sources;
-    for (const auto& [folder, label, isMaster] : {std::tuple{"MasterSpreads", "Master Spread", true},
-                                                  std::tuple{"Spreads", "Spread", false}}) {
+    for (const auto& [folder, label, isMaster] :
+         {std::tuple{"MasterSpreads", "Master Spread", true}, std::tuple{"Spreads", "Spread", false}}) {
         int count = 0;
         for (const QString& path : packagePartFiles(packageFolder, QLatin1String(folder))) {
             if (cancelled())

@@ -18,7 +18,7 @@ namespace quillon::app {
 class AlertSink;
 class CancelFlag;
 class ProgressSink;
-}
+} // namespace quillon::app
 
 namespace quillon::links {
 
@@ -28,10 +28,10 @@ class LinkedFileReader;
 
 // What a links run needs from the preflight that starts it. Every pointer may be null.
 struct LinksController {
-    app::ProgressSink* progress = nullptr;  // status texts ("Preflighting links: Spread 3")
-    app::CancelFlag* cancel = nullptr;      // checked between files; a cancelled run writes no data file
-    app::AlertSink* alerts = nullptr;       // the file readers' "could not be parsed" alerts
-    bool isBatchPreflight = false;          // a batch shows no per-file status
+    app::ProgressSink* progress = nullptr; // status texts ("Preflighting links: Spread 3")
+    app::CancelFlag* cancel = nullptr;     // checked between files; a cancelled run writes no data file
+    app::AlertSink* alerts = nullptr;      // the file readers' "could not be parsed" alerts
+    bool isBatchPreflight = false;         // a batch shows no per-file status
     // The document's link count as the host reported it; negative: counted from the package.
     // When the spreads hold fewer links, the stories are read for anchored ones.
     int numberOfLinksInDoc = -1;

@@ -20,17 +20,17 @@ public:
     // Called while a spread is read: the first frame of `storyId` in that spread lies on `pageName`.
     void addFrame(const QString& spreadPath, const QString& storyId, const QString& pageName);
 
-    // Fixes the order in which spreads are searched (without it: the order they were read). `designmapOrder` holds package-relative paths;
-    // `packageFolder` turns them into the paths given to addFrame.
+    // Fixes the order in which spreads are searched (without it: the order they were read). `designmapOrder` holds
+    // package-relative paths; `packageFolder` turns them into the paths given to addFrame.
     void setSpreadOrder(const QString& packageFolder, const QStringList& designmapOrder);
 
     QString pageNameForLinkID(const QString& linkId, const QString& storyId) override;
 
 private:
-    QStringList m_readOrder;                                 // spread paths as read
+    QStringList m_readOrder;                                  // spread paths as read
     QHash<QString, QHash<QString, QString>> m_framesBySpread; // spread path -> story -> page
     QStringList m_searchOrder;
-    QHash<QString, QString> m_pageByStory;                   // answers found so far
+    QHash<QString, QString> m_pageByStory; // answers found so far
 };
 
 } // namespace quillon::links

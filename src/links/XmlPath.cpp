@@ -13,7 +13,8 @@ bool findFirst(pugi::xml_node node, const std::string_view* names, size_t count,
         return true;
     }
     for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling())
-        if (child.type() == pugi::node_element && names[0] == child.name() && findFirst(child, names + 1, count - 1, found))
+        if (child.type() == pugi::node_element && names[0] == child.name() &&
+            findFirst(child, names + 1, count - 1, found))
             return true;
     return false;
 }

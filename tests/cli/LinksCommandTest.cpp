@@ -53,7 +53,8 @@ TEST(CliLinks, LinksDirFindsLinksAndUnreadableDocumentsAreNamed)
     EXPECT_EQ(link.value(QStringLiteral("path")).toString(), samplePath(sets + QStringLiteral("media/default.jpg")));
 
     const QString notIdml = samplePath(QStringLiteral("tiff/hopper.tif"));
-    const auto broken = runQuillon({QStringLiteral("links"), notIdml, samplePath(QStringLiteral("idml/interview.idml"))});
+    const auto broken =
+        runQuillon({QStringLiteral("links"), notIdml, samplePath(QStringLiteral("idml/interview.idml"))});
     EXPECT_EQ(broken.exitCode, 2);
     EXPECT_TRUE(broken.err.contains(notIdml.toUtf8())) << broken.err.toStdString();
     EXPECT_TRUE(broken.out.contains("interview.idml")) << "the other documents are still listed";

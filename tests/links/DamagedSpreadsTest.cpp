@@ -85,7 +85,8 @@ TEST(DamagedSpreads, RandomlyDamagedSpreadsNeverCrash)
                 damaged.remove(at, static_cast<qsizetype>(random.bounded(64)));
                 break;
             default:
-                damaged.insert(at, damaged.mid(static_cast<qsizetype>(random.bounded(static_cast<quint32>(damaged.size()))), 40));
+                damaged.insert(
+                    at, damaged.mid(static_cast<qsizetype>(random.bounded(static_cast<quint32>(damaged.size()))), 40));
                 break;
             }
         }

@@ -17,7 +17,8 @@ void desktopFile(const QString& folder, const QString& id, const QString& name, 
                  bool hidden = false)
 {
     QDir().mkpath(folder);
-    QString text = QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nName[de]=Anders\nMimeType=%2\n").arg(name, mimeTypes);
+    QString text = QStringLiteral("[Desktop Entry]\nType=Application\nName=%1\nName[de]=Anders\nMimeType=%2\n")
+                       .arg(name, mimeTypes);
     if (hidden)
         text += QStringLiteral("Hidden=true\n");
     text += QStringLiteral("[Desktop Action new]\nName=Not this one\n");
@@ -33,9 +34,12 @@ TEST(DefaultApplication, DefaultsThenAddedThenDeclaredApplications)
     const QString userData = root.filePath(QStringLiteral("user"));
     const QString systemData = root.filePath(QStringLiteral("system"));
     const QString apps = systemData + QStringLiteral("/applications");
-    desktopFile(apps, QStringLiteral("viewer.desktop"), QStringLiteral("Image Viewer"), QStringLiteral("image/jpeg;image/png;"));
-    desktopFile(apps, QStringLiteral("editor.desktop"), QStringLiteral("Image Editor"), QStringLiteral("image/jpeg;image/tiff;"));
-    desktopFile(apps + QStringLiteral("/kde"), QStringLiteral("paint.desktop"), QStringLiteral("Paint"), QStringLiteral("image/gif;"));
+    desktopFile(apps, QStringLiteral("viewer.desktop"), QStringLiteral("Image Viewer"),
+                QStringLiteral("image/jpeg;image/png;"));
+    desktopFile(apps, QStringLiteral("editor.desktop"), QStringLiteral("Image Editor"),
+                QStringLiteral("image/jpeg;image/tiff;"));
+    desktopFile(apps + QStringLiteral("/kde"), QStringLiteral("paint.desktop"), QStringLiteral("Paint"),
+                QStringLiteral("image/gif;"));
     desktopFile(userData + QStringLiteral("/applications"), QStringLiteral("editor.desktop"), QStringLiteral("Gone"),
                 QStringLiteral("image/jpeg;"), true);
     desktopFile(apps, QStringLiteral("texts.desktop"), QStringLiteral("Text Editor"), QStringLiteral("text/plain;"));
@@ -44,7 +48,8 @@ TEST(DefaultApplication, DefaultsThenAddedThenDeclaredApplications)
                             "[Default Applications]\nimage/png=missing.desktop;viewer.desktop;\n"
                             "[Added Associations]\nimage/gif=kde-paint.desktop;\n"
                             "[Removed Associations]\nimage/tiff=editor.desktop;\n");
-    quillon::test::writeAll(config + QStringLiteral("/mate-mimeapps.list"), "[Default Applications]\nimage/gif=viewer.desktop\n");
+    quillon::test::writeAll(config + QStringLiteral("/mate-mimeapps.list"),
+                            "[Default Applications]\nimage/gif=viewer.desktop\n");
 
     const DefaultApplications table({config}, {userData, systemData}, {QStringLiteral("mate")});
     // The first installed default wins; the desktop's own list comes first.

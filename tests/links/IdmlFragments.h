@@ -18,7 +18,7 @@ struct PlacedLink {
     std::string graphicSelf = "u1a3";
     std::string graphicAttributes =
         "Space=\"$ID/#Links_RGB\" ActualPpi=\"300 300\" EffectivePpi=\"150 150\" ItemTransform=\"0.5 0 0 0.5 0 0\"";
-    std::string graphicInner;   // metadata packet preference and the like, before the Link
+    std::string graphicInner; // metadata packet preference and the like, before the Link
     std::string frameAttributes;
     double x = 10;
 };

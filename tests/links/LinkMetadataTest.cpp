@@ -20,8 +20,8 @@ std::string packet(const std::string& namespaces, const std::string& body)
 {
     return "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
            "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">"
-           "<rdf:Description rdf:about=\"\" "
-        + namespaces + ">" + body + "</rdf:Description></rdf:RDF></x:xmpmeta><?xpacket end=\"r\"?>";
+           "<rdf:Description rdf:about=\"\" " +
+           namespaces + ">" + body + "</rdf:Description></rdf:RDF></x:xmpmeta><?xpacket end=\"r\"?>";
 }
 
 std::string plates(std::initializer_list<const char*> names)
@@ -40,9 +40,9 @@ struct Fixture {
     {
         record.insert(kLinkKindKey, kind);
         LinkMetadata metadata(record, path, exists, reader, nullptr);
-        return metadata.iccProfileAndMoreFromMetadataStr(text, kind == QLatin1String("TIFF"),
-                                                         kind == QLatin1String("EPS"), kind.contains(QLatin1String("ai")),
-                                                         kind.contains(QLatin1String("InDesign")));
+        return metadata.iccProfileAndMoreFromMetadataStr(
+            text, kind == QLatin1String("TIFF"), kind == QLatin1String("EPS"), kind.contains(QLatin1String("ai")),
+            kind.contains(QLatin1String("InDesign")));
     }
 };
 
@@ -71,8 +71,8 @@ TEST(LinkMetadata, IllustratorFontsAreAListAndACountNumber)
 {
     Fixture fixture;
     fixture.read(packet("", "<xmpTPg:Fonts><rdf:Bag><rdf:li><stFnt:fontName>MyriadPro-Regular</stFnt:fontName></rdf:li>"
-                            "<rdf:li><stFnt:fontName>ApexNew-Book</stFnt:fontName></rdf:li></rdf:Bag></xmpTPg:Fonts>"
-                            + plates({"PANTONE 1 C", "PANTONE 2 C"})),
+                            "<rdf:li><stFnt:fontName>ApexNew-Book</stFnt:fontName></rdf:li></rdf:Bag></xmpTPg:Fonts>" +
+                                plates({"PANTONE 1 C", "PANTONE 2 C"})),
                  QStringLiteral("PDF (.ai)"));
     EXPECT_EQ(fixture.record.value(kLinkEpsFontListKey), QStringLiteral("MyriadPro-Regular\rApexNew-Book"));
     EXPECT_EQ(fixture.record.value(kLinkEpsFontsKey), QVariant(2));
@@ -94,7 +94,8 @@ TEST(LinkMetadata, IllustratorWithoutPlatesFallsBackToThePostScriptHead)
     EXPECT_EQ(fixture.record.value(kLinkEpsColListKey), QStringLiteral("PANTONE 300 C\rGold"));
 
     // A file that carries its own XMP said all there is: the head is not searched.
-    quillon::test::writeAll(path, "%PDF-1.5 <</Subtype/XML/Type/Metadata>> %%DocumentCustomColors: (X)\r%%CMYKCustomColor");
+    quillon::test::writeAll(path,
+                            "%PDF-1.5 <</Subtype/XML/Type/Metadata>> %%DocumentCustomColors: (X)\r%%CMYKCustomColor");
     Fixture xmp;
     xmp.reader.preCS3 = {QString(), QStringLiteral("Helvetica")};
     xmp.read(packet("", ""), kLinkKindPDFFromAI, true, path);
@@ -125,8 +126,8 @@ TEST(LinkMetadata, TiffCompressionRenamesTheKindKeepingItsOddities)
 TEST(LinkMetadata, ProfilesComeFromTheFirstDescriptionOnly)
 {
     Fixture fixture;
-    EXPECT_TRUE(fixture.read(packet("", "<photoshop:ICCProfile>sRGB IEC61966-2.1</photoshop:ICCProfile>"),
-                             kLinkKindJPEG));
+    EXPECT_TRUE(
+        fixture.read(packet("", "<photoshop:ICCProfile>sRGB IEC61966-2.1</photoshop:ICCProfile>"), kLinkKindJPEG));
     EXPECT_EQ(fixture.record.value(kLinkProfileKey), QStringLiteral("sRGB IEC61966-2.1"));
 
     Fixture second;
@@ -159,13 +160,13 @@ TEST(LinkMetadata, NestedLinksOfAPlacedInDesignFile)
     QTemporaryDir dir;
     const QString present = dir.filePath(QStringLiteral("logo.psd"));
     quillon::test::writeAll(present, QByteArray(2500, 'x'));
-    const std::string manifest =
-        "<xmpMM:Manifest><rdf:Bag>"
-        "<rdf:li><stMfs:reference><stRef:lastURL>file://"
-        + QUrl::toPercentEncoding(present, "/").toStdString()
-        + "</stRef:lastURL></stMfs:reference></rdf:li>"
-          "<rdf:li><stMfs:reference><stRef:lastURL>file:///nowhere/gone%20away.tif</stRef:lastURL></stMfs:reference></rdf:li>"
-          "</rdf:Bag></xmpMM:Manifest>";
+    const std::string manifest = "<xmpMM:Manifest><rdf:Bag>"
+                                 "<rdf:li><stMfs:reference><stRef:lastURL>file://" +
+                                 QUrl::toPercentEncoding(present, "/").toStdString() +
+                                 "</stRef:lastURL></stMfs:reference></rdf:li>"
+                                 "<rdf:li><stMfs:reference><stRef:lastURL>file:///nowhere/gone%20away.tif</"
+                                 "stRef:lastURL></stMfs:reference></rdf:li>"
+                                 "</rdf:Bag></xmpMM:Manifest>";
     Fixture fixture;
     EXPECT_TRUE(fixture.read(packet("xmlns:stMfs=\"http://ns.adobe.com/xap/1.0/sType/ManifestItem#\"", manifest),
                              QStringLiteral("InDesign")));
@@ -191,9 +192,10 @@ TEST(LinkMetadata, NestedLinksOfAPlacedInDesignFile)
 
 TEST(LinkMetadata, NestedLinksOfAnIllustratorFileUseFilePaths)
 {
-    const std::string manifest = "<xmpMM:Manifest><rdf:Seq><rdf:li><stMfs:reference><stRef:filePath>/x/a.bmp"
-                                 "</stRef:filePath></stMfs:reference></rdf:li><rdf:li><stMfs:reference>"
-                                 "<stRef:filePath></stRef:filePath></stMfs:reference></rdf:li></rdf:Seq></xmpMM:Manifest>";
+    const std::string manifest =
+        "<xmpMM:Manifest><rdf:Seq><rdf:li><stMfs:reference><stRef:filePath>/x/a.bmp"
+        "</stRef:filePath></stMfs:reference></rdf:li><rdf:li><stMfs:reference>"
+        "<stRef:filePath></stRef:filePath></stMfs:reference></rdf:li></rdf:Seq></xmpMM:Manifest>";
     Fixture fixture;
     fixture.read(packet("xmlns:stMfs=\"m\"", manifest), kLinkKindPDFFromAI);
     const QVariantList links = fixture.record.value(kLinkNestedLinksKey).toList();
@@ -208,8 +210,8 @@ TEST(LinkMetadata, PacketsThatDoNotReadChangeNothing)
     EXPECT_FALSE(fixture.read("<not xml", kLinkKindJPEG));
     EXPECT_FALSE(fixture.read("<x:xmpmeta><rdf:RDF/></x:xmpmeta>", kLinkKindJPEG));
     EXPECT_FALSE(fixture.read("<rdf:RDF><rdf:Description/></rdf:RDF>", kLinkKindJPEG));
-    EXPECT_FALSE(fixture.read("<!DOCTYPE x [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;&a;&a;\">]><x:xmpmeta>&b;</x:xmpmeta>",
-                              kLinkKindJPEG));
+    EXPECT_FALSE(fixture.read(
+        "<!DOCTYPE x [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;&a;&a;\">]><x:xmpmeta>&b;</x:xmpmeta>", kLinkKindJPEG));
     EXPECT_EQ(fixture.record.size(), 1);
 }
 
@@ -222,9 +224,12 @@ TEST(LinkMetadata, CustomColoursNeedBothMarkersInOrder)
     EXPECT_EQ(colors->count, QStringLiteral("3"));
     EXPECT_EQ(colors->list, QStringLiteral("PANTONE 239 C\rPANTONE 252 C\rPANTONE 253 C"));
 
-    EXPECT_FALSE(LinkMetadata::customColorsInText(QStringLiteral("%%DocumentCustomColors: (A)\r%%RGBCustomColor"), false));
-    EXPECT_TRUE(LinkMetadata::customColorsInText(QStringLiteral("%%DocumentCustomColors: (A)\r%%RGBCustomColor"), true));
-    EXPECT_FALSE(LinkMetadata::customColorsInText(QStringLiteral("%%CMYKCustomColor %%DocumentCustomColors: (A)"), true));
+    EXPECT_FALSE(
+        LinkMetadata::customColorsInText(QStringLiteral("%%DocumentCustomColors: (A)\r%%RGBCustomColor"), false));
+    EXPECT_TRUE(
+        LinkMetadata::customColorsInText(QStringLiteral("%%DocumentCustomColors: (A)\r%%RGBCustomColor"), true));
+    EXPECT_FALSE(
+        LinkMetadata::customColorsInText(QStringLiteral("%%CMYKCustomColor %%DocumentCustomColors: (A)"), true));
     EXPECT_FALSE(LinkMetadata::customColorsInText(QStringLiteral("CustomColors: ("), true));
 }
 
@@ -237,7 +242,9 @@ QVariantMap readEps(const QByteArray& head, const QString& color, quillon::test:
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("x.eps"));
     quillon::test::writeAll(path, head);
-    QVariantMap record{{kLinkKindKey, kLinkKindEPS}, {kLinkColorKey, color}, {kLinkActualResKey, actual},
+    QVariantMap record{{kLinkKindKey, kLinkKindEPS},
+                       {kLinkColorKey, color},
+                       {kLinkActualResKey, actual},
                        {kLinkHorScaleKey, QStringLiteral("50")}};
     LinkMetadata(record, path, true, reader, nullptr).processEPS();
     return record;
@@ -274,7 +281,8 @@ TEST(LinkMetadata, RasterEpsColoursByTheRecordsColour)
     EXPECT_EQ(two.value(kLinkEpsColsKey), QStringLiteral("2"));
     EXPECT_EQ(two.value(kLinkEpsColListKey), QStringLiteral("PANTONE 327 CVC\rBlack"));
 
-    const QByteArray bitmap = "%!PS-Adobe-3.0 EPSF-3.0\r%%DocumentProcessColors: Black\r%ImageData: 100 67 1 1 0 13 7\r";
+    const QByteArray bitmap =
+        "%!PS-Adobe-3.0 EPSF-3.0\r%%DocumentProcessColors: Black\r%ImageData: 100 67 1 1 0 13 7\r";
     EXPECT_EQ(readEps(bitmap, kLinkColorUnknown, reader).value(kLinkColorKey), kLinkColorBlackAndWhite);
 
     // Markers out of order give no colours rather than a failure.
@@ -291,7 +299,8 @@ TEST(LinkMetadata, RasterEpsColoursByTheRecordsColour)
     EXPECT_EQ(unread.value(kLinkEpsColsKey), QStringLiteral("?"));
     EXPECT_EQ(unread.value(kLinkEpsColListKey), QStringLiteral("-"));
 
-    const QByteArray multichannel = "%!PS-Adobe-3.0 ImageData %%DocumentCustomColors: (Varnish)\r%%CMYKCustomColor: 0 0 0 0 (Varnish)\r";
+    const QByteArray multichannel =
+        "%!PS-Adobe-3.0 ImageData %%DocumentCustomColors: (Varnish)\r%%CMYKCustomColor: 0 0 0 0 (Varnish)\r";
     const QVariantMap channels = readEps(multichannel, QStringLiteral("Unknown"), reader);
     EXPECT_EQ(channels.value(kLinkKindKey), kLinkKindEPSDCS);
     EXPECT_EQ(channels.value(kLinkColorKey), QStringLiteral("Multichannel"));
@@ -301,8 +310,10 @@ TEST(LinkMetadata, RasterEpsColoursByTheRecordsColour)
 TEST(LinkMetadata, PhotoshopEpsBehindAPreviewIsReadFromItsPostScriptHead)
 {
     quillon::test::FakeLinkedFileReader reader;
-    reader.previewHead = QStringLiteral("%!PS-Adobe-3.0 EPSF-3.0\r%%HiResBoundingBox: 0 0 72 72\r%ImageData: 300 300 8 4 0 1 1 \"x\"\r");
-    const QVariantMap record = readEps(QByteArray("\xC5\xD0\xD3\xC6 binary Adobe Photoshop 7.0 head"), QStringLiteral("RGB"), reader);
+    reader.previewHead =
+        QStringLiteral("%!PS-Adobe-3.0 EPSF-3.0\r%%HiResBoundingBox: 0 0 72 72\r%ImageData: 300 300 8 4 0 1 1 \"x\"\r");
+    const QVariantMap record =
+        readEps(QByteArray("\xC5\xD0\xD3\xC6 binary Adobe Photoshop 7.0 head"), QStringLiteral("RGB"), reader);
     EXPECT_EQ(record.value(kLinkActualResKey), QStringLiteral("300"));
     EXPECT_EQ(record.value(kLinkKindKey), kLinkKindEPSJPEG);
 }
@@ -312,7 +323,8 @@ TEST(LinkMetadata, VectorEpsTakesTheReadersFacts)
     quillon::test::FakeLinkedFileReader reader;
     reader.epsFacts = LinkedFileReader::VectorEPSFacts{QStringLiteral("CMYK"), 3, QStringLiteral("A\rB\rC"),
                                                        QStringLiteral("E2"), QStringLiteral("Embedded fonts:\rX\rY")};
-    const QVariantMap record = readEps("%!PS-Adobe-3.0 EPSF-3.0\r%%Creator: Adobe Illustrator(R) 8.0\r", kLinkColorUnknown, reader);
+    const QVariantMap record =
+        readEps("%!PS-Adobe-3.0 EPSF-3.0\r%%Creator: Adobe Illustrator(R) 8.0\r", kLinkColorUnknown, reader);
     EXPECT_EQ(record.value(kLinkEpsColsKey), QVariant(3));
     EXPECT_EQ(record.value(kLinkEpsColListKey), QStringLiteral("A\rB\rC"));
     EXPECT_EQ(record.value(kLinkEpsFontsKey), QStringLiteral("E2"));

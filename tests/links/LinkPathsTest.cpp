@@ -23,7 +23,8 @@ TEST(LinkPaths, FileUrisGiveDecodedPaths)
     EXPECT_EQ(pathFromFileUri(QStringLiteral("file:///C:/x.jpg"), doc), QStringLiteral("C:/x.jpg"));
     EXPECT_EQ(pathFromFileUri(QStringLiteral("file:///Users/a.jpg"), doc), QStringLiteral("/Users/a.jpg"));
     EXPECT_EQ(pathFromFileUri(QStringLiteral("file://localhost/Users/a.jpg"), doc), QStringLiteral("/Users/a.jpg"));
-    EXPECT_EQ(pathFromFileUri(QStringLiteral("file://server/share/a.jpg"), doc), QStringLiteral("//server/share/a.jpg"));
+    EXPECT_EQ(pathFromFileUri(QStringLiteral("file://server/share/a.jpg"), doc),
+              QStringLiteral("//server/share/a.jpg"));
     EXPECT_EQ(pathFromFileUri(QStringLiteral("file:../../IDML/media/b.jpg"), QStringLiteral("/r/IDML/expected")),
               QStringLiteral("/r/IDML/media/b.jpg"));
     EXPECT_EQ(pathFromFileUri(QStringLiteral("file:/a/b%23c.jpg?x#y"), doc), QStringLiteral("/a/b#c.jpg"));
@@ -53,8 +54,9 @@ TEST(LinkPaths, RelocationSearchesTheDocumentFolderThenLinksThenExtraFoldersInOr
     quillon::test::writeAll(root.filePath(QStringLiteral("extra1/b.jpg")), "b");
     QDir().mkpath(docFolder + QStringLiteral("/c.jpg")); // a folder is not a link
 
-    const QStringList folders = linkSearchFolders(docFolder + QStringLiteral("/job.idml"),
-                                                  {root.filePath(QStringLiteral("extra2")), root.filePath(QStringLiteral("extra1"))});
+    const QStringList folders =
+        linkSearchFolders(docFolder + QStringLiteral("/job.idml"),
+                          {root.filePath(QStringLiteral("extra2")), root.filePath(QStringLiteral("extra1"))});
     ASSERT_EQ(folders.size(), 4);
     EXPECT_EQ(relocatedLinkPath(QStringLiteral("a.jpg"), folders), docFolder + QStringLiteral("/Links/a.jpg"));
     EXPECT_EQ(relocatedLinkPath(QStringLiteral("b.jpg"), folders), root.filePath(QStringLiteral("extra2/b.jpg")));

@@ -1,5 +1,5 @@
-#include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
+#include "links/LinkRecordKeys.h"
 
 #include <QTimeZone>
 

@@ -74,8 +74,8 @@ std::string presentFile(const QString& path, qint64 offsetSeconds)
     file.setFileTime(linkTime.addSecs(offsetSeconds), QFileDevice::FileModificationTime);
     const qint64 filetime = (linkTime.toSecsSinceEpoch() + 11644473600LL) * 10'000'000LL;
     return "LinkResourceFormat=\"$ID/JPEG\" StoredState=\"Normal\" LinkResourceSize=\"0~2bf20\" "
-           "LinkImportModificationTime=\"2024-03-01T11:00:00\" LinkImportStamp=\"file "
-        + std::to_string(filetime) + " 180000\"";
+           "LinkImportModificationTime=\"2024-03-01T11:00:00\" LinkImportStamp=\"file " +
+           std::to_string(filetime) + " 180000\"";
 }
 
 std::string uriOf(const QString& path)
@@ -170,7 +170,8 @@ TEST(LinksProcessor, LinksFromAnotherComputerAreFoundByName)
     c.uri = "file:/Volumes/Server/Job/c.jpg";
     doc.controller.linkFolders = {doc.file(QStringLiteral("extra"))};
     doc.write({{"Spreads/Spread_u1.xml",
-                test::spreadXml(1, 0, 0, {{"1", 0}}, test::placedLinkXml(a) + test::placedLinkXml(b) + test::placedLinkXml(c))}});
+                test::spreadXml(1, 0, 0, {{"1", 0}},
+                                test::placedLinkXml(a) + test::placedLinkXml(b) + test::placedLinkXml(c))}});
 
     const QVariantList records = doc.run();
     ASSERT_EQ(records.size(), 3);
@@ -192,10 +193,11 @@ TEST(LinksProcessor, StoriesAreReadOnlyWhenTheSpreadsHoldTooFewLinks)
     PlacedLink anchored;
     anchored.linkSelf = "u20";
     anchored.uri = "file:/nowhere/anchored.psd";
-    doc.write({{"Spreads/Spread_u1.xml",
-                test::spreadXml(2, 1, 600, {{"2", -612}, {"3", 0}}, test::placedLinkXml(onSpread) + test::textFrameXml("ust", 20))},
-               {"Stories/Story_ust.xml", test::storyXml("ust", test::placedLinkXml(anchored))}},
-              {"Spreads/Spread_u1.xml"});
+    doc.write(
+        {{"Spreads/Spread_u1.xml", test::spreadXml(2, 1, 600, {{"2", -612}, {"3", 0}},
+                                                   test::placedLinkXml(onSpread) + test::textFrameXml("ust", 20))},
+         {"Stories/Story_ust.xml", test::storyXml("ust", test::placedLinkXml(anchored))}},
+        {"Spreads/Spread_u1.xml"});
 
     doc.controller.numberOfLinksInDoc = 1;
     EXPECT_EQ(doc.run().size(), 1);
@@ -300,7 +302,8 @@ TEST(LinksProcessor, TheEntryPointAnswersWithTheLowByteOfTheCount)
             body += test::placedLinkXml(link);
         }
         doc.write({{"Spreads/Spread_1.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, body)}});
-        return QNIDMLLinksProcessor::processLinksInIDMLFolderAtPath(doc.package(), doc.docPath(), doc.controller, sizes);
+        return QNIDMLLinksProcessor::processLinksInIDMLFolderAtPath(doc.package(), doc.docPath(), doc.controller,
+                                                                    sizes);
     };
     PageSizes sizes;
     EXPECT_TRUE(runWith(255, &sizes));
@@ -372,8 +375,8 @@ TEST(LinksProcessor, FramesGraphicsAndFormatsShapeTheRecord)
     bare.graphicAttributes = "Nonprinting=\"true\" Space=\"$ID/kLinksPanelCMYKWithSpot\"";
     doc.reader.aiColorMode = QStringLiteral("RGB");
     doc.write({{"Spreads/Spread_1.xml", test::spreadXml(1, 0, 0, {{"1", 0}},
-                                                        test::placedLinkXml(pdf) + test::placedLinkXml(web)
-                                                            + test::placedLinkXml(bare) + "<Link/>")}});
+                                                        test::placedLinkXml(pdf) + test::placedLinkXml(web) +
+                                                            test::placedLinkXml(bare) + "<Link/>")}});
     const QVariantList records = doc.run();
     ASSERT_EQ(records.size(), 2);
     const QVariantMap ai = records[0].toMap();
@@ -402,8 +405,8 @@ TEST(LinksProcessor, HostileFilesNeverStopTheRun)
                 refs += "&lol" + (i == 1 ? std::string() : std::to_string(i - 1)) + ";";
             return refs;
         }() + "\">";
-    laughs += "]><idPkg:Spread><Spread PageCount=\"1\"><F/><Page Name=\"&lol9;\"/>" + test::placedLinkXml(PlacedLink())
-        + "</Spread></idPkg:Spread>";
+    laughs += "]><idPkg:Spread><Spread PageCount=\"1\"><F/><Page Name=\"&lol9;\"/>" +
+              test::placedLinkXml(PlacedLink()) + "</Spread></idPkg:Spread>";
     std::string deep;
     for (int i = 0; i < 100000; ++i)
         deep += "<g>";
@@ -426,8 +429,8 @@ TEST(LinksProcessor, HostileFilesNeverStopTheRun)
         const QByteArray chunk(1 << 20, 'a');
         for (int i = 0; i < 100; ++i)
             big.write(chunk);
-        big.write(QByteArray("\"><F/><Page Name=\"big\"/>") + QByteArray::fromStdString(test::placedLinkXml(good))
-                  + "</Spread></idPkg:Spread>");
+        big.write(QByteArray("\"><F/><Page Name=\"big\"/>") + QByteArray::fromStdString(test::placedLinkXml(good)) +
+                  "</Spread></idPkg:Spread>");
     }
     doc.controller.numberOfLinksInDoc = 100;
     const QVariantList records = doc.run();

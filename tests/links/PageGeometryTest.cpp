@@ -19,20 +19,21 @@ struct Page {
 
 std::string frameXml(double anchorX, double translateX)
 {
-    return "<Rectangle Self=\"uf\" ItemTransform=\"1 0 0 1 " + std::to_string(translateX)
-        + " 0\"><Properties><PathGeometry><GeometryPathType><PathPointArray><PathPointType Anchor=\""
-        + std::to_string(anchorX) + " -20\"/><PathPointType Anchor=\"9999 0\"/></PathPointArray></GeometryPathType>"
-          "</PathGeometry></Properties></Rectangle>";
+    return "<Rectangle Self=\"uf\" ItemTransform=\"1 0 0 1 " + std::to_string(translateX) +
+           " 0\"><Properties><PathGeometry><GeometryPathType><PathPointArray><PathPointType Anchor=\"" +
+           std::to_string(anchorX) +
+           " -20\"/><PathPointType Anchor=\"9999 0\"/></PathPointArray></GeometryPathType>"
+           "</PathGeometry></Properties></Rectangle>";
 }
 
 std::string spreadXml(int pageCount, int binding, double y, const std::vector<Page>& pages)
 {
-    std::string xml = "<idPkg:Spread xmlns:idPkg=\"x\"><Spread Self=\"us\" PageCount=\"" + std::to_string(pageCount)
-        + "\" BindingLocation=\"" + std::to_string(binding) + "\" ItemTransform=\"1 0 0 1 0 " + std::to_string(y)
-        + "\"><FlattenerPreference/>";
+    std::string xml = "<idPkg:Spread xmlns:idPkg=\"x\"><Spread Self=\"us\" PageCount=\"" + std::to_string(pageCount) +
+                      "\" BindingLocation=\"" + std::to_string(binding) + "\" ItemTransform=\"1 0 0 1 0 " +
+                      std::to_string(y) + "\"><FlattenerPreference/>";
     for (const Page& page : pages)
-        xml += "<Page Self=\"p\" Name=\"" + page.name + "\" GeometricBounds=\"" + page.bounds
-            + "\" ItemTransform=\"1 0 0 1 " + std::to_string(page.leftX) + " -396\"/>";
+        xml += "<Page Self=\"p\" Name=\"" + page.name + "\" GeometricBounds=\"" + page.bounds +
+               "\" ItemTransform=\"1 0 0 1 " + std::to_string(page.leftX) + " -396\"/>";
     return xml + "<Rectangle Self=\"after\"/></Spread></idPkg:Spread>";
 }
 
@@ -160,7 +161,8 @@ TEST(PageGeometry, BrokenSpreadsLeaveNoPagesAndNoCrash)
     EXPECT_EQ(notSpread.pageAt(0).name, QStringLiteral("?"));
 
     // A spread without pages keeps its header but matches no page.
-    Reading noPages("<r><Spread PageCount=\"2\" BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 44\"><F/></Spread></r>");
+    Reading noPages(
+        "<r><Spread PageCount=\"2\" BindingLocation=\"1\" ItemTransform=\"1 0 0 1 0 44\"><F/></Spread></r>");
     EXPECT_EQ(noPages.geometry.yOffsetOfSpreadInDoc(), 44.0);
     EXPECT_EQ(noPages.pageAt(-10).name, QStringLiteral("?"));
     EXPECT_EQ(noPages.pageAt(10).name, QStringLiteral("?"));

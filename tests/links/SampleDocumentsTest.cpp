@@ -70,7 +70,8 @@ TEST(SampleDocuments, EveryDocumentAnalysesAndWritesItsDataFile)
     int documents = 0;
     while (it.hasNext()) {
         const QString path = it.next();
-        const QString sample = QStringLiteral("idml/") + QDir(test::samplePath(QStringLiteral("idml"))).relativeFilePath(path);
+        const QString sample =
+            QStringLiteral("idml/") + QDir(test::samplePath(QStringLiteral("idml"))).relativeFilePath(path);
         const Analysis analysis = analyse(sample);
         EXPECT_TRUE(analysis.dataFile.ok()) << sample.toStdString();
         // Every Link of the samples is a file link, found in a spread or, when needed, in a story.
@@ -87,8 +88,8 @@ TEST(SampleDocuments, EveryDocumentAnalysesAndWritesItsDataFile)
 
 TEST(SampleDocuments, AnAnchoredLinkIsFoundByTheStoryPassAndRelocated)
 {
-    const Analysis analysis =
-        analyse(kSets + QStringLiteral("magazineA-bloc-notes.idml"), {test::samplePath(kSets + QStringLiteral("media"))});
+    const Analysis analysis = analyse(kSets + QStringLiteral("magazineA-bloc-notes.idml"),
+                                      {test::samplePath(kSets + QStringLiteral("media"))});
     const QVariantMap record = recordAt(analysis, 0);
     EXPECT_EQ(record.value(kLinkIsAnchoredKey), QVariant(true));
     EXPECT_EQ(record.value(kLinkIdKey), QStringLiteral("676"));
@@ -117,14 +118,16 @@ TEST(SampleDocuments, AnAnchoredLinkIsFoundByTheStoryPassAndRelocated)
 
 TEST(SampleDocuments, RelativeAndNearbyLinksAreFound)
 {
-    const QVariantMap relative = recordAt(analyse(kSets + QStringLiteral("expected/article-1photo_import-xml.idml")), 0);
+    const QVariantMap relative =
+        recordAt(analyse(kSets + QStringLiteral("expected/article-1photo_import-xml.idml")), 0);
     EXPECT_EQ(relative.value(kLinkPathKey), test::samplePath(kSets + QStringLiteral("media/bouboune.jpg")));
     EXPECT_NE(relative.value(kLinkStatusKey), kLinkStatusMissing);
     // The size is the one the document recorded, not the file's.
     EXPECT_EQ(relative.value(kLinkSizeBytesKey).toUInt(), 27644U);
 
-    const Analysis anuga = analyse(QStringLiteral("idml/sets/anuga/demo-web/public/Anuga_2025_28732_Event_Themen_Speaker_"
-                                                  "Templates_1080x1350px_with_green_rect_where_finally_the_logo_renders.idml"));
+    const Analysis anuga =
+        analyse(QStringLiteral("idml/sets/anuga/demo-web/public/Anuga_2025_28732_Event_Themen_Speaker_"
+                               "Templates_1080x1350px_with_green_rect_where_finally_the_logo_renders.idml"));
     ASSERT_EQ(anuga.records.size(), 12);
     int epsFound = 0;
     for (const QVariant& item : anuga.records) {
@@ -155,7 +158,8 @@ TEST(SampleDocuments, EmbeddedLinksKeepThePacketsProfile)
         EXPECT_EQ(record.value(kLinkProfileKey), QStringLiteral("sRGB IEC61966-2.1"));
         EXPECT_EQ(record.value(kLinkPageKey), QStringLiteral("1"));
     }
-    EXPECT_EQ(recordAt(analysis, 10).value(kLinkPathKey), QStringLiteral("C:/Users/sioch/Desktop/idml samples/Images/ph standard.png"));
+    EXPECT_EQ(recordAt(analysis, 10).value(kLinkPathKey),
+              QStringLiteral("C:/Users/sioch/Desktop/idml samples/Images/ph standard.png"));
 }
 
 TEST(SampleDocuments, MasterSpreadGraphicsComeFirstWithoutSortOrder)
@@ -171,8 +175,10 @@ TEST(SampleDocuments, MasterSpreadGraphicsComeFirstWithoutSortOrder)
     EXPECT_EQ(master.value(kLinkSizeKey), QStringLiteral("1 KB"));
 
     const QVariantMap tiff = recordAt(analysis, 2);
-    EXPECT_EQ(tiff.value(kLinkPathKey),
-              QStringLiteral("/Users/ben/Documents/Boar/Volume 33/Issue 0/Images/Rootes_Social_Building_at_University_of_Warwick.tif"));
+    EXPECT_EQ(
+        tiff.value(kLinkPathKey),
+        QStringLiteral(
+            "/Users/ben/Documents/Boar/Volume 33/Issue 0/Images/Rootes_Social_Building_at_University_of_Warwick.tif"));
     EXPECT_EQ(tiff.value(kLinkPageKey), QStringLiteral("1"));
     EXPECT_EQ(tiff.value(kLinkScaleKey), QStringLiteral("21.7"));
     EXPECT_EQ(tiff.value(kLinkEffectiveResKey), QStringLiteral("332"));

@@ -9,7 +9,8 @@ QString unpackIdml(const QString& idmlPath, const QString& folder)
 {
     QDir().mkpath(folder);
     QProcess unzip;
-    unzip.start(QStringLiteral("unzip"), {QStringLiteral("-q"), QStringLiteral("-o"), idmlPath, QStringLiteral("-d"), folder});
+    unzip.start(QStringLiteral("unzip"),
+                {QStringLiteral("-q"), QStringLiteral("-o"), idmlPath, QStringLiteral("-d"), folder});
     if (!unzip.waitForFinished(60000)) {
         unzip.kill();
         unzip.waitForFinished();
