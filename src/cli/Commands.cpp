@@ -9,6 +9,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
     addLinksCommand(program, commands);
     addPresetsCommand(program, commands);
+    addInfoCommand(program, commands);
 }
 
 } // namespace quillon::cli

@@ -22,4 +22,7 @@ struct Command {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands);
 
+// `quillon info DOC.idml...`: the document record and document information.
+void addInfoCommand(CLI::App& program, std::vector<Command>& commands);
+
 } // namespace quillon::cli

@@ -1,16 +1,14 @@
 #include "cli/LinksCommand.h"
 
-#include "app/Numbers.h"
+#include "cli/OfflineDocument.h"
+
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
+#include "preflight/InDesignHost.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <iostream>
 #include <memory>
@@ -24,31 +22,6 @@ struct LinksOptions {
     std::vector<std::string> linkFolders;
     std::string format = "table";
 };
-
-// Unpacks the IDML archive into `folder` with the system's unzip. Empty on success, else the
-// reason. Interim: the project's own unpacker replaces it.
-QString unpackIdml(const QString& idmlPath, const QString& folder)
-{
-    if (!QFileInfo(idmlPath).isFile())
-        return QStringLiteral("no such file");
-    QProcess unzip;
-    unzip.start(QStringLiteral("unzip"),
-                {QStringLiteral("-q"), QStringLiteral("-o"), idmlPath, QStringLiteral("-d"), folder});
-    if (!unzip.waitForStarted(10000))
-        return QStringLiteral("unzip could not be started");
-    unzip.closeWriteChannel();
-    if (!unzip.waitForFinished(120000)) {
-        unzip.kill();
-        unzip.waitForFinished();
-        return QStringLiteral("unzip did not finish");
-    }
-    if (unzip.exitStatus() != QProcess::NormalExit || unzip.exitCode() != 0)
-        return QStringLiteral("not a readable IDML archive (%1)")
-            .arg(QString::fromLocal8Bit(unzip.readAllStandardError()).trimmed());
-    if (!QFileInfo::exists(folder + QStringLiteral("/designmap.xml")))
-        return QStringLiteral("not an IDML package (no designmap.xml)");
-    return {};
-}
 
 QJsonValue jsonValue(const QVariant& value)
 {
@@ -115,21 +88,23 @@ int runLinks(const LinksOptions& options)
     for (const std::string& folder : options.linkFolders)
         linkFolders << QString::fromStdString(folder);
     int status = kExitOk;
+    const PrivateWorkFolder workFolder(QStringLiteral("links"));
+    if (!workFolder.isValid())
+        return kExitFailure;
     QJsonArray documents;
     for (const std::string& document : options.documents) {
-        const QString docPath = QFileInfo(QString::fromStdString(document)).absoluteFilePath();
-        QTemporaryDir unpacked;
-        const QString problem = unpacked.isValid() ? unpackIdml(docPath, unpacked.path())
-                                                   : QStringLiteral("no temporary folder to unpack into");
-        if (!problem.isEmpty()) {
-            std::cerr << "quillon links: " << docPath.toStdString() << ": " << problem.toStdString() << "\n";
+        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()));
+        if (!unpacked) {
+            std::cerr << "quillon links: " << unpacked.error().text().toStdString() << "\n";
             status = kExitFailure;
             continue;
         }
+        const QString docPath = unpacked->record.value(preflight::kRecordPosixPath);
         links::LinksController controller;
         controller.linkFolders = linkFolders;
+        controller.numberOfLinksInDoc = unpacked->record.value(preflight::kRecordLinkCount).toInt();
         links::QNIDMLLinksProcessor processor(controller);
-        const QVariantList records = processor.processLinksInIDMLFolder(unpacked.path(), docPath);
+        const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
         for (const QVariant& record : records) {
             const QString linkStatus = record.toMap().value(links::kLinkStatusKey).toString();
             if (status == kExitOk &&

@@ -161,16 +161,7 @@ void PageGeometry::pageSizeFromNode(pugi::xml_node page, const QString& name)
         width = right - leadingDouble(left);
         height = bottom - leadingDouble(top);
     }
-    PageSize size{app::formatFourDecimals(width), app::formatFourDecimals(height), {}};
-    const QString key = size.width + u' ' + size.height;
-    const auto it = m_sizeIndex.constFind(key);
-    if (it != m_sizeIndex.cend()) {
-        m_docPageSizes[*it].pageNames << name;
-        return;
-    }
-    size.pageNames << name;
-    m_sizeIndex.insert(key, m_docPageSizes.size());
-    m_docPageSizes.push_back(std::move(size));
+    m_docPageSizes[{app::formatFourDecimals(width), app::formatFourDecimals(height)}] << name;
 }
 
 int PageGeometry::pageIndexInDocForPageNode(pugi::xml_node page)

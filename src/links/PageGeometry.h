@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -26,14 +27,10 @@ struct PageHit {
     std::optional<double> sortOrder;
 };
 
-// One distinct page size of the document ("###0.####" texts, points) and the pages having it,
-// in the order met.
-struct PageSize {
-    QString width;
-    QString height;
-    QStringList pageNames;
-};
-using PageSizes = std::vector<PageSize>;
+// The distinct page sizes of a document: key [width, height] ("###0.####" texts, points), value
+// the names of the pages having that size, in the order met. The document information keeps the
+// same table.
+using PageSizes = QMap<QStringList, QStringList>;
 
 // The pages of the spread being read, and the document-wide tables of page sizes and page sort
 // orders that ordinary spreads fill as they are read.
@@ -98,7 +95,6 @@ private:
     std::map<int, PageRecord> m_pagesByKey; // several pages: signed key -> page
 
     PageSizes m_docPageSizes;
-    QHash<QString, size_t> m_sizeIndex; // "width height" -> index in m_docPageSizes
     QHash<QString, double> m_docPageSortOrdersForPageNames;
 };
 

@@ -6,7 +6,7 @@
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "links/AnchoredLinkPageSource.h"
-#include "links/IdmlPackage.h"
+#include "links/PackageParts.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
@@ -170,9 +170,8 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
     }
     app::logLine(QStringLiteral("-> all spreads done"));
 
-    const int linksInDoc =
-        m_controller.numberOfLinksInDoc >= 0 ? m_controller.numberOfLinksInDoc : countLinksInIDMLFolder(packageFolder);
-    if (linksInDoc > static_cast<int>(sources.size())) {
+    const int linksInDoc = m_controller.numberOfLinksInDoc;
+    if (linksInDoc < 0 || linksInDoc > static_cast<int>(sources.size())) {
         app::logLine(QStringLiteral("more links in doc, check stories"));
         collectStoriesLinks(packageFolder, sources);
     }

@@ -32,8 +32,8 @@ struct LinksController {
     app::CancelFlag* cancel = nullptr;     // checked between files; a cancelled run writes no data file
     app::AlertSink* alerts = nullptr;      // the file readers' "could not be parsed" alerts
     bool isBatchPreflight = false;         // a batch shows no per-file status
-    // The document's link count as the host reported it; negative: counted from the package.
-    // When the spreads hold fewer links, the stories are read for anchored ones.
+    // The document's link count as the host reported it. When the spreads hold fewer links, or
+    // the count is not known (negative), the stories are read for anchored ones.
     int numberOfLinksInDoc = -1;
     // Folder that receives "qnf_tmpLinkData.plist" (each run of a batch may have its own); empty:
     // the data file is not written.

@@ -28,11 +28,14 @@ inline const QString kColorSwatchRegistration = QStringLiteral("Registration");
 inline const QString kColorModelProcess = QStringLiteral("process");
 inline const QString kColorModelSpot = QStringLiteral("spot");
 inline const QString kColorModelMixedInk = QStringLiteral("mixedinkmodel");
+inline const QString kColorModelRegistration = QStringLiteral("registration"); // the model of registration colours
+inline const QString kColorModelGradient = QStringLiteral("gradient");         // gradient swatches have no colour model
 inline const QString kColorSpaceCMYK = QStringLiteral("CMYK");
 inline const QString kColorSpaceRGB = QStringLiteral("RGB");
 inline const QString kColorSpaceLAB = QStringLiteral("LAB");
 inline const QString kColorSpaceHSB = QStringLiteral("HSB");
 inline const QString kColorSpaceRegistration = QStringLiteral("registration"); // set by the results on "Registration"
 inline const QString kColorUnused = QStringLiteral("-");                       // "used" of an unused swatch
+inline const QString kColorUsed = QStringLiteral("\u221A");                   // "used" of a used swatch: a check mark
 
 } // namespace quillon::preflight

@@ -30,4 +30,11 @@ inline const QString kFontTypeBitmap = QStringLiteral("bitmap");
 inline const QString kFontNoPath = QStringLiteral("?");
 inline const QString kFontAdobeFontsMarker = QStringLiteral("from Adobe Fonts"); // contained in "path"
 
+// Values the font inspection writes.
+inline const QString kFontAdobeFontsPath = QStringLiteral("Activated from Adobe Fonts"); // "path" of such a font
+inline const QString kFontEmbedYes = QStringLiteral("Yes");
+inline const QString kFontEmbedNo = QStringLiteral("No");
+inline const QString kFontEmbedUnknown = QStringLiteral("?"); // no file to read the permission from
+inline const QString kFontTypeUnknown = QStringLiteral("Unknown");
+
 } // namespace quillon::preflight

@@ -7,10 +7,17 @@ namespace quillon::test {
 
 CliRun runQuillon(const QStringList& arguments, int timeoutMs)
 {
+    return runQuillon(arguments, {}, timeoutMs);
+}
+
+CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs)
+{
     QProcess process;
     process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QUILLON_SUPPORT_DIR"), qEnvironmentVariable("QUILLON_SUPPORT_DIR"));
+    for (const QString& variable : environment)
+        env.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process.setProcessEnvironment(env);
     process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
     CliRun run;

@@ -15,4 +15,7 @@ struct CliRun {
 // application-support folder; gives up after `timeoutMs`.
 CliRun runQuillon(const QStringList& arguments, int timeoutMs = 60000);
 
+// The same with more environment variables ("NAME=value"), such as a private TMPDIR.
+CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs = 60000);
+
 } // namespace quillon::test

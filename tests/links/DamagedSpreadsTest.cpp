@@ -4,7 +4,7 @@
 #include "links/DefaultApplication.h"
 #include "links/QNIDMLLinksProcessor.h"
 
-#include "support/IdmlUnpack.h"
+#include "support/UnpackForTest.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -39,9 +39,10 @@ struct RealSpread {
 
     RealSpread()
     {
-        const QString unpacked = dir.filePath(QStringLiteral("freshers"));
-        EXPECT_TRUE(test::unpackIdml(test::samplePath(QStringLiteral("idml/freshers.idml")), unpacked).isEmpty());
-        bytes = test::readAll(unpacked + QStringLiteral("/Spreads/Spread_u1261.xml"));
+        const auto unpacked = test::unpackForTest(test::samplePath(QStringLiteral("idml/freshers.idml")));
+        EXPECT_TRUE(unpacked);
+        if (unpacked)
+            bytes = test::readAll(unpacked->filePath(QStringLiteral("Spreads/Spread_u1261.xml")));
         package = dir.filePath(QStringLiteral("pkg"));
         QDir().mkpath(package + QStringLiteral("/Spreads"));
     }

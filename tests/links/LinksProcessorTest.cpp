@@ -211,7 +211,7 @@ TEST(LinksProcessor, StoriesAreReadOnlyWhenTheSpreadsHoldTooFewLinks)
     EXPECT_EQ(record.value(kLinkPageKey), QStringLiteral("3ª"));
     EXPECT_EQ(record.value(kLinkSortOrderOfPageInDocKey).toDouble(), 601.0);
 
-    // Without a count from the host the package's own count is used.
+    // Without a count from the host the stories are read.
     doc.controller.numberOfLinksInDoc = -1;
     EXPECT_EQ(doc.run().size(), 2);
 }
@@ -281,8 +281,9 @@ TEST(LinksProcessor, MastersComeFirstThenSpreadsInByteOrderOfTheirNames)
     EXPECT_EQ(progress.statuses, (QStringList{QStringLiteral("Preflighting links: Master Spread 1"),
                                               QStringLiteral("Preflighting links: Spread 1"),
                                               QStringLiteral("Preflighting links: Spread 2")}));
-    ASSERT_EQ(processor.docPageSizes().size(), 1U);
-    EXPECT_EQ(processor.docPageSizes()[0].pageNames, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    ASSERT_EQ(processor.docPageSizes().size(), 1);
+    EXPECT_EQ(processor.docPageSizes().value({QStringLiteral("612"), QStringLiteral("792")}),
+              (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
 
     RecordingProgress quiet;
     doc.controller.progress = &quiet;
@@ -307,8 +308,8 @@ TEST(LinksProcessor, TheEntryPointAnswersWithTheLowByteOfTheCount)
     };
     PageSizes sizes;
     EXPECT_TRUE(runWith(255, &sizes));
-    ASSERT_EQ(sizes.size(), 1U);
-    EXPECT_EQ(sizes[0].width, QStringLiteral("612"));
+    ASSERT_EQ(sizes.size(), 1);
+    EXPECT_EQ(sizes.firstKey(), (QStringList{QStringLiteral("612"), QStringLiteral("792")}));
     EXPECT_FALSE(runWith(256));
     EXPECT_TRUE(runWith(257));
     EXPECT_FALSE(runWith(0));

@@ -145,12 +145,10 @@ TEST(PageGeometry, PageSizesGroupPageNamesByTheirFormattedSize)
     geometry.parseSpreadAndPagesInfoInRootNode(two.document_element());
 
     const PageSizes& sizes = geometry.docPageSizes();
-    ASSERT_EQ(sizes.size(), 2U);
-    EXPECT_EQ(sizes[0].width, QStringLiteral("612"));
-    EXPECT_EQ(sizes[0].height, QStringLiteral("792"));
-    EXPECT_EQ(sizes[0].pageNames, (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
-    EXPECT_EQ(sizes[1].width, QStringLiteral("595.2756"));
-    EXPECT_EQ(sizes[1].height, QStringLiteral("841.8898"));
+    ASSERT_EQ(sizes.size(), 2);
+    EXPECT_EQ(sizes.value({QStringLiteral("612"), QStringLiteral("792")}),
+              (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
+    EXPECT_EQ(sizes.value({QStringLiteral("595.2756"), QStringLiteral("841.8898")}), QStringList{QStringLiteral("3")});
     EXPECT_EQ(*geometry.sortOrderForPageName(QStringLiteral("3")), 900.0);
 }
 

@@ -10,8 +10,4 @@ namespace quillon::links {
 // volume lists them in). Empty when the folder is missing.
 QStringList packagePartFiles(const QString& packageFolder, const QString& partFolder);
 
-// The number of Link elements in the package's master spreads, spreads and stories, counted on
-// the raw text (no parse): the document's own link count when no host reports one.
-int countLinksInIDMLFolder(const QString& packageFolder);
-
 } // namespace quillon::links

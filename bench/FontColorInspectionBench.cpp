@@ -1,0 +1,91 @@
+// Fonts, colours and paragraph styles of the generated 1,000-spread document (with a style sheet,
+// a font list and swatches), read from its unpacked IDML as the offline host does.
+#include "IdmlGenerator.h"
+
+#include "preflight/FontColorInspection.h"
+#include "preflight/IdmlArchive.h"
+
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <iostream>
+
+namespace {
+
+using namespace quillon;
+
+struct Fixture {
+    QTemporaryDir dir;
+    QString document = dir.filePath(QStringLiteral("Catalogue.idml"));
+    QString package = dir.filePath(QStringLiteral("package"));
+    QString data = dir.filePath(QStringLiteral("data"));
+    bool ready = false;
+
+    Fixture()
+    {
+        bench::IdmlShape shape;
+        shape.paragraphStyles = 40;
+        shape.characterStyles = 15;
+        shape.swatches = 60;
+        const bench::GeneratedIdml facts = bench::writeGeneratedIdml(document, shape);
+        auto archive = preflight::IdmlArchive::open(document);
+        ready = facts.entries > 0 && archive.ok() && archive->extractTo(package).ok();
+        std::cerr << "generated: " << facts.entries << " entries, " << facts.xmlBytes / 1e6 << " MB of XML\n";
+    }
+};
+
+Fixture& fixture()
+{
+    static Fixture instance;
+    return instance;
+}
+
+void fonts(benchmark::State& state)
+{
+    const Fixture& f = fixture();
+    for (auto _ : state)
+        if (!f.ready || !preflight::processFontsFromIdml(f.package, f.document, f.data).ok())
+            state.SkipWithError("font inspection failed");
+}
+
+void colors(benchmark::State& state)
+{
+    const Fixture& f = fixture();
+    for (auto _ : state)
+        if (!f.ready || !preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok())
+            state.SkipWithError("colour inspection failed");
+}
+
+void paragraphStyles(benchmark::State& state)
+{
+    const Fixture& f = fixture();
+    for (auto _ : state) {
+        auto report = preflight::paraReportFromIdml(f.package);
+        if (!f.ready || !report.ok())
+            state.SkipWithError("paragraph styles failed");
+        benchmark::DoNotOptimize(report);
+    }
+}
+
+// The three together, as one preflight and its text report ask for them.
+void allThree(benchmark::State& state)
+{
+    const Fixture& f = fixture();
+    for (auto _ : state) {
+        const bool ok = f.ready && preflight::processFontsFromIdml(f.package, f.document, f.data).ok() &&
+                        preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok() &&
+                        preflight::paraReportFromIdml(f.package).ok();
+        if (!ok)
+            state.SkipWithError("an inspection failed");
+    }
+}
+
+} // namespace
+
+BENCHMARK(fonts)->Unit(benchmark::kMillisecond);
+BENCHMARK(colors)->Unit(benchmark::kMillisecond);
+BENCHMARK(paragraphStyles)->Unit(benchmark::kMillisecond);
+BENCHMARK(allThree)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();

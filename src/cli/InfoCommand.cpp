@@ -1,0 +1,147 @@
+#include "cli/Commands.h"
+
+#include "cli/OfflineDocument.h"
+
+#include "preflight/DocInfo.h"
+#include "preflight/InDesignHost.h"
+#include "preflight/PageSizes.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillon::cli {
+
+namespace {
+
+using preflight::QNDocInfo;
+
+struct DocumentFacts {
+    QStringList record;
+    QNDocInfo info;
+    bool repaired = false;
+};
+
+// Reads one document the way a preflight does: the record from the host, the IDML exported
+// (copied) into the work folder and unpacked there, then the document information. The work
+// files are removed afterwards.
+app::Result<DocumentFacts> readDocument(const QString& path)
+{
+    app::Result<UnpackedDocument> unpacked = unpackDocument(path);
+    if (!unpacked)
+        return unpacked.error();
+    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired};
+    facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder);
+    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder));
+    return facts;
+}
+
+QString orDash(const QString& text)
+{
+    return text.isEmpty() ? QStringLiteral("-") : text;
+}
+
+void printText(const DocumentFacts& facts)
+{
+    const QNDocInfo& info = facts.info;
+    const QList<std::pair<const char*, QString>> lines{
+        {"Path", info.docPath()},
+        {"Pages", info.numberOfPagesStr()},
+        {"Links", facts.record.value(preflight::kRecordLinkCount)},
+        {"Version", orDash(info.InDesignVersion())},
+        {"Size", info.fileSizeStr()},
+        {"Created", orDash(info.creationDateStr())},
+        {"Modified", orDash(info.modDateStr())},
+        {"Units",
+         QStringLiteral("%1 / %2").arg(orDash(info.horizMeasurementUnits()), orDash(info.vertMeasurementUnits()))},
+        {"Page size", info.pageSizeStr()},
+        {"Bleed", info.bleedStr()},
+        {"Slug", info.slugStr()},
+    };
+    std::cout << info.docName().toStdString() << '\n';
+    for (const auto& [label, value] : lines)
+        std::cout << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << value.toStdString()
+                  << '\n';
+    if (facts.repaired)
+        std::cout << "  (the archive was damaged and was read from a repaired copy)\n";
+}
+
+QJsonValue dateValue(const QDateTime& date)
+{
+    return date.isValid() ? QJsonValue(date.toUTC().toString(Qt::ISODate)) : QJsonValue();
+}
+
+QJsonObject jsonFacts(const DocumentFacts& facts)
+{
+    const QNDocInfo& info = facts.info;
+    QJsonObject object = QJsonObject::fromVariantMap(info.toVariantMap());
+    object.insert(QStringLiteral("hfsPath"), facts.record.value(preflight::kRecordHfsPath));
+    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.value(preflight::kRecordLinkCount));
+    object.insert(QStringLiteral("fileSizeBytes"), info.fileSize());
+    object.insert(preflight::kDocInfoCreationDateKey, dateValue(info.creationDate()));
+    object.insert(preflight::kDocInfoModDateKey, dateValue(info.modDate()));
+    object.insert(QStringLiteral("pageSizeStr"), info.pageSizeStr());
+    object.insert(QStringLiteral("repaired"), facts.repaired);
+    return object;
+}
+
+int runInfo(const std::vector<std::string>& documents, const std::string& format)
+{
+    const PrivateWorkFolder workFolder(QStringLiteral("info"));
+    if (!workFolder.isValid())
+        return kExitFailure;
+
+    const bool json = format == "json";
+    QJsonArray array;
+    int status = kExitOk;
+    bool first = true;
+    for (const std::string& document : documents) {
+        const QString path = QString::fromLocal8Bit(document.c_str());
+        app::Result<DocumentFacts> facts = readDocument(path);
+        if (!facts) {
+            std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
+            status = kExitFailure;
+            if (json)
+                array.append(
+                    QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("error"), facts.error().text()}});
+            continue;
+        }
+        if (json) {
+            QJsonObject object = jsonFacts(*facts);
+            object.insert(QStringLiteral("file"), path);
+            array.append(object);
+        } else {
+            if (!first)
+                std::cout << '\n';
+            printText(*facts);
+        }
+        first = false;
+    }
+    if (json)
+        std::cout << QJsonDocument(array).toJson(QJsonDocument::Indented).toStdString();
+    return status;
+}
+
+} // namespace
+
+void addInfoCommand(CLI::App& program, std::vector<Command>& commands)
+{
+    struct Options {
+        std::vector<std::string> documents;
+        std::string format = "text";
+    };
+    auto options = std::make_shared<Options>();
+    CLI::App* info = program.add_subcommand(
+        "info", "Print the document record and document information of IDML files (pages, links, version, size, "
+                "dates, units, page size, bleed, slug).");
+    info->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
+    info->add_option("--format", options->format, "text (the default) or json")->check(CLI::IsMember({"text", "json"}));
+    commands.push_back({info, [options] { return runInfo(options->documents, options->format); }});
+}
+
+} // namespace quillon::cli

@@ -1,0 +1,91 @@
+#include "preflight/FontColorInspection.h"
+
+#include "app/Log.h"
+#include "preflight/ColorScript.h"
+#include "preflight/ColorsFromIdml.h"
+#include "preflight/FontFiles.h"
+#include "preflight/FontScript.h"
+#include "preflight/FontsFromIdml.h"
+#include "preflight/ParaStylesFromIdml.h"
+#include "preflight/ParaStylesScript.h"
+#include "preflight/StoredData.h"
+
+namespace quillon::preflight {
+
+namespace {
+
+app::Result<QString> runScript(const ScriptedDocument& document, const QString& source, const char* what)
+{
+    if (!document.run)
+        return app::makeError(QStringLiteral("no script runner to ask InDesign for the %1").arg(QLatin1String(what)));
+    auto answer = document.run(source);
+    if (!answer) {
+        app::logFailure(QStringLiteral("get the %1 of %2: %3")
+                            .arg(QLatin1String(what), document.documentName, answer.error().text()));
+        return answer.error();
+    }
+    return answer;
+}
+
+} // namespace
+
+app::Status processFontsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder)
+{
+    app::logEntry("processFonts");
+    FontFileFinder finder(documentPath);
+    auto fonts = fontRecordsFromIdml(idmlFolder, finder);
+    if (!fonts)
+        return fonts.error();
+    return writeFontDataFile(dataFolder, documentPath, *fonts);
+}
+
+app::Status processColorsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder,
+                                  const QString& registrationInTextFlag)
+{
+    app::logEntry("processColors");
+    auto colors = colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
+    if (!colors)
+        return colors.error();
+    return writeColorDataFile(dataFolder, documentPath, *colors);
+}
+
+app::Result<QString> paraReportFromIdml(const QString& idmlFolder)
+{
+    app::logEntry("paraReport");
+    auto styles = paraStyleUsesFromIdml(idmlFolder);
+    if (!styles)
+        return styles.error();
+    return paraStylesReportText(*styles);
+}
+
+app::Status processFontsWithScripts(const ScriptedDocument& document, const QString& dataFolder)
+{
+    app::logEntry("processFonts");
+    auto answer = runScript(document, fontsScript(document.inDesignName, document.documentName), "fonts");
+    if (!answer)
+        return answer.error();
+    return writeFontDataFile(dataFolder, document.documentPath, fontRecordsFromScriptAnswer(*answer));
+}
+
+app::Status processColorsWithScripts(const ScriptedDocument& document, const QString& dataFolder,
+                                     const QString& registrationInTextFlag)
+{
+    app::logEntry("processColors");
+    auto answer = runScript(
+        document, colorsScript(document.inDesignName, document.documentName, registrationInTextFlag), "swatches");
+    if (!answer)
+        return answer.error();
+    return writeColorDataFile(dataFolder, document.documentPath, colorInspectionFromScriptAnswer(*answer));
+}
+
+app::Result<QString> paraReportWithScripts(const ScriptedDocument& document)
+{
+    app::logEntry("paraReport");
+    auto answer =
+        runScript(document, paraStylesScript(document.inDesignName, document.documentName), "paragraph styles");
+    if (!answer)
+        return answer.error();
+    return paraStylesReportText(paraStyleUsesFromScriptAnswer(*answer));
+}
+
+} // namespace quillon::preflight

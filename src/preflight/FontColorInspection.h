@@ -1,0 +1,35 @@
+#pragma once
+
+#include "app/Result.h"
+#include "preflight/FontColorScripts.h"
+
+#include <QString>
+
+namespace quillon::preflight {
+
+// The font inspection (`processFonts:`), the colour inspection (`processColors:`) and the
+// paragraph-styles report (`paraReport:`) of one document, as each host runs them. The two
+// inspections write their data file into `dataFolder` (see StoredData.h) under `documentPath`,
+// the document's POSIX path; the report returns its text. They run on the preflight's worker
+// thread; errors name the file or the script that failed and leave the data file as it was.
+
+// The offline host: from the document's unpacked IDML. `documentPath` is the document's own file,
+// beside which a "Document fonts" folder may hold fonts of its own.
+app::Status processFontsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder);
+app::Status processColorsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder,
+                                  const QString& registrationInTextFlag);
+app::Result<QString> paraReportFromIdml(const QString& idmlFolder);
+
+// The AppleScript host: scripts sent to `inDesignName` about the open document `documentName`.
+struct ScriptedDocument {
+    ScriptTextRunner run;
+    QString inDesignName; // the application name every "tell application" uses
+    QString documentName; // the document's file name, as InDesign names it
+    QString documentPath; // its POSIX path, the data files' key
+};
+app::Status processFontsWithScripts(const ScriptedDocument& document, const QString& dataFolder);
+app::Status processColorsWithScripts(const ScriptedDocument& document, const QString& dataFolder,
+                                     const QString& registrationInTextFlag);
+app::Result<QString> paraReportWithScripts(const ScriptedDocument& document);
+
+} // namespace quillon::preflight

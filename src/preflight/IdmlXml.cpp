@@ -1,0 +1,17 @@
+#include "preflight/IdmlXml.h"
+
+namespace quillon::preflight {
+
+app::Status loadIdmlXml(pugi::xml_document& document, const QByteArray& bytes, const QString& documentPath,
+                        const QString& partName, unsigned options)
+{
+    const pugi::xml_parse_result parsed = document.load_buffer(bytes.constData(), size_t(bytes.size()), options);
+    if (!parsed)
+        return app::makeError(QStringLiteral("the part is not readable XML: %1 at byte %2")
+                                  .arg(QString::fromUtf8(parsed.description()))
+                                  .arg(parsed.offset),
+                              documentPath, partName);
+    return {};
+}
+
+} // namespace quillon::preflight

@@ -1,0 +1,113 @@
+#include "CliRunner.h"
+
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using quillon::test::runQuillon;
+using quillon::test::samplePath;
+
+namespace {
+
+QStringList everythingBelow(const QString& folder)
+{
+    QStringList found;
+    QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        found << it.next();
+    found.sort();
+    return found;
+}
+
+} // namespace
+
+TEST(InfoCommand, PrintsTheDocumentInformationAsTextAndJson)
+{
+    const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
+    const auto text = runQuillon({QStringLiteral("info"), interview});
+    ASSERT_EQ(text.exitCode, 0) << text.err.toStdString();
+    EXPECT_TRUE(text.out.startsWith("interview.idml\n")) << text.out.toStdString();
+    for (const char* line :
+         {"  Pages:     1\n", "  Links:     0\n", "  Version:   15.1\n", "  Units:     Millimeters / Millimeters\n",
+          "  Page size: 230 x 297 mm\n", "  Bleed:     5 mm\n", "  Slug:      -\n"})
+        EXPECT_TRUE(text.out.contains(line)) << line;
+
+    const auto json = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), interview,
+                                  samplePath(QStringLiteral("idml/freshers.idml"))});
+    ASSERT_EQ(json.exitCode, 0) << json.err.toStdString();
+    const QJsonArray documents = QJsonDocument::fromJson(json.out).array();
+    ASSERT_EQ(documents.size(), 2);
+    const QJsonObject freshers = documents.at(1).toObject();
+    EXPECT_EQ(freshers.value(QStringLiteral("numberOfPagesStr")).toString(), QStringLiteral("8"));
+    EXPECT_EQ(freshers.value(QStringLiteral("numberOfLinksStr")).toString(), QStringLiteral("24"));
+    EXPECT_EQ(freshers.value(QStringLiteral("InDesignVersion")).toString(), QStringLiteral("6.0"));
+    EXPECT_EQ(freshers.value(QStringLiteral("pageSizeStr")).toString(), QStringLiteral("?"));
+    EXPECT_EQ(freshers.value(QStringLiteral("hfsPath")).toString(), QString());
+    EXPECT_EQ(documents.at(0).toObject().value(QStringLiteral("bleedStr")).toString(), QStringLiteral("5 mm"));
+}
+
+TEST(InfoCommand, BrokenFilesFailWithTheirNameAndWriteNothingOutsideTheWorkFolder)
+{
+    QTemporaryDir docs;
+    QTemporaryDir temp; // the command's temporary folder
+    const QByteArray whole = quillon::test::readAll(samplePath(QStringLiteral("idml/tripple.idml")));
+    const QString truncated = docs.filePath(QStringLiteral("truncated.idml"));
+    quillon::test::writeAll(truncated, whole.left(whole.size() / 2));
+    const QString notZip = docs.filePath(QStringLiteral("notzip.idml"));
+    quillon::test::writeAll(notZip, QByteArray("<Document/>").repeated(100));
+    const QString empty = docs.filePath(QStringLiteral("empty.idml"));
+    quillon::test::writeAll(empty, {});
+    const QString missing = docs.filePath(QStringLiteral("missing.idml"));
+    const QString climbing = docs.filePath(QStringLiteral("climbing.idml"));
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("import sys, zipfile\n"
+                                 "z = zipfile.ZipFile(sys.argv[1], 'w')\n"
+                                 "z.writestr('mimetype', 'application/vnd.adobe.indesign-idml-package')\n"
+                                 "z.writestr('designmap.xml', '<Document DOMVersion=\"20.0\"/>')\n"
+                                 "z.writestr('../../../../escaped.txt', 'outside')\n"
+                                 "z.close()\n"),
+                  climbing});
+    ASSERT_TRUE(python.waitForFinished());
+    ASSERT_EQ(python.exitCode(), 0);
+    const QStringList docsBefore = everythingBelow(docs.path());
+
+    for (const QString& path : {truncated, notZip, empty, missing, climbing}) {
+        const auto run = runQuillon({QStringLiteral("info"), path}, {QStringLiteral("TMPDIR=") + temp.path()}, 30000);
+        EXPECT_EQ(run.exitCode, 2) << path.toStdString();
+        EXPECT_TRUE(run.err.startsWith("quillon info: " + path.toUtf8() + ": ") ||
+                    run.err.startsWith("quillon info: " + path.toUtf8() + " ("))
+            << run.err.toStdString();
+        EXPECT_TRUE(run.out.isEmpty());
+    }
+    EXPECT_EQ(everythingBelow(docs.path()), docsBefore);
+    EXPECT_EQ(everythingBelow(temp.path()), QStringList());
+    EXPECT_FALSE(QFileInfo::exists(QDir(temp.path()).filePath(QStringLiteral("../escaped.txt"))));
+
+    // A good file after a bad one is still read; the status reports the failure.
+    const auto mixed = runQuillon({QStringLiteral("info"), empty, samplePath(QStringLiteral("idml/parser.idml"))});
+    EXPECT_EQ(mixed.exitCode, 2);
+    EXPECT_TRUE(mixed.out.contains("Bleed:     3 mm"));
+}
+
+TEST(InfoCommand, RefusesPathsThatAreNotIdmlFiles)
+{
+    QTemporaryDir docs;
+    const QString indd = docs.filePath(QStringLiteral("Book.indd"));
+    quillon::test::writeAll(indd, "not really");
+    const auto run = runQuillon({QStringLiteral("info"), indd, docs.path()});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("Book.indd: is an InDesign file")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("InDesign Markup (IDML)"));
+    EXPECT_TRUE(run.err.contains(docs.path().toUtf8() + ": is a folder"));
+}

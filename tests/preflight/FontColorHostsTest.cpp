@@ -1,0 +1,169 @@
+#include "preflight/AppleScriptHost.h"
+#include "preflight/FontColorScripts.h"
+#include "preflight/FontFiles.h"
+#include "preflight/FontRecordKeys.h"
+#include "preflight/OfflineIdmlHost.h"
+#include "preflight/RecordingScriptRunner.h"
+
+#include "app/AppPaths.h"
+#include "app/PropertyList.h"
+#include "support/TestSupport.h"
+#include "support/UnpackForTest.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+using namespace quillon::preflight;
+
+namespace {
+
+QVariantMap dataEntry(const QString& folder, const char* file, const QString& documentPath)
+{
+    const auto root = app::readPropertyListDictionary(QDir(folder).filePath(QLatin1String(file)));
+    return root ? root->value(documentPath).toMap() : QVariantMap();
+}
+
+QVariantMap fontNamed(const QVariantMap& entry, const QString& name)
+{
+    for (const QVariant& font : entry.value(QStringLiteral("children")).toList())
+        if (font.toMap().value(kFontNameKey).toString() == name)
+            return font.toMap();
+    return {};
+}
+
+class OfflineHostInspections : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        app::setTemporaryFolderOverride(m_temp.path());
+        m_document = m_docs.filePath(QStringLiteral("Brochure.idml"));
+        ASSERT_TRUE(QFile::copy(test::repoPath(QStringLiteral("resources/sample/sample-brochure.idml")), m_document));
+        ASSERT_TRUE(m_host.openDocument(m_document, false).ok());
+        auto record = m_host.pathsAndNameOfDocument(DocumentReference::active());
+        ASSERT_TRUE(record.ok());
+        m_record = *record;
+    }
+    void TearDown() override { app::setTemporaryFolderOverride(QString()); }
+
+    // What the inspections leave in the work folder: nothing once they are done.
+    QStringList scratchLeft() const
+    {
+        return QDir(app::workFolder()).entryList({QStringLiteral("inspect-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir m_temp;
+    QTemporaryDir m_docs;
+    QTemporaryDir m_data;
+    QString m_document;
+    QStringList m_record;
+    OfflineIdmlHost m_host;
+};
+
+RecordingScriptRunner::Call lastCall(const RecordingScriptRunner& scripts)
+{
+    return scripts.calls().back();
+}
+
+} // namespace
+
+TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
+{
+    // A font in the Document fonts folder beside the document wins over the installed one.
+    FontFileFinder finder({});
+    const auto installed = finder.find(QStringLiteral("DejaVuSans"), {}, {});
+    ASSERT_TRUE(installed.has_value());
+    QDir(m_docs.path()).mkpath(QStringLiteral("Document fonts"));
+    const QString local = m_docs.filePath(QStringLiteral("Document fonts/DejaVuSans.ttf"));
+    ASSERT_TRUE(QFile::copy(installed->path, local));
+
+    ASSERT_TRUE(m_host.processFonts(m_record, {}, m_data.path()).ok());
+    const QVariantMap fonts = dataEntry(m_data.path(), "qnf_tmpFontData.plist", m_document);
+    EXPECT_EQ(fonts.value(QStringLiteral("name")), QStringLiteral("Brochure.idml"));
+    const QVariantMap sans = fontNamed(fonts, QStringLiteral("DejaVu Sans Book"));
+    EXPECT_EQ(sans.value(kFontPathKey), local);
+    EXPECT_EQ(sans.value(kFontStatusKey), QStringLiteral("installed"));
+    EXPECT_FALSE(fontNamed(fonts, QStringLiteral("Garamond Premier Pro Italic")).isEmpty());
+
+    ASSERT_TRUE(m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("1")).ok());
+    const QVariantMap colors = dataEntry(m_data.path(), "qnf_tmpColorData.plist", m_document);
+    EXPECT_FALSE(colors.value(QStringLiteral("children")).toList().isEmpty());
+    EXPECT_TRUE(colors.contains(QStringLiteral("registrationInTextCount")));
+
+    // Asked for by name after the preflight.
+    const auto report = m_host.paraReport(QStringLiteral("Brochure.idml"));
+    ASSERT_TRUE(report.ok()) << report.error().text().toStdString();
+    EXPECT_TRUE(report->startsWith(QStringLiteral("Paragraph styles in use"))) << report->toStdString();
+    EXPECT_FALSE(m_host.paraReport(QStringLiteral("Other.idml")).ok());
+    EXPECT_TRUE(scratchLeft().isEmpty());
+}
+
+TEST_F(OfflineHostInspections, ReadThePreflightsExportWhenGiven)
+{
+    // The export stands for the document: here another document's, to show which one is read.
+    const auto other = test::unpackForTest(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
+    ASSERT_TRUE(other);
+    ASSERT_TRUE(m_host.processFonts(m_record, other->path(), m_data.path()).ok());
+    const QVariantMap fonts = dataEntry(m_data.path(), "qnf_tmpFontData.plist", m_document);
+    ASSERT_EQ(fonts.value(QStringLiteral("children")).toList().size(), 1);
+    EXPECT_FALSE(fontNamed(fonts, QStringLiteral("Times New Roman Regular")).isEmpty());
+
+    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), {}, m_data.path()).ok());
+    test::writeAll(m_document, "not a zip");
+    const app::Status damaged = m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("0"));
+    EXPECT_FALSE(damaged.ok());
+    EXPECT_TRUE(scratchLeft().isEmpty());
+}
+
+TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    const QStringList record{QStringLiteral("Mac HD:Jobs:Ann \"Q\".indd"), QStringLiteral("/Jobs/Ann \"Q\".indd"),
+                             QStringLiteral("Ann \"Q\".indd"), QStringLiteral("4"), QStringLiteral("2"),
+                             QStringLiteral("19.0")};
+    const QString field{QChar(kScriptFieldSeparator)};
+    const QString recordEnd{QChar(kScriptRecordSeparator)};
+    const QString sectionEnd{QChar(kScriptSectionSeparator)};
+    QTemporaryDir data;
+
+    scripts.pushResult(QStringList{"Minion Pro\tRegular", "OpenType CFF", "installed", "MinionPro-Regular",
+                                   "/Library/Fonts/MinionPro-Regular.otf", "true"}
+                           .join(field) +
+                       recordEnd);
+    ASSERT_TRUE(host.processFonts(record, QStringLiteral("/ignored"), data.path()).ok());
+    const QString fontsScript = lastCall(scripts).source;
+    EXPECT_TRUE(fontsScript.startsWith(QStringLiteral("tell application \"Adobe InDesign 2024\"\n")));
+    EXPECT_TRUE(fontsScript.contains(QStringLiteral("tell document \"Ann \\\"Q\\\".indd\"")));
+    const QVariantMap fonts = dataEntry(data.path(), "qnf_tmpFontData.plist", record[1]);
+    EXPECT_EQ(fonts.value(QStringLiteral("name")), QStringLiteral("Ann \"Q\".indd"));
+    EXPECT_EQ(fontNamed(fonts, QStringLiteral("Minion Pro Regular")).value(kFontEmbedKey), QStringLiteral("Yes"));
+
+    scripts.pushResult(QStringList{"Black", "color", "process", "CMYK", "0 0 0 100"}.join(field) + recordEnd +
+                       sectionEnd + sectionEnd + QStringLiteral("2"));
+    ASSERT_TRUE(host.processColors(record, {}, data.path(), QStringLiteral("1")).ok());
+    EXPECT_TRUE(lastCall(scripts).source.contains(QStringLiteral("find text")));
+    EXPECT_EQ(dataEntry(data.path(), "qnf_tmpColorData.plist", record[1]).value(QStringLiteral("registrationInTextCount")),
+              QVariant(2));
+
+    scripts.pushResult(QStringList{"7", "Body", "[Basic Paragraph]", "Minion Pro", "Regular", "10", "12", "120"}.join(field) +
+                       recordEnd + sectionEnd + QStringLiteral("7") + recordEnd);
+    const auto report = host.paraReport(record[2]);
+    ASSERT_TRUE(report.ok());
+    EXPECT_TRUE(report->startsWith(QStringLiteral("Paragraph styles in use (1)\n\nBody: 1 paragraph\n")));
+
+    // InDesign's refusal is the error; nothing is written; an incomplete record sends no script.
+    scripts.pushError(QStringLiteral("Can't get document \"Ann \\\"Q\\\".indd\"."), -1728);
+    QTemporaryDir empty;
+    const app::Status refused = host.processFonts(record, {}, empty.path());
+    ASSERT_FALSE(refused.ok());
+    EXPECT_TRUE(refused.error().message.startsWith(QStringLiteral("Can't get document")));
+    EXPECT_TRUE(QDir(empty.path()).isEmpty());
+    const std::size_t sent = scripts.calls().size();
+    EXPECT_FALSE(host.processColors(record.mid(0, 3), {}, empty.path(), QStringLiteral("0")).ok());
+    EXPECT_EQ(scripts.calls().size(), sent);
+}

@@ -1,0 +1,263 @@
+#include "IdmlFixtures.h"
+#include "QtPrinters.h"
+
+#include "preflight/AppleScriptHost.h"
+#include "preflight/IdmlCreator.h"
+#include "preflight/OfflineIdmlHost.h"
+#include "preflight/PdfIdmlController.h"
+#include "preflight/RecordingScriptRunner.h"
+
+#include "app/Alerts.h"
+#include "app/AppPaths.h"
+#include "app/Company.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+using namespace quillon::preflight;
+
+namespace {
+
+class Controller : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(int lastAlertButtonReturn MEMBER lastAlertButtonReturn)
+public:
+    int lastAlertButtonReturn = 0;
+};
+
+// Gives each test a temporary folder of its own, so the work folder is private.
+class IdmlCreatorTest : public ::testing::Test {
+protected:
+    void SetUp() override { app::setTemporaryFolderOverride(m_temp.path()); }
+    void TearDown() override { app::setTemporaryFolderOverride(QString()); }
+    QString workFolder() const { return m_temp.filePath(QStringLiteral("Quillon")); }
+
+    QTemporaryDir m_temp;
+    QTemporaryDir m_docs;
+};
+
+} // namespace
+
+TEST(IdmlCreatorPaths, WorkPathsFollowTheDocumentName)
+{
+    EXPECT_EQ(QNIDMLCreator::idmlPathForDocument(QStringLiteral("/Jobs/Book v2.indd"), QStringLiteral("/tmp/Quillon")),
+              QStringLiteral("/tmp/Quillon/Book v2.idml"));
+    EXPECT_EQ(QNIDMLCreator::idmlPathForDocument(QStringLiteral("/Jobs/README"), QStringLiteral("/tmp/Quillon")),
+              QStringLiteral("/tmp/Quillon/README.idml"));
+    EXPECT_EQ(QNIDMLCreator::repairedArchivePathForIDMLPath(QStringLiteral("/tmp/Quillon/Doc.idml")),
+              QStringLiteral("/tmp/Quillon/Doc.idml_tmp.zip"));
+
+    const QString folder = QNIDMLCreator::idmlContentsFolderPathForIDMLPath(QStringLiteral("/tmp/Quillon/Doc.idml"));
+    EXPECT_TRUE(folder.startsWith(QStringLiteral("/tmp/Quillon/Doc.idml.folder")));
+    const QString digits = folder.mid(QStringLiteral("/tmp/Quillon/Doc.idml.folder").size());
+    EXPECT_EQ(digits.size(), 5);
+    EXPECT_NE(digits.at(0), u'0');
+    EXPECT_TRUE(digits.toInt() >= 10000);
+
+    // A name whose folder name would reach 243 characters is cut there.
+    const QString longName = QString(230, u'x') + QStringLiteral(".idml");
+    const QString cut = QNIDMLCreator::idmlContentsFolderPathForIDMLPath(QStringLiteral("/w/") + longName);
+    EXPECT_EQ(QFileInfo(cut).fileName().size(), 243);
+    EXPECT_TRUE(QFileInfo(cut).fileName().startsWith(longName + QStringLiteral(".folder")));
+    EXPECT_EQ(QFileInfo(cut).path(), QStringLiteral("/w"));
+    const QString exact = QString(226, u'y') + QStringLiteral(".idml"); // 231 + 12 = 243
+    EXPECT_EQ(
+        QFileInfo(QNIDMLCreator::idmlContentsFolderPathForIDMLPath(QStringLiteral("/w/") + exact)).fileName().size(),
+        243);
+}
+
+TEST_F(IdmlCreatorTest, ScriptHostExportUsesTheHfsPathAndEscapesTheName)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    app::ScriptedAlertSink alerts;
+    QNIDMLCreator creator(host, alerts);
+
+    const QString idmlPath = workFolder() + QStringLiteral("/Say \"hi\".idml");
+    scripts.pushResult(QStringLiteral("Macintosh HD:tmp:Quillon:Say \"hi\".idml"));
+    scripts.pushResult(QString()); // the export, which writes nothing here
+    EXPECT_EQ(creator.processInDesignFileAtPath(QStringLiteral("/Jobs/Say \"hi\".indd")), QString());
+
+    const QStringList sources = scripts.sources();
+    ASSERT_EQ(sources.size(), 2);
+    EXPECT_EQ(sources[0], QStringLiteral("(\"%1\" as POSIX file) as string")
+                              .arg(QString(idmlPath).replace(QStringLiteral("\""), QStringLiteral("\\\""))));
+    EXPECT_EQ(sources[1], QStringLiteral("with timeout of 36000 seconds \n tell application \"Adobe InDesign 2024\" to "
+                                         "export document \"Say \\\"hi\\\".indd\" format InDesign markup to "
+                                         "\"Macintosh HD:tmp:Quillon:Say \\\"hi\\\".idml\" without showing options \n "
+                                         "end timeout"));
+    // Nothing was exported, so the unpacking failed with its own alert naming the document.
+    const auto requests = alerts.requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].title, kCannotPreflightAlertTitle);
+    EXPECT_EQ(requests[0].message,
+              QStringLiteral("/Jobs/Say \"hi\".indd: the export left no IDML file at %1").arg(idmlPath));
+    EXPECT_TRUE(requests[0].critical);
+}
+
+TEST_F(IdmlCreatorTest, FailedHfsConversionFallsBackToThePosixPath)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    app::ScriptedAlertSink alerts;
+    QNIDMLCreator creator(host, alerts);
+    scripts.pushError(QStringLiteral("Can't make it into a file."));
+    scripts.pushError(QStringLiteral("Cannot export."));
+    creator.processInDesignFileAtPath(QStringLiteral("/Jobs/a.indd"));
+    ASSERT_EQ(scripts.calls().size(), 2u);
+    EXPECT_TRUE(scripts.lastSource().contains(QStringLiteral("markup to \"%1/a.idml\" without").arg(workFolder())));
+}
+
+TEST_F(IdmlCreatorTest, ExportFailuresShowTheirAlertsWithTheSupportContact)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    app::ScriptedAlertSink alerts({app::kAlertSecondButton});
+    Controller controller;
+    QNIDMLCreator creator(host, alerts, &controller);
+
+    scripts.pushError(QStringLiteral("Cannot handle the request because a modal dialog or alert is active."), 30476);
+    EXPECT_FALSE(creator.exportDoc1ToIDMLAtPath(QStringLiteral("HD:a.idml"), QStringLiteral("/a.idml"),
+                                                QStringLiteral("a.indd")));
+    EXPECT_EQ(controller.lastAlertButtonReturn, app::kAlertSecondButton); // the main-thread alert's answer slot
+    scripts.pushError(QStringLiteral("The document is damaged."));
+    EXPECT_FALSE(creator.exportDoc1ToIDMLAtPath(QStringLiteral("HD:a.idml"), QStringLiteral("/a.idml"),
+                                                QStringLiteral("a.indd")));
+    EXPECT_EQ(creator.lastError().message, QStringLiteral("The document is damaged."));
+
+    const auto requests = alerts.requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].title, QStringLiteral("Error: A dialog is open in InDesign"));
+    EXPECT_EQ(requests[0].message,
+              app::withSupportContact(QStringLiteral("Please dismiss the dialog in InDesign before preflighting")));
+    EXPECT_TRUE(requests[0].critical);
+    EXPECT_EQ(requests[1].title, QStringLiteral("Cannot initiate preflighting"));
+    EXPECT_EQ(requests[1].message, app::withSupportContact(QStringLiteral("The document is damaged.")));
+}
+
+TEST_F(IdmlCreatorTest, OfflineHostExportsAndUnpacksAgainIntoANewFolder)
+{
+    const QString doc = m_docs.filePath(QStringLiteral("Brochure.idml"));
+    QFile::copy(test::samplePath(QStringLiteral("idml/parser.idml")), doc);
+    OfflineIdmlHost host;
+    ASSERT_TRUE(host.openDocument(doc, true).ok());
+    app::ScriptedAlertSink alerts;
+
+    const QString first = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(doc, host, alerts);
+    ASSERT_FALSE(first.isEmpty()) << alerts.requests().at(0).message.toStdString();
+    EXPECT_TRUE(first.startsWith(workFolder() + QStringLiteral("/Brochure.idml.folder")));
+    EXPECT_TRUE(QFileInfo::exists(first + QStringLiteral("/Resources/Preferences.xml")));
+    EXPECT_EQ(test::readAll(workFolder() + QStringLiteral("/Brochure.idml")), test::readAll(doc));
+
+    // The earlier run's files are still there: a new folder, the IDML copy replaced.
+    test::writeAll(workFolder() + QStringLiteral("/Brochure.idml"), "stale");
+    const QString second = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(doc, host, alerts);
+    ASSERT_FALSE(second.isEmpty());
+    EXPECT_NE(first, second);
+    EXPECT_EQ(test::readAll(workFolder() + QStringLiteral("/Brochure.idml")), test::readAll(doc));
+    EXPECT_TRUE(alerts.requests().empty());
+}
+
+TEST_F(IdmlCreatorTest, UnpackingFailuresShowTheirStageAndNameTheDocument)
+{
+    app::ScriptedAlertSink alerts;
+    OfflineIdmlHost host;
+
+    // Not a zip archive, and no zip tool to repair it with.
+    const QString garbage = m_docs.filePath(QStringLiteral("garbage.idml"));
+    test::writeAll(garbage, QByteArray(5000, 'g'));
+    ASSERT_TRUE(host.openDocument(garbage, true).ok());
+    QNIDMLCreator noRepair(host, alerts);
+    noRepair.setZipTool(m_docs.filePath(QStringLiteral("missing/zip")));
+    EXPECT_EQ(noRepair.processInDesignFileAtPath(garbage), QString());
+    EXPECT_EQ(noRepair.lastError().file, garbage);
+
+    // An archive with an entry that climbs out of its folder.
+    const QString hostile = m_docs.filePath(QStringLiteral("hostile.idml"));
+    test::ArchiveEntries entries = test::minimalIdml();
+    entries.emplace_back(QStringLiteral("../../../escaped.xml"), "<x/>");
+    test::writeIdml(hostile, entries);
+    ASSERT_TRUE(host.openDocument(hostile, true).ok());
+    QNIDMLCreator creator(host, alerts);
+    EXPECT_EQ(creator.processInDesignFileAtPath(hostile), QString());
+    EXPECT_EQ(creator.lastError().where, QStringLiteral("../../../escaped.xml"));
+
+    const auto requests = alerts.requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[0].title, QStringLiteral("Cannot initiate preflighting (stage 2)"));
+    EXPECT_TRUE(requests[0].message.startsWith(garbage + QStringLiteral(": ")));
+    EXPECT_EQ(requests[1].title, QStringLiteral("Cannot initiate preflighting"));
+    EXPECT_TRUE(requests[1].message.contains(QStringLiteral("\"..\"")));
+    // Nothing but the IDML copies is left in the work folder.
+    EXPECT_EQ(QDir(workFolder()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+              (QStringList{QStringLiteral("garbage.idml"), QStringLiteral("hostile.idml")}));
+    EXPECT_FALSE(QFileInfo::exists(m_temp.filePath(QStringLiteral("escaped.xml"))));
+}
+
+TEST_F(IdmlCreatorTest, PackageExportsReplaceTheTargetAndUseThePresetDefault)
+{
+    RecordingScriptRunner scripts;
+    AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
+    app::Settings settings(m_temp.filePath(QStringLiteral("settings.ini")));
+    const QString folder = m_docs.path();
+    test::writeAll(folder + QStringLiteral("/Book.pdf"), "old pdf");
+    QDir().mkpath(folder + QStringLiteral("/Book.idml/inside"));
+
+    auto controller =
+        QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Book.indd"), folder, host, settings);
+    EXPECT_EQ(controller.lastErrorMsg(), QString(""));
+    EXPECT_TRUE(controller.exportDocToPDF());
+    EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Book.pdf")));
+    EXPECT_EQ(scripts.lastSource(),
+              QStringLiteral("tell application \"Adobe InDesign 2024\" \n set page range of PDF export preferences to "
+                             "all pages \n export document \"Book.indd\" format PDF type to \"%1/Book.pdf\" using PDF "
+                             "export preset \"[Smallest File Size]\" without showing options \n end tell")
+                  .arg(folder));
+
+    settings.setValue(QStringLiteral("selectedPDFPreset"), QStringLiteral("[PDF/X-4:2008]"));
+    EXPECT_TRUE(controller.exportDocToPDF());
+    EXPECT_TRUE(scripts.lastSource().contains(QStringLiteral("using PDF export preset \"[PDF/X-4:2008]\"")));
+
+    EXPECT_TRUE(controller.exportDocToIDML());
+    EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Book.idml")));
+    EXPECT_EQ(scripts.lastSource(), QStringLiteral("tell application \"Adobe InDesign 2024\" to export document "
+                                                   "\"Book.indd\" format InDesign markup to \"%1/Book.idml\" without "
+                                                   "showing options")
+                                        .arg(folder));
+
+    scripts.pushError(QStringLiteral("Invalid preset."));
+    EXPECT_FALSE(controller.exportDocToPDF());
+    EXPECT_EQ(controller.lastErrorMsg(), QStringLiteral("Invalid preset."));
+}
+
+TEST_F(IdmlCreatorTest, OfflinePackageExportOfTheDocumentItselfKeepsIt)
+{
+    const QString doc = m_docs.filePath(QStringLiteral("Flyer.idml"));
+    test::writeIdml(doc, test::minimalIdml());
+    const QByteArray original = test::readAll(doc);
+    OfflineIdmlHost host;
+    ASSERT_TRUE(host.openDocument(doc, true).ok());
+    app::Settings settings(m_temp.filePath(QStringLiteral("settings.ini")));
+
+    // The document already sits where its IDML export goes.
+    auto inPlace =
+        QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Flyer.idml"), m_docs.path(), host, settings);
+    EXPECT_TRUE(inPlace.exportDocToIDML());
+    EXPECT_EQ(test::readAll(doc), original);
+
+    QTemporaryDir package;
+    auto elsewhere = QNPDFIDMLController::PDFIDMLControllerWithFileItem(QStringLiteral("Flyer.idml"), package.path(),
+                                                                        host, settings);
+    EXPECT_TRUE(elsewhere.exportDocToIDML());
+    EXPECT_EQ(test::readAll(package.filePath(QStringLiteral("Flyer.idml"))), original);
+    EXPECT_FALSE(elsewhere.exportDocToPDF());
+    EXPECT_TRUE(elsewhere.lastErrorMsg().contains(QStringLiteral("needs InDesign")));
+}
+
+#include "IdmlCreatorTest.moc"
