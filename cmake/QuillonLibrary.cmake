@@ -26,6 +26,6 @@ function(quillon_test name)
   target_compile_definitions(test_${name} PRIVATE QUILLON_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   gtest_discover_tests(test_${name}
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
-    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;ASAN_OPTIONS=detect_leaks=0"
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
     DISCOVERY_TIMEOUT 60)
 endfunction()

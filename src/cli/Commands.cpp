@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/InspectCommands.h"
 #include "cli/LinksCommand.h"
 #include "cli/PresetsCommand.h"
 
@@ -10,6 +11,8 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addLinksCommand(program, commands);
     addPresetsCommand(program, commands);
     addInfoCommand(program, commands);
+    addInspectCommand(program, commands);
+    addMetadataCommand(program, commands);
 }
 
 } // namespace quillon::cli

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cli/Commands.h"
+
+#include <string>
+
+namespace quillon::cli {
+
+// `quillon inspect FILE...`: what the linked-file readers find in each file.
+void addInspectCommand(CLI::App& program, std::vector<Command>& commands);
+
+// `quillon metadata FILE`: the image-metadata rows of a file, or the page size of a PDF.
+void addMetadataCommand(CLI::App& program, std::vector<Command>& commands);
+
+// The "--format text|json" option of both.
+void addFormatOption(CLI::App* command, std::string& format);
+
+} // namespace quillon::cli

@@ -1,0 +1,335 @@
+#include "fileinspect/FileFacts.h"
+
+#include "app/Numbers.h"
+#include "app/TextValues.h"
+#include "fileinspect/ByteSource.h"
+#include "fileinspect/IccProfile.h"
+#include "fileinspect/ImageSource.h"
+#include "fileinspect/PdfPages.h"
+#include "fileinspect/QNPreflightMethods.h"
+#include "fileinspect/ReaderLimits.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace quillon::fileinspect {
+
+namespace {
+
+FileKind kindByExtension(const QString& path)
+{
+    const QString extension = QFileInfo(path).suffix().toLower();
+    if (extension == u"psd" || extension == u"psb")
+        return FileKind::Photoshop;
+    if (extension == u"eps" || extension == u"epsf" || extension == u"ps")
+        return FileKind::EPS;
+    if (extension == u"ai")
+        return FileKind::Illustrator;
+    if (extension == u"tif" || extension == u"tiff")
+        return FileKind::TIFF;
+    if (extension == u"jpg" || extension == u"jpeg")
+        return FileKind::JPEG;
+    if (extension == u"png")
+        return FileKind::PNG;
+    if (extension == u"pdf")
+        return FileKind::PDF;
+    return FileKind::Unknown;
+}
+
+FileKind detectKind(const ByteSource& file)
+{
+    const QByteArray head = file.read(0, 32);
+    const FileKind byExtension = kindByExtension(file.path());
+    if (head.startsWith("8BPS"))
+        return FileKind::Photoshop;
+    if (head.startsWith("\xC5\xD0\xD3\xC6"))
+        return FileKind::EPS;
+    if (head.startsWith("%!PS-Adobe"))
+        return byExtension == FileKind::Illustrator ? FileKind::Illustrator : FileKind::EPS;
+    if (head.startsWith("%PDF"))
+        return byExtension == FileKind::Illustrator ? FileKind::Illustrator : FileKind::PDF;
+    if (head.startsWith("\xFF\xD8\xFF"))
+        return FileKind::JPEG;
+    if (head.startsWith("\x89PNG"))
+        return FileKind::PNG;
+    if (head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)))
+        return FileKind::TIFF;
+    if (file.read(36, 4) == "acsp")
+        return FileKind::IccProfile;
+    return byExtension;
+}
+
+// The parts of a list the readers separate by carriage returns or line feeds.
+QStringList listItems(const QString& list)
+{
+    static const QRegularExpression breaks(QStringLiteral("[\r\n]+"));
+    QStringList items;
+    for (const QString& item : list.split(breaks, Qt::SkipEmptyParts))
+        if (const QString trimmed = item.trimmed(); !trimmed.isEmpty())
+            items << trimmed;
+    return items;
+}
+
+// "-" and "?" stand for no list.
+QStringList readerList(const QString& list)
+{
+    return list == u"-" || list == u"?" ? QStringList() : listItems(list);
+}
+
+void addImageProperties(FileFacts& facts, const ByteSource& file)
+{
+    const std::optional<ImageProperties> properties = readImageProperties(file);
+    if (!properties)
+        return;
+    facts.pixelWidth = properties->pixelWidth;
+    facts.pixelHeight = properties->pixelHeight;
+    facts.colorMode = properties->colorMode;
+    facts.profile = properties->profileName;
+    if (facts.kind == FileKind::TIFF && properties->tiffCompression) {
+        facts.tiffCompression = properties->tiffCompression;
+        facts.tiffCompressionName = QNPreflightMethods::tiffCompressionName(*properties->tiffCompression);
+    }
+}
+
+void inspectPhotoshop(FileFacts& facts, const ByteSource& file, QNPreflightMethods& reader)
+{
+    addImageProperties(facts, file);
+    facts.profile = reader.psdPropsFromData(file).value(0);
+    if (facts.colorMode == u"Duotone") {
+        facts.duotoneInks = reader.psdDuotoneColors(file).split(QStringLiteral("\r\n"));
+        const QStringList& types = QNPreflightMethods::duotoneTypes();
+        if (facts.duotoneInks.size() <= types.size())
+            facts.colorMode = types.value(facts.duotoneInks.size() - 1);
+    }
+}
+
+// The blank-separated words on the line after the last `marker`.
+QStringList numbersAfterLast(const QString& head, const QString& marker)
+{
+    const qsizetype at = head.lastIndexOf(marker);
+    if (at < 0)
+        return {};
+    static const QRegularExpression lineEnd(QStringLiteral("[\r\n]"));
+    return head.mid(at + marker.size(), 200).section(lineEnd, 0, 0).split(u' ', Qt::SkipEmptyParts);
+}
+
+// A Photoshop EPS: "%ImageData: width height bits mode ..." describes the pixels, and the
+// high-resolution bounding box their size on the page.
+void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader, const ByteSource& file)
+{
+    if (!head.contains(QLatin1String("ImageData")))
+        head = reader.getRead1500ForPhotoshopEPSWithTIFFPreview(file);
+    const QStringList numbers = numbersAfterLast(head, QStringLiteral("%ImageData: "));
+    if (!numbers.isEmpty()) {
+        facts.pixelWidth = app::intValue(numbers.value(0));
+        facts.pixelHeight = app::intValue(numbers.value(1));
+        const int bits = app::intValue(numbers.value(2));
+        switch (app::intValue(numbers.value(3))) {
+        case 1:
+            facts.colorMode = bits == 1 ? QStringLiteral("Black and White") : QStringLiteral("Grayscale");
+            break;
+        case 2:
+            facts.colorMode = QStringLiteral("Lab");
+            break;
+        case 3:
+            facts.colorMode = QStringLiteral("RGB");
+            break;
+        case 4:
+            facts.colorMode = QStringLiteral("CMYK");
+            break;
+        default:
+            break;
+        }
+    }
+    const double points = app::doubleValue(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
+    if (facts.pixelWidth > 0 && points > 0)
+        facts.resolution = app::formatNoDecimal(facts.pixelWidth / (points / 72.0));
+    if (head.contains(QLatin1String("CustomColors: ("))) {
+        const QVariantList spots = reader.spotColorsOfVectorEPS(head);
+        facts.spotColorCount = spots.value(0).toString();
+        facts.spotColors = readerList(spots.value(1).toString());
+    }
+}
+
+void inspectEps(FileFacts& facts, const ByteSource& file, QNPreflightMethods& reader)
+{
+    const QString head = textFromBytes(file.read(0, 1500));
+    if (head.contains(QLatin1String("ImageData")) || head.contains(QLatin1String("Adobe Photoshop "))) {
+        inspectRasterEps(facts, head, reader, file);
+        return;
+    }
+    const QVariantList vector = reader.readEPS1500(file, head);
+    facts.colorMode = vector.value(0).toString();
+    facts.spotColorCount = vector.value(1).toString();
+    facts.spotColors = readerList(vector.value(2).toString());
+    facts.fontCount = vector.value(3).toString();
+    QString fonts = vector.value(4).toString();
+    fonts.remove(QLatin1String("Embedded fonts:"));
+    facts.fonts = readerList(fonts);
+    facts.illustratorVersion = reader.aiVersion();
+}
+
+void inspectIllustrator(FileFacts& facts, const ByteSource& file, QNPreflightMethods& reader)
+{
+    facts.illustratorColorModel = reader.colorModeOfAIFile(file);
+    facts.colorMode = facts.illustratorColorModel;
+    const QNPreflightMethods::AIHeadAndFonts ai = reader.read4500AndFontsOfPreCS3AI(file);
+    // A file that is PostScript from its first byte is its own head.
+    const QString head4500 = textFromBytes(file.read(0, 4500));
+    const QString comments = head4500.contains(QLatin1String("%!PS-Adobe-3.0")) ? head4500 : ai.head;
+    facts.illustratorVersion = QNPreflightMethods::illustratorVersion(comments);
+    if (comments.contains(QLatin1String("CustomColors: ("))) {
+        const QVariantList spots = reader.spotColorsOfVectorEPS(comments);
+        facts.spotColorCount = spots.value(0).toString();
+        facts.spotColors = readerList(spots.value(1).toString());
+    }
+    facts.fonts = listItems(ai.fonts);
+    if (!facts.fonts.isEmpty())
+        facts.fontCount = QString::number(facts.fonts.size());
+}
+
+void inspectPdf(FileFacts& facts)
+{
+    const auto size = firstPageSize(facts.path);
+    if (!size.ok()) {
+        facts.error = size.error().message;
+        return;
+    }
+    facts.pageWidth = size.value() ? size.value()->width : 0.0;
+    facts.pageHeight = size.value() ? size.value()->height : 0.0;
+}
+
+} // namespace
+
+QString fileKindName(FileKind kind)
+{
+    switch (kind) {
+    case FileKind::Photoshop:
+        return QStringLiteral("Photoshop");
+    case FileKind::EPS:
+        return QStringLiteral("EPS");
+    case FileKind::Illustrator:
+        return QStringLiteral("Illustrator");
+    case FileKind::TIFF:
+        return QStringLiteral("TIFF");
+    case FileKind::JPEG:
+        return QStringLiteral("JPEG");
+    case FileKind::PNG:
+        return QStringLiteral("PNG");
+    case FileKind::PDF:
+        return QStringLiteral("PDF");
+    case FileKind::IccProfile:
+        return QStringLiteral("ICC profile");
+    case FileKind::Unknown:
+        break;
+    }
+    return QStringLiteral("?");
+}
+
+FileKind detectFileKind(const QString& path)
+{
+    return detectKind(ByteSource::openFile(path));
+}
+
+FileFacts inspectFile(const QString& path, FileKind kind)
+{
+    FileFacts facts;
+    facts.path = path;
+    const ByteSource file = ByteSource::openFile(path);
+    facts.kind = kind == FileKind::Unknown ? detectKind(file) : kind;
+    if (!file.isOpen()) {
+        facts.error = QStringLiteral("The file could not be opened: %1").arg(file.errorString());
+        return facts;
+    }
+    QNPreflightMethods reader;
+    switch (facts.kind) {
+    case FileKind::Photoshop:
+        inspectPhotoshop(facts, file, reader);
+        break;
+    case FileKind::EPS:
+        inspectEps(facts, file, reader);
+        break;
+    case FileKind::Illustrator:
+        inspectIllustrator(facts, file, reader);
+        break;
+    case FileKind::TIFF:
+    case FileKind::JPEG:
+    case FileKind::PNG:
+    case FileKind::Unknown: // perhaps another image format
+        addImageProperties(facts, file);
+        break;
+    case FileKind::PDF:
+        inspectPdf(facts);
+        break;
+    case FileKind::IccProfile:
+        facts.profile = iccProfileDescription(file.read(0, kMaxProfileBytes));
+        break;
+    }
+    if (file.readFailed())
+        facts.error = QStringLiteral("The file could not be read: %1").arg(file.errorString());
+    return facts;
+}
+
+QList<FileFacts> inspectFiles(const QStringList& paths, int threads)
+{
+    std::vector<FileFacts> facts(size_t(paths.size()));
+    std::atomic<qsizetype> next{0};
+    auto work = [&] {
+        for (qsizetype i = next++; i < paths.size(); i = next++)
+            facts[size_t(i)] = inspectFile(paths[i]);
+    };
+    if (threads <= 0)
+        threads = int(std::max(1u, std::thread::hardware_concurrency()));
+    std::vector<std::thread> workers;
+    for (int t = 1; t < std::min<qsizetype>(threads, paths.size()); ++t)
+        workers.emplace_back(work);
+    work();
+    for (std::thread& worker : workers)
+        worker.join();
+    return QList<FileFacts>(facts.begin(), facts.end());
+}
+
+QVariantMap factsRecord(const FileFacts& facts)
+{
+    using namespace factkeys;
+    QVariantMap record{{kPath, facts.path}, {kKind, fileKindName(facts.kind)}};
+    auto addText = [&record](const QString& key, const QString& value) {
+        if (!value.isEmpty())
+            record.insert(key, value);
+    };
+    auto addList = [&record](const QString& key, const QStringList& value) {
+        if (!value.isEmpty())
+            record.insert(key, value);
+    };
+    addText(kError, facts.error);
+    addText(kColorMode, facts.colorMode);
+    addText(kProfile, facts.profile);
+    addList(kDuotoneInks, facts.duotoneInks);
+    addText(kSpotColorCount, facts.spotColorCount);
+    addList(kSpotColors, facts.spotColors);
+    addText(kFontCount, facts.fontCount);
+    addList(kFonts, facts.fonts);
+    addText(kIllustratorColorModel, facts.illustratorColorModel);
+    if (facts.illustratorVersion > 0)
+        record.insert(kIllustratorVersion, qulonglong(facts.illustratorVersion));
+    if (facts.tiffCompression)
+        record.insert(kTiffCompression, *facts.tiffCompression);
+    if (facts.tiffCompressionName)
+        record.insert(kTiffCompressionName, *facts.tiffCompressionName);
+    if (facts.pixelWidth > 0 && facts.pixelHeight > 0) {
+        record.insert(kPixelWidth, facts.pixelWidth);
+        record.insert(kPixelHeight, facts.pixelHeight);
+    }
+    addText(kResolution, facts.resolution);
+    if (facts.pageWidth)
+        record.insert(kPageWidth, *facts.pageWidth);
+    if (facts.pageHeight)
+        record.insert(kPageHeight, *facts.pageHeight);
+    return record;
+}
+
+} // namespace quillon::fileinspect

@@ -1,0 +1,71 @@
+#include "CliRunner.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+using quillon::test::runQuillon;
+
+namespace {
+
+QString sample(const char* relative)
+{
+    return QStringLiteral("../shared/samples/") + QLatin1String(relative);
+}
+
+} // namespace
+
+TEST(InspectCommand, TextAndJsonForSeveralKinds)
+{
+    const auto text =
+        runQuillon({QStringLiteral("inspect"), sample("psd/4x4_8bit_duotone.psd"), sample("tiff/ExifTool.tif")});
+    EXPECT_EQ(text.exitCode, 0) << text.err.toStdString();
+    EXPECT_TRUE(text.out.contains("Duotone inks: Black, PANTONE 327 CVC")) << text.out.toStdString();
+    EXPECT_TRUE(text.out.contains("TIFF compression: 5 (LZW)"));
+    EXPECT_TRUE(text.out.contains("Profile: sRGB IEC61966-2.1"));
+
+    const auto json = runQuillon({QStringLiteral("inspect"), QStringLiteral("--format"), QStringLiteral("json"),
+                                  sample("ai/Banner_EasyDisplay.ai"), sample("eps/Envoy_Logo_Final_CMYK-REVERSE.eps")});
+    ASSERT_EQ(json.exitCode, 0) << json.err.toStdString();
+    const QJsonArray records = QJsonDocument::fromJson(json.out).array();
+    ASSERT_EQ(records.size(), 2);
+    EXPECT_EQ(records[0].toObject().value(QStringLiteral("illustratorColorModel")).toString(), u"CMYK");
+    EXPECT_EQ(records[0].toObject().value(QStringLiteral("spotColors")).toArray().first().toString(), u"PANTONE 307 C");
+    EXPECT_EQ(records[1].toObject().value(QStringLiteral("spotColorCount")).toString(), u"3");
+}
+
+TEST(InspectCommand, UnreadableFilesFailTheRunButNotTheOthers)
+{
+    const auto run = runQuillon({QStringLiteral("inspect"), sample("psd/no such file.psd"), sample("jpeg/GPS.jpg")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.out.contains("could not be opened")) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains("Pixel size: 120 x 80"));
+    EXPECT_NE(runQuillon({QStringLiteral("inspect")}).exitCode, 0);
+    EXPECT_NE(runQuillon({QStringLiteral("inspect"), QStringLiteral("--format"), QStringLiteral("xml"),
+                          sample("jpeg/GPS.jpg")})
+                  .exitCode,
+              0);
+}
+
+TEST(MetadataCommand, RowsOfImagesAndPageSizeOfPdfs)
+{
+    const auto gps = runQuillon({QStringLiteral("metadata"), sample("jpeg/GPS.jpg")});
+    EXPECT_EQ(gps.exitCode, 0);
+    EXPECT_TRUE(gps.out.contains("[GPS]\n  Latitude: 54.98966 N\n  Longtitude: 1.914166 W")) << gps.out.toStdString();
+
+    const auto json = runQuillon(
+        {QStringLiteral("metadata"), QStringLiteral("--format"), QStringLiteral("json"), sample("jpeg/Kodak.jpg")});
+    const QJsonArray rows = QJsonDocument::fromJson(json.out).array();
+    ASSERT_FALSE(rows.isEmpty());
+    EXPECT_EQ(rows[0].toObject().value(QStringLiteral("tag")).toString(), u"EXIF");
+
+    const auto pdf = runQuillon({QStringLiteral("metadata"), sample("other/PDF.pdf")});
+    EXPECT_TRUE(pdf.out.contains("Page Size: 8 x 8 pt")) << pdf.out.toStdString();
+    EXPECT_TRUE(runQuillon({QStringLiteral("metadata"), sample("jpeg/noExif.jpg")}).out.isEmpty());
+
+    const auto missing = runQuillon({QStringLiteral("metadata"), sample("jpeg/none.jpg")});
+    EXPECT_EQ(missing.exitCode, 2);
+    EXPECT_TRUE(missing.err.contains("no such file"));
+}

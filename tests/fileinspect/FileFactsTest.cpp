@@ -1,0 +1,179 @@
+#include "fileinspect/FileFacts.h"
+
+#include "Fixtures.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace quillon::fileinspect;
+using quillon::test::samplePath;
+
+namespace {
+
+FileFacts facts(const char* sample)
+{
+    return inspectFile(samplePath(QString::fromLatin1(sample)));
+}
+
+} // namespace
+
+TEST(FileFacts, PhotoshopFiles)
+{
+    const FileFacts duotone = facts("psd/4x4_8bit_duotone.psd");
+    EXPECT_EQ(duotone.kind, FileKind::Photoshop);
+    EXPECT_EQ(duotone.colorMode, u"Duotone");
+    EXPECT_EQ(duotone.duotoneInks, QStringList({"Black", "PANTONE 327 CVC"}));
+    EXPECT_EQ(duotone.profile, u"");
+
+    const FileFacts cmyk = facts("psd/4x4_8bit_cmyk.psd");
+    EXPECT_EQ(cmyk.colorMode, u"CMYK");
+    EXPECT_EQ(cmyk.profile, u"Japan Color 2001 Coated");
+    EXPECT_EQ(cmyk.pixelWidth, 4);
+    EXPECT_TRUE(cmyk.error.isEmpty());
+    EXPECT_EQ(facts("psd/4x4_16bit_multichannel.psd").colorMode, u"Multichannel");
+    EXPECT_EQ(facts("psd/4x4_1bit_bitmap.psd").colorMode, u"B&W");
+    EXPECT_EQ(facts("psd/4x4_8bit_lab.psd").colorMode, u"Lab");
+}
+
+TEST(FileFacts, EpsFiles)
+{
+    const FileFacts envoy = facts("eps/Envoy_Logo_Final_CMYK-REVERSE.eps");
+    EXPECT_EQ(envoy.kind, FileKind::EPS);
+    EXPECT_EQ(envoy.spotColorCount, u"3");
+    EXPECT_EQ(envoy.spotColors, QStringList({"PANTONE 239 C", "PANTONE 252 C", "PANTONE 253 C"}));
+    EXPECT_EQ(envoy.illustratorVersion, 17u);
+
+    // Photoshop EPS files, with and without a preview header.
+    const FileFacts bitmap = facts("eps/1.eps");
+    EXPECT_EQ(bitmap.colorMode, u"Black and White");
+    EXPECT_EQ(bitmap.pixelWidth, 100);
+    EXPECT_EQ(bitmap.pixelHeight, 67);
+    EXPECT_EQ(bitmap.resolution, u"100");
+    const FileFacts jpeg = facts("eps/adobeJpeg1.eps");
+    EXPECT_EQ(jpeg.colorMode, u"RGB");
+    EXPECT_EQ(jpeg.pixelWidth, 275);
+    EXPECT_EQ(jpeg.resolution, u"101");
+    // This file quotes other EPS headers after its own; the last bounding box counts, as it does
+    // in the link analysis.
+    EXPECT_EQ(facts("eps/PostScript.eps").resolution, u"1");
+    EXPECT_EQ(facts("eps/pil_sample_cmyk.eps").colorMode, u"CMYK");
+    EXPECT_TRUE(facts("eps/pil_sample_cmyk.eps").resolution.isEmpty()); // no high-resolution box
+
+    EXPECT_EQ(facts("eps/ulogo.eps").colorMode, u"CMYK");
+    EXPECT_EQ(facts("eps/zero_bb.eps").fontCount, u"?");
+    EXPECT_EQ(facts("eps/golfer.eps").colorMode, u"-");
+}
+
+TEST(FileFacts, IllustratorFiles)
+{
+    const FileFacts banner = facts("ai/Banner_EasyDisplay.ai");
+    EXPECT_EQ(banner.kind, FileKind::Illustrator);
+    EXPECT_EQ(banner.illustratorColorModel, u"CMYK");
+    EXPECT_EQ(banner.illustratorVersion, 14u);
+    EXPECT_EQ(banner.spotColors, QStringList{"PANTONE 307 C"});
+
+    const FileFacts poster = facts("ai/dojoposter-Apex.ai");
+    EXPECT_EQ(poster.illustratorVersion, 15u);
+    EXPECT_EQ(poster.fonts,
+              QStringList({"ApexNew-Heavy", "ApexNew-Bold", "ApexNew-Medium", "ApexNew-Book", "MyriadPro-Light"}));
+    const FileFacts cs = facts("ai/schblocwebgui.ai");
+    EXPECT_EQ(cs.illustratorColorModel, u"RGB");
+    EXPECT_EQ(cs.illustratorVersion, 11u);
+    EXPECT_EQ(cs.fonts, QStringList{"Myriad-Roman"});
+    EXPECT_EQ(facts("ai/LgHS-logo.ai").illustratorColorModel, u"RGB");
+}
+
+TEST(FileFacts, ImageAndPdfFiles)
+{
+    const FileFacts lzw = facts("tiff/ExifTool.tif");
+    EXPECT_EQ(lzw.kind, FileKind::TIFF);
+    EXPECT_EQ(lzw.tiffCompression, 5);
+    EXPECT_EQ(lzw.tiffCompressionName, QStringLiteral("LZW"));
+    EXPECT_EQ(lzw.profile, u"sRGB IEC61966-2.1");
+    const FileFacts packBits = facts("tiff/copyleft.tiff");
+    EXPECT_EQ(packBits.tiffCompression, 32773);
+    EXPECT_FALSE(packBits.tiffCompressionName);
+    EXPECT_EQ(facts("tiff/hopper.tif").tiffCompressionName, QString());
+
+    const FileFacts cmykJpeg = facts("jpeg/pil_sample_cmyk.jpg");
+    EXPECT_EQ(cmykJpeg.kind, FileKind::JPEG);
+    EXPECT_EQ(cmykJpeg.colorMode, u"CMYK");
+    EXPECT_FALSE(cmykJpeg.tiffCompression);
+    EXPECT_EQ(facts("jpeg/ExifTool.jpg").profile, u"Adobe RGB (1998)");
+    EXPECT_EQ(facts("other/PNG.png").pixelWidth, 16);
+
+    const FileFacts pdf = facts("other/PDF.pdf");
+    EXPECT_EQ(pdf.kind, FileKind::PDF);
+    EXPECT_EQ(pdf.pageWidth, 8.0);
+    EXPECT_EQ(pdf.pageHeight, 8.0);
+    EXPECT_EQ(facts("other/ICC_Profile.icc").profile, u"Nikon Adobe RGB 4.0.0.3000");
+}
+
+TEST(FileFacts, KindsByContentThenExtension)
+{
+    quillon::test::TempFiles files;
+    // Content wins over a misleading extension; an Illustrator file in PDF form is told by ".ai".
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("photo.eps"), "8BPS\0\1")), FileKind::Photoshop);
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.ai"), "%PDF-1.5\n")), FileKind::Illustrator);
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.pdf"), "%PDF-1.5\n")), FileKind::PDF);
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.bin"), "%!PS-Adobe-3.0 EPSF-3.0\n")), FileKind::EPS);
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("a.jpg"), "not really")), FileKind::JPEG);
+    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("notes.txt"), "text")), FileKind::Unknown);
+    // Another image format needs no kind of its own for its size and profile.
+    const FileFacts webp = inspectFile(
+        files.write(QStringLiteral("a.webp"),
+                    quillon::test::webpWithProfile(quillon::test::readAll(samplePath("other/ICC_Profile.icc")))));
+    EXPECT_EQ(webp.kind, FileKind::Unknown);
+    EXPECT_EQ(webp.pixelWidth, 5);
+    EXPECT_EQ(webp.profile, u"Nikon Adobe RGB 4.0.0.3000");
+    EXPECT_EQ(detectFileKind(samplePath("eps/adobeJpeg1.eps")), FileKind::EPS);
+    EXPECT_EQ(fileKindName(FileKind::Illustrator), u"Illustrator");
+    EXPECT_EQ(fileKindName(FileKind::Unknown), u"?");
+}
+
+TEST(FileFacts, UnreadableFilesSayWhy)
+{
+    const FileFacts missing = inspectFile(samplePath("psd/no such file.psd"));
+    EXPECT_EQ(missing.kind, FileKind::Photoshop);
+    EXPECT_TRUE(missing.error.contains(QLatin1String("could not be opened"))) << missing.error.toStdString();
+    EXPECT_TRUE(inspectFile(samplePath("psd")).error.contains(QLatin1String("folder")));
+
+    quillon::test::TempFiles files;
+    const FileFacts empty = inspectFile(files.write(QStringLiteral("empty.psd"), QByteArray()));
+    EXPECT_TRUE(empty.error.isEmpty());
+    EXPECT_TRUE(empty.colorMode.isEmpty());
+    EXPECT_TRUE(empty.profile.isEmpty());
+    const FileFacts broken = inspectFile(files.write(QStringLiteral("broken.pdf"), "%PDF-1.4\nnothing else"));
+    EXPECT_TRUE(broken.error.contains(QLatin1String("PDF"))) << broken.error.toStdString();
+}
+
+TEST(FileFacts, RecordsLeaveOutWhatIsNotKnown)
+{
+    const QVariantMap tiff = factsRecord(facts("tiff/ExifTool.tif"));
+    EXPECT_EQ(tiff.value(factkeys::kKind).toString(), u"TIFF");
+    EXPECT_EQ(tiff.value(factkeys::kTiffCompressionName).toString(), u"LZW");
+    EXPECT_EQ(tiff.value(factkeys::kPixelWidth).toInt(), 160);
+    EXPECT_FALSE(tiff.contains(factkeys::kFonts));
+    EXPECT_FALSE(tiff.contains(factkeys::kError));
+
+    const QVariantMap ai = factsRecord(facts("ai/schblocwebgui.ai"));
+    EXPECT_EQ(ai.value(factkeys::kFonts).toStringList(), QStringList{"Myriad-Roman"});
+    EXPECT_EQ(ai.value(factkeys::kIllustratorVersion).toInt(), 11);
+    EXPECT_FALSE(ai.contains(factkeys::kTiffCompression));
+}
+
+TEST(FileFacts, ManyFilesOnSeveralThreadsGiveTheSameFacts)
+{
+    QStringList paths;
+    for (const char* folder : {"psd", "eps", "ai", "tiff", "jpeg", "other"})
+        for (const QFileInfo& file : QDir(samplePath(QString::fromLatin1(folder))).entryInfoList(QDir::Files))
+            paths << file.filePath();
+    paths += paths;
+    const QList<FileFacts> parallel = inspectFiles(paths, 2);
+    ASSERT_EQ(parallel.size(), paths.size());
+    for (qsizetype i = 0; i < paths.size(); ++i)
+        EXPECT_EQ(factsRecord(parallel[i]), factsRecord(inspectFile(paths[i]))) << paths[i].toStdString();
+}

@@ -1,0 +1,245 @@
+#include "fileinspect/PXEXIFData.h"
+#include "fileinspect/PXMetadataController.h"
+
+#include "Fixtures.h"
+#include "app/Settings.h"
+#include "support/TestSupport.h"
+
+#include <QLocale>
+
+#include <gtest/gtest.h>
+
+using namespace quillon::fileinspect;
+using quillon::test::samplePath;
+
+namespace {
+
+PropertyDictionary dictionary(std::initializer_list<std::pair<const char*, QVariant>> entries)
+{
+    PropertyDictionary tags;
+    for (const auto& [key, value] : entries)
+        tags.insert(QString::fromLatin1(key), value);
+    return tags;
+}
+
+// "tag: value" of each row, values as shown.
+QStringList shown(const QVariantList& rows)
+{
+    QStringList lines;
+    for (const QVariant& row : rows)
+        lines << row.toMap().value(metadatakeys::kTag).toString() + QStringLiteral(": ") +
+                     metadataValueText(row.toMap().value(metadatakeys::kValue));
+    return lines;
+}
+
+QStringList rowsOf(const char* sample)
+{
+    PXMetadataController controller;
+    return shown(controller.readFromURL(samplePath(QString::fromLatin1(sample))));
+}
+
+} // namespace
+
+TEST(MetadataRows, NamesSplitAtCapitals)
+{
+    PXMetadataController controller;
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("BrightnessValue")), u"Brightness Value");
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("FNumber")), u"F Number");
+    // Two or more single capitals: rebuilt, abbreviations kept together, a trailing blank left.
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ISOSpeedRatings")), u"ISO Speed Ratings ");
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("GPSVersion")), u"GPS Version ");
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ImageUniqueID")), u"Image Unique ID");
+    // Digits and other characters are dropped; no capital leaves the key as it is.
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("Exif2Version")), u"Exif Version");
+    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("gamma")), u"gamma");
+    EXPECT_EQ(controller.regExCapitals().pattern(), u"[A-Z][a-z]*");
+    EXPECT_TRUE(controller.regExErr().isEmpty());
+}
+
+TEST(MetadataRows, ExifTablesAndRemainingTags)
+{
+    PXMetadataController controller;
+    const PropertyDictionary exif = dictionary({
+        {"PixelXDimension", 640},
+        {"ExposureProgram", 12}, // beyond its list: stays for the remaining rows
+        {"BrightnessValue", 2.5},
+        {"LightSource", 1},
+        {"Flash", 24}, // decoded elsewhere
+        {"ColorSpace", 65535},
+        {"WhiteBalance", 7},
+        {"ExposureMode", 5},
+        {"Contrast", 1},
+        {"MeteringMode", 255},
+        {"ExposureTime", 0.004},
+        {"FocalLength", 5.8},
+        {"ISOSpeedRatings", QVariantList{100, 200}},
+    });
+    EXPECT_EQ(shown(controller.exifArr(exif)),
+              QStringList({"EXIF:  ", "Color Space: Uncalibrated", "Exposure Mode: 5", "Contrast: Low",
+                           "Light Source: Fluorescent", "Metering Mode: Other", "White Balance: 7",
+                           "Exposure Time: 0.004 sec", "Focal Length: 5.8 mm", "Exposure Program: 12",
+                           "Brightness Value: 2.5", "ISO Speed Ratings: 100, 200"}));
+    // The light source value indexes the list from 0.
+    EXPECT_EQ(shown(controller.exifArr(dictionary({{"LightSource", 0}}))).value(1), u"Light Source: Daylight");
+    EXPECT_EQ(shown(controller.exifArr(dictionary({{"LightSource", 19}}))).value(1), u"Light Source: 19");
+    EXPECT_EQ(shown(controller.exifArr(dictionary({{"ColorSpace", -1}, {"FocalLenIn35mmFilm", 28}}))),
+              QStringList({"EXIF:  ", "Color Space: RGB", "Focal Length in 35mm Film: 28 mm"}));
+}
+
+TEST(MetadataRows, DecodedExifTags)
+{
+    PXMetadataController controller;
+    const PropertyDictionary exif = dictionary({{"Flash", 24},
+                                                {"ExposureTime", 0.5},
+                                                {"ComponentsConfiguration", QVariantList{1, 2, 3, 0}},
+                                                {"SensingMethod", 2},
+                                                {"InteropIndex", QStringLiteral("R98")}});
+    EXPECT_EQ(shown(controller.exifArray(exif)),
+              QStringList({"Flash: Auto, Did not fire", "Components Configuration: Y, Cb, Cr, -",
+                           "Sensing Method: One-chip color area sensor",
+                           "Interoperability Index: R98 - DCF basic file (sRGB)"}));
+
+    EXPECT_EQ(PXEXIFData::EXIFTags().value(QStringLiteral("Thresholding")), u"selector");
+    EXPECT_EQ(PXEXIFData::Flash(0)->value(exifkeys::kParsedValue).toString(), u"No Flash");
+    EXPECT_EQ(PXEXIFData::Flash(0x41)->value(exifkeys::kParsedValue).toString(), u"Fired, Red-eye reduction");
+    EXPECT_EQ(PXEXIFData::Flash(0x1f)->value(exifkeys::kParsedValue).toString(), u"Auto, Fired, Return detected");
+    EXPECT_EQ(PXEXIFData::Flash(0x20)->value(exifkeys::kParsedValue).toString(), u"No flash function");
+    EXPECT_EQ(PXEXIFData::Orientation(8)->value(exifkeys::kParsedValue).toString(), u"Rotate 270 CW");
+    EXPECT_EQ(PXEXIFData::PhotometricInterpretation(5)->value(exifkeys::kTagName).toString(),
+              u"Photometric Interpretation");
+    EXPECT_EQ(PXEXIFData::Thresholding(2)->value(exifkeys::kParsedValue).toString(), u"Ordered dither or halftone");
+    EXPECT_EQ(PXEXIFData::SubfileType(1)->value(exifkeys::kParsedValue).toString(), u"Reduced-resolution image");
+    // An unknown code shows as its number; a value that is no code gives nothing.
+    EXPECT_EQ(PXEXIFData::Orientation(42)->value(exifkeys::kParsedValue).toString(), u"42");
+    EXPECT_FALSE(PXEXIFData::Orientation(QStringLiteral("left")));
+    EXPECT_FALSE(PXEXIFData::decode(QStringLiteral("ColorSpace"), 1));
+}
+
+TEST(MetadataRows, GpsRowsCutTheCoordinates)
+{
+    PXMetadataController controller;
+    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"GPSVersion", QVariantList{2, 2, 0, 0}},
+                                                  {"LatitudeRef", QStringLiteral("N")},
+                                                  {"Latitude", 48.85837},
+                                                  {"LongitudeRef", QStringLiteral("E")},
+                                                  {"Longitude", 2.29448},
+                                                  {"AltitudeRef", 1},
+                                                  {"Altitude", 42.8},
+                                                  {"MapDatum", QStringLiteral("WGS-84")},
+                                                  {"Speed", 0}}))),
+              QStringList({"GPS:  ", "Latitude: 48.85837 N", "Longtitude: 2.29448 E", "Altitude: -42.8 m",
+                           "Map Datum: WGS-84", "Speed: 0"}));
+    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 54.98966666666667},
+                                                  {"LatitudeRef", QStringLiteral("N")},
+                                                  {"Longitude", 1.914166666666667},
+                                                  {"LongitudeRef", QStringLiteral("W")},
+                                                  {"AltitudeRef", 0},
+                                                  {"Altitude", 72.37}}))),
+              QStringList({"GPS:  ", "Latitude: 54.98966 N", "Longtitude: 1.914166 W", "Altitude: 72.37 m"}));
+    // A short latitude sets the cut of a long longitude.
+    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 5.5},
+                                                  {"LatitudeRef", QStringLiteral("S")},
+                                                  {"Longitude", 123.456789},
+                                                  {"LongitudeRef", QStringLiteral("W")}})))
+                  .value(2),
+              u"Longtitude: 123 W");
+    // Without the references the coordinates are plain rows.
+    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 5.5}, {"Longitude", 1.25}}))),
+              QStringList({"GPS:  ", "Latitude: 5.5", "Longitude: 1.25"}));
+}
+
+TEST(MetadataRows, SectionsFollowTheViewersRules)
+{
+    PXMetadataController controller;
+    ImageMetadata metadata;
+    metadata.tiff = dictionary({{"Make", QStringLiteral("Canon")}, {"Orientation", 6}, {"XResolution", 72}});
+    metadata.iptc = dictionary({{"ObjectName", QStringLiteral("Title")}, {"Keywords", QVariantList{"a", "b"}}});
+    // No EXIF: no TIFF section either.
+    EXPECT_EQ(shown(controller.rowsFromMetadata(metadata)),
+              QStringList({"IPTC:  ", "Object Name: Title", "Keywords: a, b"}));
+    metadata.exif = dictionary({{"FNumber", 2.8}});
+    metadata.gps = dictionary({{"MapDatum", QStringLiteral("WGS84")}});
+    EXPECT_EQ(shown(controller.rowsFromMetadata(metadata)),
+              QStringList({"EXIF:  ", "F Number: 2.8", "TIFF:  ", "Make: Canon", "Orientation: Rotate 90 CW",
+                           "IPTC:  ", "Object Name: Title", "Keywords: a, b", "GPS:  ", "Map Datum: WGS84"}));
+    EXPECT_TRUE(controller.rowsFromMetadata(ImageMetadata()).isEmpty());
+    const QVariantMap header = controller.rowsFromMetadata(metadata).first().toMap();
+    EXPECT_TRUE(isMetadataHeaderRow(header));
+    EXPECT_EQ(header.value(metadatakeys::kValue).toString(), u" ");
+}
+
+TEST(MetadataRows, RealFiles)
+{
+    const QStringList gps = rowsOf("jpeg/GPS.jpg");
+    EXPECT_TRUE(gps.contains(u"Latitude: 54.98966 N")) << gps.join(u'\n').toStdString();
+    EXPECT_TRUE(gps.contains(u"Longtitude: 1.914166 W"));
+    EXPECT_TRUE(gps.contains(u"Map Datum: WGS84"));
+    EXPECT_TRUE(gps.contains(u"Country: United Kingdom"));
+    EXPECT_TRUE(gps.contains(u"Make: FUJIFILM"));
+
+    // IPTC only: the first row is its header.
+    const QStringList iptc = rowsOf("jpeg/IPTC.jpg");
+    EXPECT_EQ(iptc.value(0), u"IPTC:  ");
+    EXPECT_TRUE(iptc.contains(u"Byline: Phil Harvey"));
+    EXPECT_TRUE(iptc.contains(u"Keywords: ExifTool, Test, IPTC"));
+    EXPECT_TRUE(iptc.contains(u"Country: Canada"));
+
+    EXPECT_TRUE(rowsOf("jpeg/Kodak.jpg").contains(u"Light Source: Daylight"));
+    EXPECT_TRUE(rowsOf("jpeg/windowsXpFields.jpg").contains(u"Light Source: Other"));
+    EXPECT_TRUE(rowsOf("jpeg/windowsXpFields.jpg").contains(u"User Comment: I am a comment. Yey."));
+    const QStringList pentax = rowsOf("jpeg/Pentax.jpg");
+    EXPECT_TRUE(pentax.contains(u"Orientation: Rotate 270 CW"));
+    EXPECT_TRUE(pentax.contains(u"Exposure Program: Aperture-priority AE"));
+    EXPECT_TRUE(rowsOf("jpeg/Apple.jpg").contains(u"Color Space: Uncalibrated"));
+    EXPECT_TRUE(rowsOf("jpeg/flower.jpg").contains(u"Flash: Auto, Did not fire"));
+
+    // A TIFF without an EXIF directory shows its IPTC but no TIFF section.
+    const QStringList tiff = rowsOf("tiff/ExifTool.tif");
+    EXPECT_FALSE(tiff.contains(u"TIFF:  "));
+    EXPECT_TRUE(tiff.contains(u"Keywords: exiftool, test, picture"));
+
+    EXPECT_TRUE(rowsOf("jpeg/noExif.jpg").isEmpty());
+    EXPECT_TRUE(rowsOf("other/PDF.pdf").isEmpty());
+    EXPECT_TRUE(rowsOf("no such file.jpg").isEmpty());
+    EXPECT_TRUE(rowsOf("jpeg").isEmpty());
+}
+
+TEST(MetadataRows, TableShowsRowsOnlyForAFile)
+{
+    PXMetadataController controller;
+    const QVariantList rows = controller.readFromURL(samplePath("jpeg/Kodak.jpg"));
+    controller.setMetadataForFile(samplePath("jpeg/Kodak.jpg"), rows);
+    EXPECT_EQ(controller.metadataTable().rowCount(), rows.size());
+    controller.setMetadataForFile(QString(), rows);
+    EXPECT_EQ(controller.metadataTable().rowCount(), 0);
+    controller.setMetadataForFile(samplePath("jpeg/Kodak.jpg"), {});
+    EXPECT_EQ(controller.metadataTable().rowCount(), 0);
+}
+
+TEST(MetadataRows, PdfAndPrintSizes)
+{
+    quillon::test::TempFiles files;
+    quillon::app::Settings settings(files.path(QStringLiteral("defaults.ini")));
+    PXMetadataController controller(&settings);
+    EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("other/PDF.pdf")), QStringList({"8", "8"}));
+    EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("other/module1.pdf")), QStringList({"178.6", "164.4"}));
+    EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("jpeg/Kodak.jpg")), QStringList({"0", "0"}));
+
+    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("mm"));
+    EXPECT_EQ(controller.printDimensionsFromInchValues(8.5, 11), QStringList({"216", "279"}));
+    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("cm"));
+    EXPECT_EQ(controller.printDimensionsFromInchValues(8.5, 11), QStringList({"21.59", "27.94"}));
+    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("in"));
+    EXPECT_EQ(controller.printDimensionsFromInchValues(8.504, 11.0), QStringList({"8.5", "11"}));
+    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("furlong"));
+    EXPECT_EQ(controller.measurementUnits(), u"in");
+
+    // Unset, the locale's measurement system decides.
+    settings.remove(QStringLiteral("measurementUnits"));
+    const QLocale previous;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(controller.measurementUnits(), u"mm");
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_EQ(controller.measurementUnits(), u"in");
+    QLocale::setDefault(previous);
+}
