@@ -131,7 +131,7 @@ bool LinkMetadata::iccProfileAndMoreFromMetadataStr(std::string_view packet, boo
             if (!resolution.isEmpty()) {
                 m_record.insert(kLinkActualResKey, resolution);
                 if (!m_record.value(kLinkHorScaleKey).toString().isEmpty())
-                    setEffectiveResolutionFromActual(resolution);
+                    setEffectiveResolutionFromActual(leadingDouble(resolution));
             }
         }
         if (childText(description, "photoshop:ColorMode") == QLatin1String("0"))
@@ -140,13 +140,13 @@ bool LinkMetadata::iccProfileAndMoreFromMetadataStr(std::string_view packet, boo
     return true;
 }
 
-void LinkMetadata::setEffectiveResolutionFromActual(const QString& actual)
+void LinkMetadata::setEffectiveResolutionFromActual(double actual)
 {
     // A scale of 0 (a graphic without a transform) cannot divide: the actual figure is scaled by
     // 100 instead, as the EPS reading has always done.
     const double horScale = leadingDouble(m_record.value(kLinkHorScaleKey).toString());
     const double factor = horScale > 0.0 ? 100.0 / horScale : 100.0;
-    const QString effective = app::formatNoDecimal(leadingDouble(actual) * factor);
+    const QString effective = app::formatNoDecimal(actual * factor);
     app::logLine(QStringLiteral("effRes eps: %1").arg(effective));
     m_record.insert(kLinkEffectiveResKey, effective);
 }
@@ -300,9 +300,9 @@ void LinkMetadata::propertiesOfRasterEPS(bool hasImageData, QString read1500)
         const auto pixels = numberAfterLast(read1500, QLatin1String("%ImageData: "), 0);
         const auto points = numberAfterLast(read1500, QLatin1String("%%HiResBoundingBox: "), 2);
         if (pixels && points && *points > 0.0) {
-            const QString actual = app::formatNoDecimal(*pixels / (*points / 72.0));
+            const double actual = *pixels / (*points / 72.0);
             app::logLine(QStringLiteral("actRes eps: %1").arg(actual));
-            m_record.insert(kLinkActualResKey, actual);
+            m_record.insert(kLinkActualResKey, app::formatNoDecimal(actual));
             setEffectiveResolutionFromActual(actual);
         }
     }

@@ -59,7 +59,7 @@ public:
     bool vectorEPSColorsAndFonts(const QString& read1500);
 
 private:
-    void setEffectiveResolutionFromActual(const QString& actual);
+    void setEffectiveResolutionFromActual(double actual);
     QString nestedLinkPath(const QString& value, bool isURL) const;
 
     QVariantMap& m_record;

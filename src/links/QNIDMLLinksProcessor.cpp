@@ -6,11 +6,11 @@
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "links/AnchoredLinkPageSource.h"
-#include "links/PackageParts.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
 #include "links/LinkedFileReader.h"
+#include "links/PackageParts.h"
 #include "links/TextFields.h"
 #include "links/XmlPath.h"
 

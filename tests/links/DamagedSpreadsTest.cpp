@@ -4,8 +4,8 @@
 #include "links/DefaultApplication.h"
 #include "links/QNIDMLLinksProcessor.h"
 
-#include "support/UnpackForTest.h"
 #include "support/TestSupport.h"
+#include "support/UnpackForTest.h"
 
 #include <QDir>
 #include <QRandomGenerator>

@@ -4,12 +4,12 @@
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "links/DefaultApplication.h"
-#include "links/PackageParts.h"
 #include "links/LinkRecordKeys.h"
+#include "links/PackageParts.h"
 #include "links/QNIDMLLinksProcessor.h"
 
-#include "support/UnpackForTest.h"
 #include "support/TestSupport.h"
+#include "support/UnpackForTest.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
