@@ -31,8 +31,7 @@ LinkRecordBuilder::LinkRecordBuilder(Context context)
 {
     if (!m_context.defaultApps)
         m_context.defaultApps = &DefaultApplications::session();
-    if (!m_context.now.isValid())
-        m_context.now = QDateTime::currentDateTime();
+    m_context.now = (m_context.now.isValid() ? m_context.now : QDateTime::currentDateTime()).toUTC();
 }
 
 LinkRecordBuilder::FileStat LinkRecordBuilder::statPath(const QString& path)

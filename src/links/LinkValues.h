@@ -52,7 +52,7 @@ QString statusFromDates(qint64 linkMSecs, qint64 fileMSecs);
 
 // The link's date: the FILETIME (UTC) of a "file FILETIME SIZE" `LinkImportStamp` when there is
 // one, else `LinkImportModificationTime` ("2010-08-30T11:15:43") in the local time zone; none
-// when neither reads.
+// when neither reads. Given in UTC, which is the same instant and cheap to compare.
 std::optional<QDateTime> linkDateFromAttributes(const QString& importModificationTime, const QString& importStamp);
 
 } // namespace quillon::links

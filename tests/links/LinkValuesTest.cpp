@@ -108,6 +108,12 @@ TEST(LinkValues, TheImportStampIsUtcAndTheModificationTimeIsLocal)
     // A stamp of another scheme or a broken one falls back to the modification time.
     EXPECT_EQ(*linkDateFromAttributes(QStringLiteral("2010-08-30T09:00:00"), QStringLiteral("url 12 3")), *local);
     EXPECT_EQ(*linkDateFromAttributes(QStringLiteral("2010-08-30T09:00:00"), QStringLiteral("file x 3")), *local);
+    EXPECT_EQ(*linkDateFromAttributes(QStringLiteral("2010-08-30 09:00:00"), QString()), *local);
     EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("yesterday"), QString()));
+    EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("2010-02-30T09:00:00"), QString()));
+    EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("2010-08-30T25:00:00"), QString()));
+    EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("2010-08-30T09:00:0x"), QString()));
+    EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("x010-08-30T09:00:00"), QString()));
+    EXPECT_FALSE(linkDateFromAttributes(QStringLiteral("2010-08-30T09:00:00Z"), QString()));
     EXPECT_FALSE(linkDateFromAttributes(QString(), QString()));
 }
