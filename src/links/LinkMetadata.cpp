@@ -3,6 +3,7 @@
 #include "app/Log.h"
 #include "app/Numbers.h"
 #include "app/PathComponents.h"
+#include "fileinspect/QNPreflightMethods.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
@@ -18,6 +19,8 @@
 namespace quillon::links {
 
 namespace {
+
+using fileinspect::QNPreflightMethods;
 
 constexpr auto kParseFlags = pugi::parse_default | pugi::parse_ws_pcdata_single;
 
@@ -42,34 +45,20 @@ QString withoutPieces(QString text, std::initializer_list<const char*> pieces)
     return text;
 }
 
+// The kind's compression name of a TIFF compression code; a code outside the table reads
+// "(null)", kept so because the link rules match the kind text.
 QString tiffCompressionName(const QString& code)
 {
-    if (code == QLatin1String("1"))
-        return QString();
-    if (code == QLatin1String("5"))
-        return QStringLiteral("LZW");
-    if (code == QLatin1String("7"))
-        return QStringLiteral("JPEG");
-    if (code == QLatin1String("8"))
-        return QStringLiteral("ZIP");
-    // Kept as the link rules expect it: a code outside the table reads "TIFF (null)".
-    return QStringLiteral("(null)");
+    bool ok = false;
+    const int number = code.toInt(&ok);
+    const std::optional<QString> name = ok ? QNPreflightMethods::tiffCompressionName(number) : std::nullopt;
+    return name.value_or(QStringLiteral("(null)"));
 }
 
 QString duotoneName(qsizetype inkCount)
 {
-    switch (inkCount) {
-    case 1:
-        return QStringLiteral("Monotone");
-    case 2:
-        return QStringLiteral("Duotone");
-    case 3:
-        return QStringLiteral("Tritone");
-    case 4:
-        return QStringLiteral("Quadtone");
-    default:
-        return QStringLiteral("?");
-    }
+    const QStringList& names = QNPreflightMethods::duotoneTypes();
+    return inkCount >= 1 && inkCount <= names.size() ? names[inkCount - 1] : QStringLiteral("?");
 }
 
 // The `index`-th blank-separated number after the last occurrence of `marker`; none when the

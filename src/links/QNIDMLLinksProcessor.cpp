@@ -68,26 +68,6 @@ LinkSource sourceOfLink(pugi::xml_node link)
     return source;
 }
 
-// Calls `visit` with every element under `root` in document order. Iterative, so a hostile
-// depth of nesting cannot exhaust the stack.
-template <typename Visit> void forEachElement(pugi::xml_node root, Visit&& visit)
-{
-    pugi::xml_node node = root.first_child();
-    while (node) {
-        if (node.type() == pugi::node_element)
-            visit(node);
-        if (node.first_child()) {
-            node = node.first_child();
-            continue;
-        }
-        while (node && node != root && !node.next_sibling())
-            node = node.parent();
-        if (!node || node == root)
-            break;
-        node = node.next_sibling();
-    }
-}
-
 int threadCount(int requested, size_t work)
 {
     int threads = requested > 0 ? requested : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));

@@ -30,6 +30,26 @@ void forEachAtPath(pugi::xml_node node, std::initializer_list<std::string_view> 
     forEachAtPath(node, names.begin(), names.size(), visit);
 }
 
+// Calls `visit` with every element below `root` in document order, without recursion (hostile
+// files may nest deeply).
+template <typename Visit> void forEachElement(const pugi::xml_node root, Visit&& visit)
+{
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        if (node.type() == pugi::node_element)
+            visit(node);
+        if (node.first_child()) {
+            node = node.first_child();
+            continue;
+        }
+        while (node && node != root && !node.next_sibling())
+            node = node.parent();
+        if (!node || node == root)
+            return;
+        node = node.next_sibling();
+    }
+}
+
 // The element's attribute text as UTF-8; empty when absent.
 inline std::string_view attr(pugi::xml_node node, const char* name)
 {
