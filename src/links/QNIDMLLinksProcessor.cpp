@@ -102,7 +102,6 @@ bool QNIDMLLinksProcessor::processLinksInIDMLFolderAtPath(const QString& package
 
 void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
 {
-    m_inddDocPath = origInDesignDocPath;
     m_geometry = PageGeometry();
     m_storyFramePages = StoryFramePages();
     m_dataFileStatus = app::Status();
@@ -132,7 +131,6 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
                                                             const QString& origInDesignDocPath)
 {
     beginRun(origInDesignDocPath);
-    m_packageFolder = packageFolder;
     QVariantMap documentNode{{app::kGroupNameKey, app::lastPathComponent(origInDesignDocPath)},
                              {app::kGroupIsDockKey, true}};
 

@@ -100,8 +100,6 @@ private:
     LinksController m_controller;
     std::unique_ptr<LinkedFileReader> m_ownReader;
     std::unique_ptr<LinkRecordBuilder> m_builder;
-    QString m_inddDocPath;
-    QString m_packageFolder;
     PageGeometry m_geometry;
     StoryFramePages m_storyFramePages;
     QVariantMap m_linkDataTree;

@@ -131,7 +131,11 @@ TEST(LinksProcessor, AnHourIsToleratedInOneDirectionOnly)
         link.linkAttributes = presentFile(picture, offset);
         doc.write({{"Spreads/Spread_u1.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, test::placedLinkXml(link))}});
         EXPECT_EQ(only(doc.run()).value(kLinkStatusKey), status) << offset;
+        const QDateTime recorded(QDate(2024, 3, 1), QTime(10, 0, 0), Qt::UTC);
+        EXPECT_EQ(LinkRecordBuilder::statusOfLinkAtPath(picture, recorded), status) << offset;
     }
+    EXPECT_EQ(LinkRecordBuilder::statusOfLinkAtPath(QStringLiteral("/no/such/file.jpg"), QDateTime::currentDateTime()),
+              kLinkStatusMissing);
 }
 
 TEST(LinksProcessor, EmbeddedLinksAreNeverLookedAtOnDisk)
