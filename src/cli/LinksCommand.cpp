@@ -86,7 +86,7 @@ int runLinks(const LinksOptions& options)
 {
     QStringList linkFolders;
     for (const std::string& folder : options.linkFolders)
-        linkFolders << QString::fromStdString(folder);
+        linkFolders << QString::fromLocal8Bit(folder.c_str());
     int status = kExitOk;
     const PrivateWorkFolder workFolder(QStringLiteral("links"));
     if (!workFolder.isValid())
