@@ -1,19 +1,14 @@
 #include "cli/Commands.h"
 
-#include "app/Alerts.h"
-#include "app/AppPaths.h"
+#include "cli/OfflineDocument.h"
+
 #include "preflight/DocInfo.h"
-#include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
-#include "preflight/OfflineIdmlHost.h"
 #include "preflight/PageSizes.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <iostream>
 #include <memory>
@@ -37,28 +32,12 @@ struct DocumentFacts {
 // files are removed afterwards.
 app::Result<DocumentFacts> readDocument(const QString& path)
 {
-    preflight::OfflineIdmlHost host;
-    if (app::Status opened = host.openDocument(path, true); !opened)
-        return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
-    if (!record)
-        return record.error();
-
-    app::ScriptedAlertSink alerts; // failures are reported from lastError()
-    preflight::QNIDMLCreator creator(host, alerts);
-    const QString docPath = record->value(preflight::kRecordPosixPath);
-    const QString folder = creator.processInDesignFileAtPath(docPath);
-    // The run's work folder is private: its copies of this document can go at once.
-    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, app::workFolder());
-    QFile::remove(idmlPath);
-    QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
-    if (folder.isEmpty())
-        return creator.lastError();
-
-    DocumentFacts facts{*record, QNDocInfo::docInfoWithRecord(*record), creator.lastUnpackWasRepaired()};
-    facts.info.parseDocInfoInIDMLFolderAtPath(folder);
-    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(folder));
-    QDir(folder).removeRecursively();
+    app::Result<UnpackedDocument> unpacked = unpackDocument(path);
+    if (!unpacked)
+        return unpacked.error();
+    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired};
+    facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder);
+    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder));
     return facts;
 }
 
@@ -113,13 +92,9 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
 
 int runInfo(const std::vector<std::string>& documents, const std::string& format)
 {
-    // A private work folder, so parallel runs never share (or remove) each other's files.
-    QTemporaryDir runFolder(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-info-XXXXXX")));
-    if (!runFolder.isValid()) {
-        std::cerr << "quillon info: no temporary folder could be made in " << QDir::tempPath().toStdString() << '\n';
+    const PrivateWorkFolder workFolder(QStringLiteral("info"));
+    if (!workFolder.isValid())
         return kExitFailure;
-    }
-    app::setTemporaryFolderOverride(runFolder.path());
 
     const bool json = format == "json";
     QJsonArray array;
@@ -149,7 +124,6 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     }
     if (json)
         std::cout << QJsonDocument(array).toJson(QJsonDocument::Indented).toStdString();
-    app::setTemporaryFolderOverride(QString());
     return status;
 }
 
