@@ -146,11 +146,10 @@ void PageGeometry::recordSortOrder(const QString& name, double sortOrder)
     m_docPageSortOrdersForPageNames.insert(name, sortOrder);
 }
 
-void PageGeometry::pageSizeFromNode(pugi::xml_node page, const QString& name)
+QStringList pageSizeKeyFromGeometricBounds(std::string_view bounds)
 {
-    const std::string_view bounds = attr(page, "GeometricBounds");
-    if (bounds.empty())
-        return;
+    if (blankField(bounds, 3).empty())
+        return {};
     const std::string_view top = blankField(bounds, 0);
     const std::string_view left = blankField(bounds, 1);
     const double bottom = leadingDouble(blankField(bounds, 2));
@@ -161,7 +160,14 @@ void PageGeometry::pageSizeFromNode(pugi::xml_node page, const QString& name)
         width = right - leadingDouble(left);
         height = bottom - leadingDouble(top);
     }
-    m_docPageSizes[{app::formatFourDecimals(width), app::formatFourDecimals(height)}] << name;
+    return {app::formatFourDecimals(width), app::formatFourDecimals(height)};
+}
+
+void PageGeometry::pageSizeFromNode(pugi::xml_node page, const QString& name)
+{
+    const QStringList key = pageSizeKeyFromGeometricBounds(attr(page, "GeometricBounds"));
+    if (!key.isEmpty())
+        m_docPageSizes[key] << name;
 }
 
 int PageGeometry::pageIndexInDocForPageNode(pugi::xml_node page)

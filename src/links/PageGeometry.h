@@ -32,6 +32,11 @@ struct PageHit {
 // same table.
 using PageSizes = QMap<QStringList, QStringList>;
 
+// The size key of a page from its GeometricBounds ("top left bottom right"): with a top-left
+// corner written "0 0" the bottom and right are the height and width as they stand, otherwise
+// the differences; each formatted "###0.####". Empty when the bounds do not hold four numbers.
+QStringList pageSizeKeyFromGeometricBounds(std::string_view bounds);
+
 // The pages of the spread being read, and the document-wide tables of page sizes and page sort
 // orders that ordinary spreads fill as they are read.
 //
