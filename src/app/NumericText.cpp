@@ -45,9 +45,11 @@ int intValueOfText(QStringView text)
     return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
 }
 
-float floatValueOfText(QStringView text)
+namespace {
+
+// The longest prefix shaped like a decimal number, ready for from_chars; empty when none.
+std::string leadingNumber(QStringView text)
 {
-    // Collect the longest prefix shaped like a decimal number; from_chars then reads it.
     qsizetype i = skipSpaces(text);
     std::string number;
     if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) {
@@ -64,7 +66,8 @@ float floatValueOfText(QStringView text)
             number += static_cast<char>(text[i].unicode());
     }
     if (!digits)
-        return 0.0f;
+        return {};
+    // An exponent counts only when digits follow it ("2e" is 2).
     if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
         qsizetype j = i + 1;
         std::string exponent = "e";
@@ -76,18 +79,38 @@ float floatValueOfText(QStringView text)
         if (expDigits)
             number += exponent;
     }
-    float value = 0.0f;
+    return number;
+}
+
+// from_chars, not strtod: the process locale may use a decimal comma.
+template <typename Real>
+Real parseLeadingNumber(QStringView text)
+{
+    const std::string number = leadingNumber(text);
+    if (number.empty())
+        return Real(0);
+    Real value = 0;
     const auto [ptr, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
     (void)ptr;
     if (ec == std::errc::result_out_of_range) {
-        // Too large reads as infinity, too small as zero, keeping the sign.
         const bool negative = number.front() == '-';
-        const bool tiny = number.find("e-") != std::string::npos;
-        if (tiny)
-            return negative ? -0.0f : 0.0f;
-        return negative ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity();
+        if (number.find("e-") != std::string::npos)
+            return negative ? -Real(0) : Real(0);
+        return negative ? -std::numeric_limits<Real>::infinity() : std::numeric_limits<Real>::infinity();
     }
-    return ec == std::errc() ? value : 0.0f;
+    return ec == std::errc() ? value : Real(0);
+}
+
+} // namespace
+
+double doubleValueOfText(QStringView text)
+{
+    return parseLeadingNumber<double>(text);
+}
+
+float floatValueOfText(QStringView text)
+{
+    return parseLeadingNumber<float>(text);
 }
 
 int intValueOf(const QVariant& value)

@@ -13,7 +13,11 @@ namespace quillon::app {
 // The leading integer, saturated at the int range.
 int intValueOfText(QStringView text);
 
-// The leading decimal number in single precision ("1.5", "-2e3", ".5"); 0 when there is none.
+// The leading decimal number ("12.5mm" is 12.5, " -3e2" is -300, ".5" is 0.5, "2e" is 2); 0 when
+// there is none. Too large reads as infinity, too small as zero, keeping the sign.
+double doubleValueOfText(QStringView text);
+
+// The same in single precision, as typed fields are read.
 float floatValueOfText(QStringView text);
 
 // An integer from a record value: text as intValueOfText, a boolean as 0 or 1, a real number

@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <limits>
+#include <vector>
 
 namespace quillon::app {
 
@@ -65,7 +67,8 @@ private:
         qsizetype i = m_bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
         if (m_bytes.startsWith("\xFF\xFE") || m_bytes.startsWith("\xFE\xFF"))
             return {}; // UTF-16, checked by the parser after decoding
-        while (i < m_bytes.size() && (m_bytes[i] == ' ' || m_bytes[i] == '\t' || m_bytes[i] == '\r' || m_bytes[i] == '\n'))
+        while (i < m_bytes.size() &&
+               (m_bytes[i] == ' ' || m_bytes[i] == '\t' || m_bytes[i] == '\r' || m_bytes[i] == '\n'))
             ++i;
         if (i >= m_bytes.size())
             return errorAt(i, QStringLiteral("the file holds no property list"));
@@ -107,7 +110,9 @@ private:
             if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
                 text += child.value();
             else if (child.type() == pugi::node_element)
-                return errorAt(child, QStringLiteral("<%1> inside <%2>").arg(QLatin1String(child.name()), QLatin1String(node.name())));
+                return errorAt(
+                    child,
+                    QStringLiteral("<%1> inside <%2>").arg(QLatin1String(child.name()), QLatin1String(node.name())));
         }
         return QString::fromUtf8(text);
     }
@@ -157,7 +162,9 @@ private:
             }
             if (!pendingKey) {
                 if (std::string_view(child.name()) != "key")
-                    return errorAt(child, QStringLiteral("<%1> in <dict> where a <key> was expected").arg(QLatin1String(child.name())));
+                    return errorAt(
+                        child,
+                        QStringLiteral("<%1> in <dict> where a <key> was expected").arg(QLatin1String(child.name())));
                 Result<QString> text = leafText(child);
                 if (!text)
                     return text.error();
@@ -269,55 +276,95 @@ private:
     QString m_source;
 };
 
+// Writes the XML form in one pass into one buffer. Data files hold tens of thousands of records,
+// so nothing is allocated per value on the way: strings are escaped straight into the output and
+// the key path of a value is only spelled out when it has to be named in an error.
 class XmlWriter {
 public:
     Result<QByteArray> write(const QVariant& root)
     {
         m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
                 "<plist version=\"1.0\">\n";
-        if (Status ok = value(root, 0, QStringLiteral("(top)")); !ok)
+        if (Status ok = value(root, 0); !ok)
             return ok.error();
         m_out += "</plist>\n";
         return m_out;
     }
 
 private:
-    static QByteArray escaped(const QString& text)
+    // One step of the path to the value being written: a dictionary key or an array index.
+    struct Step {
+        const QString* key = nullptr;
+        qsizetype index = 0;
+    };
+
+    QString path() const
     {
-        QByteArray out;
+        QString text = QStringLiteral("(top)");
+        for (const Step& step : m_path)
+            text += step.key ? u'.' + *step.key : QStringLiteral("[%1]").arg(step.index);
+        return text;
+    }
+
+    void appendEscaped(const QString& text)
+    {
         const QByteArray utf8 = text.toUtf8();
-        out.reserve(utf8.size());
+        const auto needsWork = [](char c) {
+            const auto u = static_cast<unsigned char>(c);
+            return c == '&' || c == '<' || c == '>' || c == '\r' || (u < 0x20 && c != '\t' && c != '\n');
+        };
+        if (std::none_of(utf8.cbegin(), utf8.cend(), needsWork)) {
+            m_out += utf8;
+            return;
+        }
         for (const char c : utf8) {
             const auto u = static_cast<unsigned char>(c);
             if (c == '&')
-                out += "&amp;";
+                m_out += "&amp;";
             else if (c == '<')
-                out += "&lt;";
+                m_out += "&lt;";
             else if (c == '>')
-                out += "&gt;";
+                m_out += "&gt;";
             else if (u < 0x20 && c != '\t' && c != '\n' && c != '\r')
                 continue; // not allowed in XML 1.0
             else if (c == '\r')
-                out += "&#13;"; // a bare CR would be read back as a line feed
+                m_out += "&#13;"; // a bare CR would be read back as a line feed
             else
-                out += c;
+                m_out += c;
         }
-        return out;
     }
 
-    void indent(int depth) { m_out.append(QByteArray(depth, '\t')); }
+    void indent(int depth) { m_out.append(depth, '\t'); }
 
-    void leaf(int depth, const char* tag, const QByteArray& text)
+    void open(int depth, const char* tag)
     {
         indent(depth);
         m_out += '<';
         m_out += tag;
         m_out += '>';
-        m_out += text;
+    }
+
+    void close(const char* tag)
+    {
         m_out += "</";
         m_out += tag;
         m_out += ">\n";
+    }
+
+    void leaf(int depth, const char* tag, QByteArrayView text)
+    {
+        open(depth, tag);
+        m_out += text;
+        close(tag);
+    }
+
+    void stringLeaf(int depth, const char* tag, const QString& text)
+    {
+        open(depth, tag);
+        appendEscaped(text);
+        close(tag);
     }
 
     static QByteArray realText(double v)
@@ -335,27 +382,41 @@ private:
         return text;
     }
 
-    Status value(const QVariant& v, int depth, const QString& path)
+    // "yyyy-MM-ddTHH:mm:ssZ" of the UTC time.
+    static QByteArray dateText(const QDateTime& dt)
+    {
+        const QDateTime utc = dt.toUTC();
+        const QDate date = utc.date();
+        const QTime time = utc.time();
+        char buffer[32];
+        const int length = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02dT%02d:%02d:%02dZ", date.year(),
+                                         date.month(), date.day(), time.hour(), time.minute(), time.second());
+        return QByteArray(buffer, length);
+    }
+
+    Status value(const QVariant& v, int depth)
     {
         if (depth > kMaxDepth)
-            return makeError(QStringLiteral("values nested more than %1 deep at %2").arg(kMaxDepth).arg(path));
+            return makeError(QStringLiteral("values nested more than %1 deep at %2").arg(kMaxDepth).arg(path()));
         switch (v.typeId()) {
         case QMetaType::QVariantMap:
-            return dict(v.toMap(), depth, path);
+            return dict(v.toMap(), depth);
         case QMetaType::QVariantHash: {
             QVariantMap map;
             const QVariantHash hash = v.toHash();
             for (auto it = hash.cbegin(); it != hash.cend(); ++it)
                 map.insert(it.key(), it.value());
-            return dict(map, depth, path);
+            return dict(map, depth);
         }
         case QMetaType::QVariantList:
         case QMetaType::QStringList:
-            return array(v.toList(), depth, path);
+            return array(v.toList(), depth);
         case QMetaType::QString:
+            stringLeaf(depth, "string", *static_cast<const QString*>(v.constData()));
+            return {};
         case QMetaType::QChar:
         case QMetaType::QUrl:
-            leaf(depth, "string", escaped(v.toString()));
+            stringLeaf(depth, "string", v.toString());
             return {};
         case QMetaType::Bool:
             indent(depth);
@@ -383,8 +444,8 @@ private:
         case QMetaType::QDate: {
             const QDateTime dt = v.toDateTime();
             if (!dt.isValid())
-                return makeError(QStringLiteral("an invalid date at %1").arg(path));
-            leaf(depth, "date", dt.toUTC().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ssZ")).toLatin1());
+                return makeError(QStringLiteral("an invalid date at %1").arg(path()));
+            leaf(depth, "date", dateText(dt));
             return {};
         }
         case QMetaType::QByteArray:
@@ -394,9 +455,9 @@ private:
             break;
         }
         if (!v.isValid() || v.isNull())
-            return makeError(QStringLiteral("a property list cannot hold an empty value (at %1)").arg(path));
+            return makeError(QStringLiteral("a property list cannot hold an empty value (at %1)").arg(path()));
         return makeError(QStringLiteral("a property list cannot hold a value of type %1 (at %2)")
-                             .arg(QLatin1String(v.typeName()), path));
+                             .arg(QLatin1String(v.typeName()), path()));
     }
 
     void data(const QByteArray& bytes, int depth)
@@ -406,14 +467,14 @@ private:
         const QByteArray encoded = bytes.toBase64();
         for (qsizetype i = 0; i < encoded.size(); i += 68) {
             indent(depth);
-            m_out += encoded.mid(i, 68);
+            m_out.append(encoded.constData() + i, std::min<qsizetype>(68, encoded.size() - i));
             m_out += '\n';
         }
         indent(depth);
         m_out += "</data>\n";
     }
 
-    Status dict(const QVariantMap& map, int depth, const QString& path)
+    Status dict(const QVariantMap& map, int depth)
     {
         indent(depth);
         if (map.isEmpty()) {
@@ -422,8 +483,11 @@ private:
         }
         m_out += "<dict>\n";
         for (auto it = map.cbegin(); it != map.cend(); ++it) {
-            leaf(depth + 1, "key", escaped(it.key()));
-            if (Status ok = value(it.value(), depth + 1, path + u'.' + it.key()); !ok)
+            stringLeaf(depth + 1, "key", it.key());
+            m_path.push_back({&it.key(), 0});
+            const Status ok = value(it.value(), depth + 1);
+            m_path.pop_back();
+            if (!ok)
                 return ok;
         }
         indent(depth);
@@ -431,7 +495,7 @@ private:
         return {};
     }
 
-    Status array(const QVariantList& list, int depth, const QString& path)
+    Status array(const QVariantList& list, int depth)
     {
         indent(depth);
         if (list.isEmpty()) {
@@ -439,15 +503,20 @@ private:
             return {};
         }
         m_out += "<array>\n";
-        for (qsizetype i = 0; i < list.size(); ++i)
-            if (Status ok = value(list[i], depth + 1, QStringLiteral("%1[%2]").arg(path).arg(i)); !ok)
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            m_path.push_back({nullptr, i});
+            const Status ok = value(list[i], depth + 1);
+            m_path.pop_back();
+            if (!ok)
                 return ok;
+        }
         indent(depth);
         m_out += "</array>\n";
         return {};
     }
 
     QByteArray m_out;
+    std::vector<Step> m_path;
 };
 
 } // namespace

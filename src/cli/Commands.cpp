@@ -1,12 +1,14 @@
 #include "cli/Commands.h"
 
 #include "cli/InspectCommands.h"
+#include "cli/LinksCommand.h"
 #include "cli/PresetsCommand.h"
 
 namespace quillon::cli {
 
 void addCommands(CLI::App& program, std::vector<Command>& commands)
 {
+    addLinksCommand(program, commands);
     addPresetsCommand(program, commands);
     addInfoCommand(program, commands);
     addPreflightCommand(program, commands);

@@ -1,18 +1,14 @@
 #include "cli/Commands.h"
 
-#include "app/Alerts.h"
+#include "cli/OfflineDocument.h"
+
 #include "preflight/DocInfo.h"
-#include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
-#include "preflight/OfflineIdmlHost.h"
 #include "preflight/PageSizes.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <iostream>
 #include <memory>
@@ -34,32 +30,14 @@ struct DocumentFacts {
 // Reads one document the way a preflight does: the record from the host, the IDML exported
 // (copied) into the work folder and unpacked there, then the document information. The work
 // files are removed afterwards.
-app::Result<DocumentFacts> readDocument(const QString& path, const QString& workFolder)
+app::Result<DocumentFacts> readDocument(const QString& path)
 {
-    preflight::OfflineIdmlHost host;
-    host.setWorkFolder(workFolder);
-    if (app::Status opened = host.openDocument(path, true); !opened)
-        return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
-    if (!record)
-        return record.error();
-
-    app::ScriptedAlertSink alerts; // failures are reported from lastError()
-    preflight::QNIDMLCreator creator(host, alerts);
-    creator.setWorkFolder(workFolder);
-    const QString docPath = record->value(preflight::kRecordPosixPath);
-    const QString folder = creator.processInDesignFileAtPath(docPath);
-    // The run's work folder is private: its copies of this document can go at once.
-    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, workFolder);
-    QFile::remove(idmlPath);
-    QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
-    if (folder.isEmpty())
-        return creator.lastError();
-
-    DocumentFacts facts{*record, QNDocInfo::docInfoWithRecord(*record), creator.lastUnpackWasRepaired()};
-    facts.info.parseDocInfoInIDMLFolderAtPath(folder);
-    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(folder));
-    QDir(folder).removeRecursively();
+    app::Result<UnpackedDocument> unpacked = unpackDocument(path);
+    if (!unpacked)
+        return unpacked.error();
+    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired};
+    facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder);
+    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder));
     return facts;
 }
 
@@ -114,12 +92,9 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
 
 int runInfo(const std::vector<std::string>& documents, const std::string& format)
 {
-    // A private work folder, so parallel runs never share (or remove) each other's files.
-    QTemporaryDir runFolder(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-info-XXXXXX")));
-    if (!runFolder.isValid()) {
-        std::cerr << "quillon info: no temporary folder could be made in " << QDir::tempPath().toStdString() << '\n';
+    const PrivateWorkFolder workFolder(QStringLiteral("info"));
+    if (!workFolder.isValid())
         return kExitFailure;
-    }
 
     const bool json = format == "json";
     QJsonArray array;
@@ -127,7 +102,7 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     bool first = true;
     for (const std::string& document : documents) {
         const QString path = QString::fromLocal8Bit(document.c_str());
-        app::Result<DocumentFacts> facts = readDocument(path, runFolder.path());
+        app::Result<DocumentFacts> facts = readDocument(path);
         if (!facts) {
             std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
             status = kExitFailure;

@@ -1,7 +1,7 @@
 #include "fileinspect/FileFacts.h"
 
 #include "app/Numbers.h"
-#include "app/TextValues.h"
+#include "app/NumericText.h"
 #include "fileinspect/ByteSource.h"
 #include "fileinspect/IccProfile.h"
 #include "fileinspect/ImageSource.h"
@@ -125,10 +125,10 @@ void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader
         head = reader.getRead1500ForPhotoshopEPSWithTIFFPreview(file);
     const QStringList numbers = numbersAfterLast(head, QStringLiteral("%ImageData: "));
     if (!numbers.isEmpty()) {
-        facts.pixelWidth = app::intValue(numbers.value(0));
-        facts.pixelHeight = app::intValue(numbers.value(1));
-        const int bits = app::intValue(numbers.value(2));
-        switch (app::intValue(numbers.value(3))) {
+        facts.pixelWidth = app::intValueOfText(numbers.value(0));
+        facts.pixelHeight = app::intValueOfText(numbers.value(1));
+        const int bits = app::intValueOfText(numbers.value(2));
+        switch (app::intValueOfText(numbers.value(3))) {
         case 1:
             facts.colorMode = bits == 1 ? QStringLiteral("Black and White") : QStringLiteral("Grayscale");
             break;
@@ -145,7 +145,7 @@ void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader
             break;
         }
     }
-    const double points = app::doubleValue(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
+    const double points = app::doubleValueOfText(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
     if (facts.pixelWidth > 0 && points > 0)
         facts.resolution = app::formatNoDecimal(facts.pixelWidth / (points / 72.0));
     if (head.contains(QLatin1String("CustomColors: ("))) {

@@ -5,7 +5,7 @@
 #include "app/Company.h"
 #include "app/Log.h"
 #include "app/Numbers.h"
-#include "app/TextValues.h"
+#include "app/NumericText.h"
 #include "fileinspect/ReaderLimits.h"
 
 #include <QStringDecoder>
@@ -302,8 +302,8 @@ QStringList QNPreflightMethods::duotoneRes(const QString& points, const QString&
     logLine(QStringLiteral("> duotoneRes:"));
     QString scale = horScale;
     scale.replace(u',', u'.');
-    const double actual = app::doubleValue(pixels) / (app::doubleValue(points) / 72.0);
-    const double effective = actual * (100.0 / app::doubleValue(scale));
+    const double actual = app::doubleValueOfText(pixels) / (app::doubleValueOfText(points) / 72.0);
+    const double effective = actual * (100.0 / app::doubleValueOfText(scale));
     const QStringList result{QString::number(truncatedInt(actual)), QString::number(truncatedInt(effective))};
     logLine(QStringLiteral("arr: %1").arg(result.join(QStringLiteral(", "))));
     return result;

@@ -4,7 +4,7 @@
 #include "fileinspect/QNPreflightMethods.h"
 
 #include "app/Log.h"
-#include "app/TextValues.h"
+#include "app/NumericText.h"
 #include "fileinspect/ReaderLimits.h"
 
 #include <cstring>
@@ -84,7 +84,7 @@ unsigned long QNPreflightMethods::illustratorVersion(const QString& head)
     const qsizetype creator = head.indexOf(QLatin1String("%%Creator: Adobe Illustrator(R)"));
     if (creator < 0)
         return 0;
-    return static_cast<unsigned long>(std::max(0, app::intValue(QStringView(head).mid(creator + 32, 2))));
+    return static_cast<unsigned long>(std::max(0, app::intValueOfText(QStringView(head).mid(creator + 32, 2))));
 }
 
 QString QNPreflightMethods::checkForCS3AndThumbInAIEPS(const ByteSource& file, const QString& head)
@@ -100,7 +100,7 @@ QString QNPreflightMethods::checkForCS3AndThumbInAIEPS(const ByteSource& file, c
     const qsizetype hexBytes = begin < 0 ? -1 : head.indexOf(QLatin1String(" Hex Bytes"), begin + 13);
     if (hexBytes < 0)
         return head;
-    const qint64 thumbnailLength = app::intValue(QStringView(head).mid(begin + 13, hexBytes - begin - 13));
+    const qint64 thumbnailLength = app::intValueOfText(QStringView(head).mid(begin + 13, hexBytes - begin - 13));
     const qint64 after = hexBytes + 10 + thumbnailLength;
     if (after < 0)
         return head;

@@ -1,14 +1,34 @@
 #include "preflight/LinkAnalysis.h"
 
-#include "preflight/PageSizes.h"
+#include "links/QNIDMLLinksProcessor.h"
+
+#include <cstdint>
 
 namespace quillon::preflight {
 
 LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
 {
-    QNDocInfo sizes;
-    sizes.setDocPageSizesDict(pageSizesInIdmlFolder(request.idmlFolder));
-    return {false, sizes.docPageSizes(), {}};
+    links::LinksController controller;
+    controller.progress = request.progress;
+    controller.cancel = request.cancel;
+    controller.alerts = request.alerts;
+    controller.isBatchPreflight = request.isBatchPreflight;
+    controller.numberOfLinksInDoc = request.numberOfLinksInDoc;
+    controller.dataFileFolder = request.dataFolder;
+    controller.linkFolders = request.linkFolders;
+    links::QNIDMLLinksProcessor processor(controller);
+    const QVariantList records = processor.processLinksInIDMLFolder(request.idmlFolder, request.documentPath);
+
+    LinkAnalysisOutcome outcome;
+    // The count has always been read through a one-byte truth value: 256 links read as none.
+    outcome.foundLinks = static_cast<std::uint8_t>(records.size()) != 0;
+    const links::PageGeometry& geometry = processor.pageGeometry();
+    for (const QStringList& size : geometry.docPageSizeOrder())
+        outcome.pageSizes.append({size.value(0), size.value(1), geometry.docPageSizes().value(size)});
+    if (!processor.dataFileStatus())
+        outcome.dataFileError =
+            QStringLiteral("The link data could not be written: %1").arg(processor.dataFileStatus().error().text());
+    return outcome;
 }
 
 } // namespace quillon::preflight

@@ -1,7 +1,7 @@
 #include "reports/PreflightResults.h"
 
 #include "app/Log.h"
-#include "app/Numbers.h"
+#include "links/LinkValues.h"
 #include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
@@ -69,10 +69,8 @@ void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
     const results::SummaryDocumentInfo document{
         docInfo.docName(),         docInfo.docPath(),          docInfo.creationDateStr(), docInfo.modDateStr(),
         docInfo.InDesignVersion(), docInfo.numberOfPagesStr(), docInfo.bleedStr(),        docInfo.slugStr()};
-    m_status =
-        m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(), [](std::uint64_t bytes) {
-            return app::fileSizeStrFromBytes(bytes); /* INTERIM until links lands */
-        });
+    m_status = m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(),
+                                     links::fileSizeFormat);
     docInfo.setHasPreflightErrors(m_status.hasPreflightErrors);
 }
 

@@ -3,6 +3,7 @@
 #include "IdmlFixtures.h"
 
 #include "preflight/DocInfo.h"
+#include "links/PageGeometry.h"
 #include "preflight/PageSizes.h"
 
 #include "support/TestSupport.h"
@@ -121,14 +122,14 @@ TEST(DocInfo, NumbersAndFlagsAreReadLikeTheirAttributes)
 
 TEST(DocInfo, PageSizeKeysFromBounds)
 {
-    EXPECT_EQ(pageSizeKeyFromGeometricBounds(QStringLiteral("0 0 792 612")),
+    EXPECT_EQ(links::pageSizeKeyFromGeometricBounds("0 0 792 612"),
               (QStringList{QStringLiteral("612"), QStringLiteral("792")}));
-    EXPECT_EQ(pageSizeKeyFromGeometricBounds(QStringLiteral("10 20 802 632")),
+    EXPECT_EQ(links::pageSizeKeyFromGeometricBounds("10 20 802 632"),
               (QStringList{QStringLiteral("612"), QStringLiteral("792")}));
-    EXPECT_EQ(pageSizeKeyFromGeometricBounds(QStringLiteral("0 0 841.889763778 595.275590551")),
+    EXPECT_EQ(links::pageSizeKeyFromGeometricBounds("0 0 841.889763778 595.275590551"),
               (QStringList{QStringLiteral("595.2756"), QStringLiteral("841.8898")}));
-    EXPECT_TRUE(pageSizeKeyFromGeometricBounds(QString()).isEmpty());
-    EXPECT_TRUE(pageSizeKeyFromGeometricBounds(QStringLiteral("0 0 792")).isEmpty());
+    EXPECT_TRUE(links::pageSizeKeyFromGeometricBounds("").isEmpty());
+    EXPECT_TRUE(links::pageSizeKeyFromGeometricBounds("0 0 792").isEmpty());
 }
 
 TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)

@@ -1,0 +1,145 @@
+#include "cli/LinksCommand.h"
+
+#include "cli/OfflineDocument.h"
+
+#include "links/LinkRecordKeys.h"
+#include "links/QNIDMLLinksProcessor.h"
+#include "preflight/InDesignHost.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <iostream>
+#include <memory>
+
+namespace quillon::cli {
+
+namespace {
+
+struct LinksOptions {
+    std::vector<std::string> documents;
+    std::vector<std::string> linkFolders;
+    std::string format = "table";
+};
+
+QJsonValue jsonValue(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QDateTime:
+        return value.toDateTime().toUTC().toString(Qt::ISODate);
+    case QMetaType::QVariantMap: {
+        QJsonObject object;
+        const QVariantMap map = value.toMap();
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            object.insert(it.key(), jsonValue(it.value()));
+        return object;
+    }
+    case QMetaType::QVariantList: {
+        QJsonArray array;
+        for (const QVariant& item : value.toList())
+            array.append(jsonValue(item));
+        return array;
+    }
+    default:
+        return QJsonValue::fromVariant(value);
+    }
+}
+
+// Pads or cuts a text to a column width (by characters, which is what a terminal shows for the
+// names a document holds).
+QString cell(const QString& text, int width)
+{
+    return text.size() > width ? text.left(width - 1) + u'…' : text.leftJustified(width);
+}
+
+void printTable(const QString& docPath, const QVariantList& records)
+{
+    using namespace links;
+    std::cout << docPath.toStdString() << "  (" << records.size() << (records.size() == 1 ? " link)" : " links)")
+              << "\n";
+    struct Column {
+        const QString* key;
+        const char* title;
+        int width;
+    };
+    static const Column columns[] = {
+        {&kLinkPageKey, "Page", 8},        {&kLinkNameKey, "Name", 32},     {&kLinkKindKey, "Kind", 12},
+        {&kLinkStatusKey, "Status", 9},    {&kLinkColorKey, "Colour", 11},  {&kLinkActualResKey, "ppi", 5},
+        {&kLinkEffectiveResKey, "eff", 5}, {&kLinkScaleKey, "Scale %", 10}, {&kLinkSizeKey, "Size", 9},
+        {&kLinkProfileKey, "Profile", 26},
+    };
+    QString line;
+    for (const Column& column : columns)
+        line += cell(QLatin1String(column.title), column.width) + u' ';
+    std::cout << "  " << line.trimmed().toStdString() << "\n";
+    for (const QVariant& item : records) {
+        const QVariantMap record = item.toMap();
+        line.clear();
+        for (const Column& column : columns)
+            line += cell(record.value(*column.key).toString(), column.width) + u' ';
+        std::cout << "  " << line.trimmed().toStdString() << "\n";
+    }
+}
+
+int runLinks(const LinksOptions& options)
+{
+    QStringList linkFolders;
+    for (const std::string& folder : options.linkFolders)
+        linkFolders << QString::fromLocal8Bit(folder.c_str());
+    int status = kExitOk;
+    const PrivateWorkFolder workFolder(QStringLiteral("links"));
+    if (!workFolder.isValid())
+        return kExitFailure;
+    QJsonArray documents;
+    for (const std::string& document : options.documents) {
+        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()));
+        if (!unpacked) {
+            std::cerr << "quillon links: " << unpacked.error().text().toStdString() << "\n";
+            status = kExitFailure;
+            continue;
+        }
+        const QString docPath = unpacked->record.value(preflight::kRecordPosixPath);
+        links::LinksController controller;
+        controller.linkFolders = linkFolders;
+        controller.numberOfLinksInDoc = unpacked->record.value(preflight::kRecordLinkCount).toInt();
+        links::QNIDMLLinksProcessor processor(controller);
+        const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
+        for (const QVariant& record : records) {
+            const QString linkStatus = record.toMap().value(links::kLinkStatusKey).toString();
+            if (status == kExitOk &&
+                (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
+                status = kExitAlerts;
+        }
+        if (options.format == "json")
+            documents.append(
+                QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
+        else
+            printTable(docPath, records);
+    }
+    if (options.format == "json")
+        std::cout << QJsonDocument(documents).toJson(QJsonDocument::Indented).toStdString();
+    return status;
+}
+
+} // namespace
+
+void addLinksCommand(CLI::App& program, std::vector<Command>& commands)
+{
+    auto options = std::make_shared<LinksOptions>();
+    CLI::App* links = program.add_subcommand(
+        "links", "List the placed files of IDML documents: page, kind, status, colour, resolution, scale, profile.");
+    links->add_option("documents", options->documents, "IDML files")->required()->check(CLI::ExistingFile);
+    links
+        ->add_option("--links-dir", options->linkFolders,
+                     "Folder searched by file name for links that are not where the document recorded them "
+                     "(after the document's folder and its Links folder); may be repeated")
+        ->check(CLI::ExistingDirectory);
+    links->add_option("--format", options->format, "Output: table (default) or json")
+        ->check(CLI::IsMember({"table", "json"}));
+    links->footer("Exit status: 0 all links found and current, 1 some link missing or modified, "
+                  "2 a document could not be read.");
+    commands.push_back({links, [options] { return runLinks(*options); }});
+}
+
+} // namespace quillon::cli

@@ -1,0 +1,72 @@
+#include "cli/OfflineDocument.h"
+
+#include "app/Alerts.h"
+#include "app/AppPaths.h"
+#include "preflight/IdmlCreator.h"
+#include "preflight/InDesignHost.h"
+#include "preflight/OfflineIdmlHost.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <iostream>
+
+namespace quillon::cli {
+
+UnpackedDocument::UnpackedDocument(UnpackedDocument&& other) noexcept
+    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired)
+{
+}
+
+UnpackedDocument::~UnpackedDocument()
+{
+    if (!folder.isEmpty())
+        QDir(folder).removeRecursively();
+}
+
+app::Result<UnpackedDocument> unpackDocument(const QString& path)
+{
+    preflight::OfflineIdmlHost host;
+    if (app::Status opened = host.openDocument(path, true); !opened)
+        return opened.error();
+    app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
+    if (!record)
+        return record.error();
+
+    app::ScriptedAlertSink alerts; // failures are reported from lastError()
+    preflight::QNIDMLCreator creator(host, alerts);
+    const QString docPath = record->value(preflight::kRecordPosixPath);
+    UnpackedDocument document;
+    document.folder = creator.processInDesignFileAtPath(docPath);
+    // The run's work folder is private: its copies of this document can go at once.
+    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, app::workFolder());
+    QFile::remove(idmlPath);
+    QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
+    if (document.folder.isEmpty())
+        return creator.lastError();
+    document.record = *record;
+    document.repaired = creator.lastUnpackWasRepaired();
+    return document;
+}
+
+PrivateWorkFolder::PrivateWorkFolder(const QString& command)
+    : m_folder(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-%1-XXXXXX").arg(command)))
+{
+    if (m_folder.isValid())
+        app::setTemporaryFolderOverride(m_folder.path());
+    else
+        std::cerr << "quillon " << command.toStdString() << ": no temporary folder could be made in "
+                  << QDir::tempPath().toStdString() << '\n';
+}
+
+PrivateWorkFolder::~PrivateWorkFolder()
+{
+    app::setTemporaryFolderOverride(QString());
+}
+
+bool PrivateWorkFolder::isValid() const
+{
+    return m_folder.isValid();
+}
+
+} // namespace quillon::cli

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/Result.h"
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace quillon::cli {
+
+// A document read the way a preflight reads it, without InDesign: its six-string record from the
+// offline host, and its IDML copied into the work folder and unpacked there.
+struct UnpackedDocument {
+    QStringList record;
+    QString folder;        // the unpacked package; removed with the object
+    bool repaired = false; // read from a repaired copy of a damaged archive
+
+    UnpackedDocument() = default;
+    UnpackedDocument(UnpackedDocument&& other) noexcept;
+    UnpackedDocument& operator=(UnpackedDocument&&) = delete;
+    ~UnpackedDocument();
+};
+
+// Errors name the document and the problem (missing, not an IDML package, damaged beyond repair).
+app::Result<UnpackedDocument> unpackDocument(const QString& path);
+
+// A private work folder for one run of a command, so that parallel runs never share (or remove)
+// each other's files; the system's is restored when the object goes.
+class PrivateWorkFolder {
+public:
+    explicit PrivateWorkFolder(const QString& command);
+    ~PrivateWorkFolder();
+    PrivateWorkFolder(const PrivateWorkFolder&) = delete;
+    PrivateWorkFolder& operator=(const PrivateWorkFolder&) = delete;
+
+    // False, after printing why, when no folder could be made.
+    bool isValid() const;
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace quillon::cli
