@@ -107,7 +107,8 @@ def write_links():
     files = {
         "photo-cmyk.psd": psd_cmyk(96, 64),
         "poster-rgb.png": png(120, 80, 72),
-        "logo-spot.eps": EPS.encode("ascii"),
+        # CR LF line ends, as Illustrator writes its EPS comments (readers rely on them).
+        "logo-spot.eps": EPS.replace("\n", "\r\n").encode("ascii"),
         "scan-gray.tif": tiff_gray(64, 48, 300),
     }
     stamp = LINK_TIME.timestamp()

@@ -1,5 +1,6 @@
 #include "CliRunner.h"
 
+#include "app/BuildInfo.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -51,7 +52,7 @@ protected:
     QStringList environment() const
     {
         return {QStringLiteral("XDG_CONFIG_HOME=") + m_config.path(), QStringLiteral("TMPDIR=") + m_tmp.path(),
-                QStringLiteral("LC_ALL=C")};
+                QStringLiteral("LC_ALL=C"), QStringLiteral("TZ=UTC")};
     }
 
     CliRun preflight(QStringList arguments, int timeoutMs = 120000) const
@@ -199,7 +200,7 @@ TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)
     const QString manual = samplePath(QStringLiteral("idml/manual_template_test2.idml"));
     QStringList arguments{QStringLiteral("preflight"), QStringLiteral("--jobs"), QStringLiteral("1"),
                           QStringLiteral("--format"), QStringLiteral("json")};
-    for (int i = 0; i < 40; ++i)
+    for (int i = 0; i < 60; ++i)
         arguments << manual;
     QProcess process;
     process.setWorkingDirectory(repoPath(QString()));
@@ -209,26 +210,196 @@ TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)
     process.setProcessEnvironment(env);
     process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
     ASSERT_TRUE(process.waitForStarted());
-    QThread::msleep(1500);
+    // Interrupt as soon as the run has made its temporary folder: the documents are under way.
+    QElapsedTimer waited;
+    waited.start();
+    while (QDir(m_tmp.path()).isEmpty() && waited.elapsed() < 30000)
+        QThread::msleep(2);
+    QThread::msleep(100);
     ::kill(static_cast<pid_t>(process.processId()), SIGINT);
     ASSERT_TRUE(process.waitForFinished(60000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 130) << process.readAllStandardError().toStdString();
     const QJsonArray documents =
         QJsonDocument::fromJson(process.readAllStandardOutput()).object().value(QStringLiteral("documents")).toArray();
-    EXPECT_EQ(documents.size(), 40);
+    EXPECT_EQ(documents.size(), 60);
     EXPECT_EQ(documents.last().toObject().value(QStringLiteral("error")).toString(),
               QStringLiteral("the preflight was cancelled"));
 }
 
 TEST_F(PreflightCommand, TheBundledSampleRaisesTheProblemsItWasMadeFor)
 {
-    const CliRun run = preflight({repoPath(QStringLiteral("resources/sample/sample-brochure.idml")),
-                                  QStringLiteral("--preset-file"), samplePreset()});
+    // A copy whose linked files carry the time the document recorded, as the demo restores it.
+    const QString sample = m_out.filePath(QStringLiteral("sample"));
+    QDir().mkpath(sample + QStringLiteral("/Links"));
+    const QString source = repoPath(QStringLiteral("resources/sample"));
+    ASSERT_TRUE(QFile::copy(source + QStringLiteral("/sample-brochure.idml"),
+                            sample + QStringLiteral("/sample-brochure.idml")));
+    const QDateTime placed(QDate(2026, 1, 15), QTime(10, 0), Qt::UTC);
+    for (const QString& name : QDir(source + QStringLiteral("/Links")).entryList(QDir::Files)) {
+        const QString copy = sample + QStringLiteral("/Links/") + name;
+        ASSERT_TRUE(QFile::copy(source + QStringLiteral("/Links/") + name, copy));
+        QFile file(copy);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(placed, QFileDevice::FileModificationTime));
+    }
+
+    const CliRun run =
+        preflight({sample + QStringLiteral("/sample-brochure.idml"), QStringLiteral("--preset-file"), samplePreset()});
     EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
     EXPECT_TRUE(run.err.isEmpty()) << run.err.toStdString();
-    for (const char* line : {"  Preset:     Sample Print Checks\n", "    Garamond Premier Pro Italic\n",
-                             "    Web Blue\n      - Color space is RGB\n", "    Sea Green\n      - Unused color\n"})
+    for (const char* line : {"  Preset:     Sample Print Checks\n",
+                             "  Result:     5 errors found: Fonts: 1 \u2022 Colors: 2 \u2022 Links: 2\n",
+                             "    Garamond Premier Pro Italic\n", "    Web Blue\n      - Color space is RGB\n",
+                             "    Sea Green\n      - Unused color\n", "  Links: 6, 2 with alerts\n",
+                             "    poster-rgb.png (page 2)\n      - Effective res < 150 dpi\n",
+                             "    harbour-map.tif (page 3)\n      - Status is \"Missing\"\n"})
         EXPECT_TRUE(run.out.contains(line)) << line << "\n" << run.out.toStdString();
     EXPECT_FALSE(run.out.contains("DejaVu")) << "an installed font raises nothing";
+
+    // The links recorded on another computer are found beside the document, unchanged.
+    const QJsonObject document = QJsonDocument::fromJson(preflight({sample + QStringLiteral("/sample-brochure.idml"),
+                                                                    QStringLiteral("--format"), QStringLiteral("json")})
+                                                             .out)
+                                     .object()
+                                     .value(QStringLiteral("documents"))
+                                     .toArray()
+                                     .at(0)
+                                     .toObject();
+    QStringList statuses;
+    for (const QJsonValue& link : document.value(QStringLiteral("links")).toArray())
+        statuses << link.toObject().value(QStringLiteral("name")).toString() + u' ' +
+                        link.toObject().value(QStringLiteral("status")).toString();
+    EXPECT_EQ(statuses, (QStringList{QStringLiteral("logo-spot.eps OK"), QStringLiteral("photo-cmyk.psd OK"),
+                                     QStringLiteral("poster-rgb.png OK"), QStringLiteral("scan-gray.tif OK"),
+                                     QStringLiteral("harbour-map.tif Missing"), QStringLiteral("poster-rgb.png OK")}));
+}
+
+namespace {
+
+// A real document and its linked file copied where their times are known: the document's
+// modification date, and a link that differs from the date it was placed with ("Modified").
+struct PinnedDocument {
+    QTemporaryDir dir;
+    QString document = dir.filePath(QStringLiteral("IDML/article-1photo.idml"));
+    QString media = dir.filePath(QStringLiteral("media"));
+
+    PinnedDocument()
+    {
+        const QString set = samplePath(QStringLiteral("idml/sets/simpleidml/tests/regressiontests/IDML"));
+        QDir().mkpath(QFileInfo(document).path());
+        QDir().mkpath(media);
+        const QString image = media + QStringLiteral("/default.jpg");
+        EXPECT_TRUE(QFile::copy(set + QStringLiteral("/article-1photo.idml"), document));
+        EXPECT_TRUE(QFile::copy(set + QStringLiteral("/media/default.jpg"), image));
+        const QDateTime when(QDate(2001, 2, 3), QTime(4, 5, 6), Qt::UTC);
+        for (const QString& path : {document, image}) {
+            QFile file(path);
+            EXPECT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(when, QFileDevice::FileModificationTime));
+        }
+    }
+
+    // The report with what depends on the machine and the hour replaced by markers.
+    QString normalised(QString report) const
+    {
+        report.replace(dir.path(), QStringLiteral("@DIR@"));
+        static const QRegularExpression dates(QStringLiteral("^(Report date|Creation Date): .*$"),
+                                              QRegularExpression::MultilineOption);
+        report.replace(dates, QStringLiteral("\\1: @DATE@"));
+        static const QRegularExpression volume(QStringLiteral("^Volume: .*$"), QRegularExpression::MultilineOption);
+        report.replace(volume, QStringLiteral("Volume: @VOLUME@"));
+        static const QRegularExpression volumeColumn(QStringLiteral("^(default\\.jpg\\t[^\\t]*\\t1\\t)[^\\t]*"),
+                                                     QRegularExpression::MultilineOption);
+        return report.replace(volumeColumn, QStringLiteral("\\1@VOLUME@"));
+    }
+};
+
+const char* const kPinnedHeader = "-----------------Quillon Report-----------------\n"
+                                  "Created with Quillon @VERSION@\n"
+                                  "Tornvale\n"
+                                  "https://www.tornvale.com  |  support@tornvale.com\n"
+                                  "\n"
+                                  "Report date: @DATE@\n"
+                                  "\n"
+                                  "Document: article-1photo.idml\n"
+                                  "Path: @DIR@/IDML/article-1photo.idml\n"
+                                  "Creation Date: @DATE@\n"
+                                  "Modification Date: 3 Feb 2001 04:05:06\n"
+                                  "\n\n\n";
+
+QString pinned(const char* sections)
+{
+    QString text = QString::fromUtf8(kPinnedHeader) + QString::fromUtf8(sections);
+    return text.replace(QStringLiteral("@VERSION@"), QLatin1String(quillon::app::kQuillonVersion));
+}
+
+} // namespace
+
+TEST_F(PreflightCommand, TheRegularReportOfARealDocumentLineByLine)
+{
+    const PinnedDocument doc;
+    const CliRun run = preflight(
+        {doc.document, QStringLiteral("--links-dir"), doc.media, QStringLiteral("--format"), QStringLiteral("text")});
+    ASSERT_EQ(run.exitCode, 1) << run.err.toStdString();
+    const QString expected =
+        pinned("FONTS\n\n"
+               "Name: Minion Pro Bold\nType: OpenType CFF\nStatus: Missing\n"
+               "PostScript font name: MinionPro-Bold\nPDF embedding allowed: ?\n\n"
+               "Name: Minion Pro Italic\nType: OpenType CFF\nStatus: Missing\n"
+               "PostScript font name: MinionPro-It\nPDF embedding allowed: ?\n\n"
+               "Name: Minion Pro Regular\nType: OpenType CFF\nStatus: Missing\n"
+               "PostScript font name: MinionPro-Regular\nPDF embedding allowed: ?\n\n\n"
+               "COLORS\n\n"
+               "Name: Registration\nValue: \nProcess: ?\nSpace: registration\nUsed: √\n\n"
+               "Name: Paper\nValue: 0  0  0  0\nProcess: ?\nSpace: \nUsed: √\n\n"
+               "Name: Black\nValue: 0  0  0  100\nProcess: Process\nSpace: CMYK\nUsed: √\n\n"
+               "Name: C=0 M=0 Y=100 K=0\nValue: 0  0  100  0\nProcess: Process\nSpace: CMYK\nUsed: -\n\n"
+               "Name: C=0 M=100 Y=0 K=0\nValue: 0  100  0  0\nProcess: Process\nSpace: CMYK\nUsed: -\n\n"
+               "Name: C=100 M=0 Y=0 K=0\nValue: 100  0  0  0\nProcess: Process\nSpace: CMYK\nUsed: -\n\n"
+               "Name: C=100 M=90 Y=10 K=0\nValue: 100  90  10  0\nProcess: Process\nSpace: CMYK\n"
+               "Used: -\n\n"
+               "Name: C=15 M=100 Y=100 K=0\nValue: 15  100  100  0\nProcess: Process\nSpace: CMYK\n"
+               "Used: -\n\n"
+               "Name: C=75 M=5 Y=100 K=0\nValue: 75  5  100  0\nProcess: Process\nSpace: CMYK\n"
+               "Used: -\n\n\n"
+               "LINKS\n\n"
+               "Name: default.jpg\nPath: @DIR@/media/default.jpg\nPage: 1\nVolume: @VOLUME@\n"
+               "Kind: JPEG\nSize: 27 KB\nColor: RGB\nICC Profile: \nScale: 85.4\nActual Res: 72\n"
+               "Effective Res: 84\nFonts: ?\nSpot colors: ?\nStatus: Modified\nPrintable: √\n");
+    const QStringList actualLines = doc.normalised(QString::fromUtf8(run.out)).split(u'\n');
+    const QStringList expectedLines = expected.split(u'\n');
+    for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
+        ASSERT_EQ(actualLines.value(i).toStdString(), expectedLines.value(i).toStdString()) << "line " << i + 1;
+}
+
+TEST_F(PreflightCommand, TheTabDelimitedReportOfARealDocumentLineByLine)
+{
+    const PinnedDocument doc;
+    const CliRun run = preflight(
+        {doc.document, QStringLiteral("--links-dir"), doc.media, QStringLiteral("--format"), QStringLiteral("tab")});
+    ASSERT_EQ(run.exitCode, 1) << run.err.toStdString();
+    const QString expected = pinned(
+        "FONTS\n"
+        "Name\tType\tStatus\tPS Name\tPDF Embedding\n"
+        "Minion Pro Bold\tOpenType CFF\tMissing\tMinionPro-Bold\t?\n"
+        "Minion Pro Italic\tOpenType CFF\tMissing\tMinionPro-It\t?\n"
+        "Minion Pro Regular\tOpenType CFF\tMissing\tMinionPro-Regular\t?\n\n\n"
+        "COLORS\n"
+        "Name\tValue\tProcess/Spot\tSpace\tUsed\n"
+        "Registration\t\t?\tregistration\t√\n"
+        "Paper\t0  0  0  0\t?\t\t√\n"
+        "Black\t0  0  0  100\tProcess\tCMYK\t√\n"
+        "C=0 M=0 Y=100 K=0\t0  0  100  0\tProcess\tCMYK\t-\n"
+        "C=0 M=100 Y=0 K=0\t0  100  0  0\tProcess\tCMYK\t-\n"
+        "C=100 M=0 Y=0 K=0\t100  0  0  0\tProcess\tCMYK\t-\n"
+        "C=100 M=90 Y=10 K=0\t100  90  10  0\tProcess\tCMYK\t-\n"
+        "C=15 M=100 Y=100 K=0\t15  100  100  0\tProcess\tCMYK\t-\n"
+        "C=75 M=5 Y=100 K=0\t75  5  100  0\tProcess\tCMYK\t-\n\n\n"
+        "LINKS\n"
+        "Name\tPath\tPage\tVolume\tKind\tSize\tColor Mode\tICC Profile\tScale\tActual Res\tEffective Res\tFonts\t"
+        "Spot Colors\tStatus\tPrintable\n"
+        "default.jpg\t@DIR@/media/default.jpg\t1\t@VOLUME@\tJPEG\t27 KB\tRGB\t\t85.4\t72\t84\t?\t?\tModified\t√\n");
+    const QStringList actualLines = doc.normalised(QString::fromUtf8(run.out)).split(u'\n');
+    const QStringList expectedLines = expected.split(u'\n');
+    for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
+        ASSERT_EQ(actualLines.value(i).toStdString(), expectedLines.value(i).toStdString()) << "line " << i + 1;
 }
