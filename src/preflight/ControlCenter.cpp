@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
+#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "preflight/AppleEventPermission.h"
@@ -303,12 +304,18 @@ bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
     setProgressValueToStage(QStringLiteral("links"));
     QString failure;
     try {
-        const LinkAnalysisOutcome outcome =
-            m_linkAnalysis({m_idmlFolderPath, path, m_numberOfLinksInDoc.toInt(), m_folders.dataFolder, m_linkFolders,
-                            m_isBatchPreflight, &m_progress, &m_doCancel, &m_alerts});
+        LinkAnalysisOutcome outcome =
+            m_linkAnalysis({m_idmlFolderPath, path, m_numberOfLinksInDoc.toInt(), m_linkFolders, m_isBatchPreflight,
+                            &m_progress, &m_doCancel, &m_alerts});
         m_currDocInfo.setDocPageSizes(outcome.pageSizes);
-        if (!outcome.dataFileError.isEmpty())
-            addWarning(outcome.dataFileError);
+        m_linkData = std::move(outcome.linkData);
+        if (!m_linkData.isEmpty()) {
+            app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
+            const QString file = QDir(m_folders.dataFolder).filePath(app::kLinkDataFileName);
+            // Only read while the file is written: the stages that run meanwhile do not touch it.
+            m_linkDataWritten =
+                std::async(std::launch::async, [this, file] { return app::writePropertyListFile(m_linkData, file); });
+        }
         if (!outcome.foundLinks)
             app::logLine(QStringLiteral("no links"));
         return outcome.foundLinks;
@@ -358,15 +365,28 @@ void QNControlCenter::processColors()
     }
 }
 
+void QNControlCenter::finishLinkDataFile()
+{
+    if (!m_linkDataWritten.valid())
+        return;
+    const app::Status written = m_linkDataWritten.get();
+    if (!written) {
+        app::logFailure(QStringLiteral("write the link data: %1").arg(written.error().text()));
+        addWarning(QStringLiteral("The link data could not be written: %1").arg(written.error().text()));
+    }
+}
+
 void QNControlCenter::populatePreflightResults()
 {
     app::logEntry("populatePreflightResults");
+    finishLinkDataFile();
+    QVariantMap linkData = std::exchange(m_linkData, {});
     if (doCancel()) {
         setProgressValueToStage(QStringLiteral("stop"));
         m_lastOutcome = Outcome::Cancelled;
         return;
     }
-    m_results.setItems(m_folders.dataFolder);
+    m_results.setItems(m_folders.dataFolder, std::move(linkData));
     setProgressValueToStage(QStringLiteral("stop"));
     populateSummaryAndDocInfo();
     clearTmpQuillonFolder();

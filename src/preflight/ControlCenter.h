@@ -13,6 +13,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <future>
 #include <memory>
 #include <mutex>
 
@@ -150,7 +151,8 @@ public:
 private:
     app::Settings settings() const;
     void addWarning(const QString& warning);
-    void runLinkAnalysis(const QString& path);
+    // Waits for the link data file written in the background; its failure is a warning.
+    void finishLinkDataFile();
     void showStage(const QString& stage);
     std::shared_ptr<app::Operation> stage(const QString& name, void (QNControlCenter::*step)());
 
@@ -179,6 +181,10 @@ private:
     QString m_idmlFolderPath;
     QNDocInfo m_currDocInfo;
     QString m_registrationInTextFlag;
+    // The link analysis' records, written to their data file while the fonts and colours are
+    // inspected, and handed to the results sink.
+    QVariantMap m_linkData;
+    std::future<app::Status> m_linkDataWritten;
 
     std::unique_ptr<app::OperationQueue> m_queue;
     std::atomic<bool> m_isPreflighting{false};

@@ -14,7 +14,6 @@ LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
     controller.alerts = request.alerts;
     controller.isBatchPreflight = request.isBatchPreflight;
     controller.numberOfLinksInDoc = request.numberOfLinksInDoc;
-    controller.dataFileFolder = request.dataFolder;
     controller.linkFolders = request.linkFolders;
     links::QNIDMLLinksProcessor processor(controller);
     const QVariantList records = processor.processLinksInIDMLFolder(request.idmlFolder, request.documentPath);
@@ -25,9 +24,7 @@ LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
     const links::PageGeometry& geometry = processor.pageGeometry();
     for (const QStringList& size : geometry.docPageSizeOrder())
         outcome.pageSizes.append({size.value(0), size.value(1), geometry.docPageSizes().value(size)});
-    if (!processor.dataFileStatus())
-        outcome.dataFileError =
-            QStringLiteral("The link data could not be written: %1").arg(processor.dataFileStatus().error().text());
+    outcome.linkData = processor.linkDataTree();
     return outcome;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 
 #include <functional>
 
@@ -20,7 +21,6 @@ struct LinkAnalysisRequest {
     QString idmlFolder;
     QString documentPath;        // the document's POSIX path, the data file's key
     int numberOfLinksInDoc = -1; // as the host reported it; negative when unknown
-    QString dataFolder;          // receives "qnf_tmpLinkData.plist"
     QStringList linkFolders;     // searched by file name for links missing at their recorded path
     bool isBatchPreflight = false;
     app::ProgressSink* progress = nullptr; // per-spread status
@@ -33,8 +33,9 @@ struct LinkAnalysisOutcome {
     bool foundLinks = false;
     // The document's page sizes in the order met.
     DocPageSizes pageSizes;
-    // Why the data file could not be written, or empty.
-    QString dataFileError;
+    // What "qnf_tmpLinkData.plist" is to hold (the caller writes it); empty when the analysis was
+    // cancelled.
+    QVariantMap linkData;
 };
 
 // The analysis the driver runs; replaceable so that tests can make it fail.

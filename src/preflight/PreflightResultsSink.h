@@ -3,6 +3,7 @@
 #include "app/Result.h"
 
 #include <QString>
+#include <QVariantMap>
 
 namespace quillon::preflight {
 
@@ -29,8 +30,9 @@ public:
     virtual QString registrationInTextFlag() { return QStringLiteral("0"); }
 
     // Loads the three data files of `dataFolder` into the link, font and colour lists and judges
-    // them with the current checkup preset.
-    virtual void setItems(const QString& dataFolder) = 0;
+    // them with the current checkup preset. `linkData`, when not empty, is what the link data
+    // file holds, handed over so that it need not be read again.
+    virtual void setItems(const QString& dataFolder, QVariantMap linkData = {}) = 0;
     // Loads the summary and the document-information box from the lists and `docInfo`, whose
     // `hasPreflightErrors` it sets.
     virtual void populateSummaryAndDocInfo(QNDocInfo& docInfo) = 0;

@@ -1,10 +1,10 @@
 #include "reports/PreflightResults.h"
 
 #include "app/Log.h"
-#include "links/LinkValues.h"
 #include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
+#include "links/LinkValues.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
 #include "results/ResultRows.h"
@@ -54,12 +54,13 @@ QString PreflightResults::registrationInTextFlag()
     return QString::number(app::intValueOf(colors.value(results::kColorsRegAppliedToTextKey)));
 }
 
-void PreflightResults::setItems(const QString& dataFolder)
+void PreflightResults::setItems(const QString& dataFolder, QVariantMap linkData)
 {
     m_dataFolder = dataFolder;
     const QVariantMap preset = m_presetOfPreflight ? *m_presetOfPreflight : presetOrNothing();
     m_presetOfPreflight.reset();
-    m_links.setItems(results::readDataFile(dataFolder, app::kLinkDataFileName), preset);
+    m_links.setItems(
+        linkData.isEmpty() ? results::readDataFile(dataFolder, app::kLinkDataFileName) : std::move(linkData), preset);
     m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
     m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);
 }
@@ -69,8 +70,8 @@ void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
     const results::SummaryDocumentInfo document{
         docInfo.docName(),         docInfo.docPath(),          docInfo.creationDateStr(), docInfo.modDateStr(),
         docInfo.InDesignVersion(), docInfo.numberOfPagesStr(), docInfo.bleedStr(),        docInfo.slugStr()};
-    m_status = m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(),
-                                     links::fileSizeFormat);
+    m_status =
+        m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(), links::fileSizeFormat);
     docInfo.setHasPreflightErrors(m_status.hasPreflightErrors);
 }
 

@@ -48,7 +48,7 @@ public:
 
     void clearAllResults() override;
     QString registrationInTextFlag() override;
-    void setItems(const QString& dataFolder) override;
+    void setItems(const QString& dataFolder, QVariantMap linkData = {}) override;
     void populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo) override;
     app::Result<QString> createTextReport(const QString& targetFolder, const QString& paraStylesReport,
                                           const preflight::QNDocInfo& docInfo) override;

@@ -70,10 +70,11 @@ public:
     void clearAllResults() override { calls << QStringLiteral("clear"); }
     void showDocument(const QString& name, const QString&) override { calls << QStringLiteral("show ") + name; }
     QString registrationInTextFlag() override { return QStringLiteral("1"); }
-    void setItems(const QString& dataFolder) override
+    void setItems(const QString& dataFolder, QVariantMap linkData) override
     {
         calls << QStringLiteral("setItems");
         linkDataAtLoad = QFileInfo::exists(QDir(dataFolder).filePath(app::kLinkDataFileName));
+        handedOver = linkData;
     }
     void populateSummaryAndDocInfo(QNDocInfo& docInfo) override
     {
@@ -90,6 +91,7 @@ public:
 
     QStringList calls;
     bool linkDataAtLoad = false;
+    QVariantMap handedOver;
 };
 
 // The offline host with the record and the inspections under the test's control.
@@ -149,19 +151,22 @@ protected:
         test::writeIdml(m_doc, test::minimalIdml());
     }
 
-    // A link analysis that writes an empty link data file, as the real one does for no links.
-    static LinkAnalysisOutcome writeEmptyLinkData(const LinkAnalysisRequest& request)
+    // A link analysis that finds no links, as the real one does for this document.
+    static LinkAnalysisOutcome findNoLinks(const LinkAnalysisRequest& request)
     {
-        EXPECT_TRUE(
-            app::writePropertyListFile(QVariantMap{}, QDir(request.dataFolder).filePath(app::kLinkDataFileName)));
-        return {false, {{QStringLiteral("612"), QStringLiteral("792"), {QStringLiteral("1")}}}, {}};
+        const QVariantMap document{{app::kGroupNameKey, QFileInfo(request.documentPath).fileName()},
+                                   {app::kGroupIsDockKey, true},
+                                   {app::kGroupChildrenKey, QVariantList{}}};
+        return {false,
+                {{QStringLiteral("612"), QStringLiteral("792"), {QStringLiteral("1")}}},
+                QVariantMap{{request.documentPath, document}}};
     }
 
     std::unique_ptr<QNControlCenter> makeCenter(InDesignHost& host)
     {
         auto center = std::make_unique<QNControlCenter>(host, m_alerts, m_progress, m_results, m_folders);
         center->setSettingsFile(m_temp.filePath(QStringLiteral("settings.ini")));
-        center->setLinkAnalysis(writeEmptyLinkData);
+        center->setLinkAnalysis(findNoLinks);
         center->startup();
         return center;
     }
@@ -210,6 +215,9 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
     EXPECT_EQ(m_results.calls, (QStringList{QStringLiteral("clear"), QStringLiteral("show Brochure.idml"),
                                             QStringLiteral("setItems"), QStringLiteral("summary Brochure.idml")}));
     EXPECT_TRUE(m_results.linkDataAtLoad);
+    EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc}); // and handed over, not read again
+    EXPECT_EQ(app::readPropertyListDictionary(QDir(m_folders.dataFolder).filePath(app::kLinkDataFileName))->keys(),
+              QStringList{m_doc});
 
     // The inspections got the document record and the unpacked IDML; a failed one is a warning.
     EXPECT_EQ(host.inspections,
@@ -322,7 +330,7 @@ TEST_F(ControlCenterTest, ALinkCountOfZeroStillRunsEveryStage)
     int linksInDoc = -2;
     center->setLinkAnalysis([&linksInDoc](const LinkAnalysisRequest& request) {
         linksInDoc = request.numberOfLinksInDoc;
-        return writeEmptyLinkData(request);
+        return findNoLinks(request);
     });
 
     ASSERT_TRUE(center->preflightActiveDoc());
@@ -511,4 +519,21 @@ TEST_F(ControlCenterTest, CommandsOnTheLastPreflightedDocument)
     // The preset pop-up goes to whoever shows the lists.
     reporting->presetsPopup(QStringLiteral("Print"));
     EXPECT_EQ(m_results.calls.constLast(), QStringLiteral("preset Print"));
+}
+
+TEST_F(ControlCenterTest, ALinkDataFileThatCannotBeWrittenIsAWarning)
+{
+    FakeHost host;
+    ASSERT_TRUE(host.openDocument(m_doc, true));
+    auto center = makeCenter(host);
+    // A folder where the file should go cannot be replaced by it.
+    ASSERT_TRUE(QDir(m_folders.dataFolder).mkpath(app::kLinkDataFileName + QStringLiteral("/x")));
+
+    ASSERT_TRUE(center->preflightActiveDoc());
+    center->waitUntilPreflightIsDone();
+
+    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    const QStringList warnings = center->warnings().filter(QStringLiteral("The link data could not be written"));
+    EXPECT_EQ(warnings.size(), 1) << center->warnings().join(u'\n').toStdString();
+    EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc}); // the lists still get the records
 }
