@@ -2,13 +2,12 @@
 // report or as JSON.
 #include "cli/Commands.h"
 
-#include "app/BuildInfo.h"
 #include "app/FilePaths.h"
 #include "app/PropertyList.h"
 #include "app/Settings.h"
 #include "cli/Interruption.h"
 #include "cli/PreflightJob.h"
-#include "cli/PreflightOutput.h"
+#include "cli/PreflightPrinter.h"
 #include "cli/ProgressLine.h"
 #include "preflight/ControlCenter.h"
 #include "reports/TextReport.h"
@@ -18,8 +17,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QSet>
 #include <QTemporaryDir>
 
@@ -130,88 +127,6 @@ private:
     std::vector<preflight::QNControlCenter*> m_centers;
 };
 
-// Prints each document when it and every document before it are done, so that the output keeps
-// the order of the command line whatever order the jobs end in.
-class OrderedOutput {
-public:
-    OrderedOutput(const QString& format, const QString& presetName, ProgressLine& progress, qsizetype documents)
-        : m_format(format), m_presetName(presetName), m_progress(progress), m_done(documents)
-    {
-    }
-
-    void deliver(qsizetype index, PreflightedDocument document)
-    {
-        std::lock_guard lock(m_mutex);
-        m_done[index] = std::move(document);
-        while (m_next < m_done.size() && m_done[m_next]) {
-            emit(*m_done[m_next]);
-            m_done[m_next].reset();
-            ++m_next;
-        }
-    }
-
-    // After an interruption, what is done of the rest; then the JSON envelope, where documents
-    // that never ran are marked as cancelled.
-    void finish(const QStringList& paths)
-    {
-        std::lock_guard lock(m_mutex);
-        const bool json = m_format == QLatin1String("json");
-        for (; m_next < m_done.size(); ++m_next) {
-            if (m_done[m_next]) {
-                emit(*m_done[m_next]);
-            } else if (json) {
-                PreflightedDocument cancelled;
-                cancelled.path = paths.at(static_cast<qsizetype>(m_next));
-                cancelled.name = QFileInfo(cancelled.path).fileName();
-                cancelled.error = QStringLiteral("the preflight was cancelled");
-                m_documents.append(documentJson(cancelled));
-            }
-        }
-        if (!json)
-            return;
-        const QJsonObject envelope{{QStringLiteral("quillonVersion"), QString::fromLatin1(app::kQuillonVersion)},
-                                   {QStringLiteral("preset"), m_presetName},
-                                   {QStringLiteral("documents"), m_documents}};
-        std::cout << QJsonDocument(envelope).toJson(QJsonDocument::Indented).toStdString() << std::flush;
-    }
-
-    int exitStatus() const { return m_failed ? kExitFailure : (m_alerted ? kExitAlerts : kExitOk); }
-
-private:
-    void emit(const PreflightedDocument& document)
-    {
-        m_progress.clear();
-        if (!document.preflighted) {
-            m_failed = true;
-            printError(document.path, document.error);
-        }
-        for (const QString& warning : document.warnings)
-            printError(document.path, QStringLiteral("warning: ") + warning);
-        if (document.preflighted && document.status.total != 0)
-            m_alerted = true;
-        if (m_format == QLatin1String("json")) {
-            m_documents.append(documentJson(document));
-        } else if (document.preflighted) {
-            const QString text = m_format == QLatin1String("summary") ? summaryText(document, m_presetName)
-                                                                      : document.reportText + u'\n';
-            std::cout << (m_printedOne ? "\n" : "") << text.toStdString() << std::flush;
-            m_printedOne = true;
-        }
-        m_progress.redraw();
-    }
-
-    std::mutex m_mutex;
-    const QString m_format;
-    const QString m_presetName;
-    ProgressLine& m_progress;
-    std::vector<std::optional<PreflightedDocument>> m_done;
-    size_t m_next = 0;
-    QJsonArray m_documents;
-    bool m_printedOne = false;
-    bool m_failed = false;
-    bool m_alerted = false;
-};
-
 std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool reportDir)
 {
     if (format == QLatin1String("tab"))
@@ -265,7 +180,7 @@ int runPreflight(const PreflightOptions& options)
 
     Interruption interruption;
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
-    OrderedOutput output(format, preset->name, progress, paths.size());
+    OrderedPrinter printer(format, preset->name, progress, paths.size());
     RunningCenters running;
     std::atomic<qsizetype> nextDocument{0};
     std::atomic<qsizetype> workersLeft{jobs};
@@ -293,7 +208,7 @@ int runPreflight(const PreflightOptions& options)
             if (Interruption::requested() && !document.preflighted)
                 break; // a document cut short is not reported
             progress.documentDone();
-            output.deliver(index, std::move(document));
+            printer.deliver(index, renderDocument(document, format, preset->name));
         }
         std::lock_guard lock(doneMutex);
         --workersLeft;
@@ -311,12 +226,12 @@ int runPreflight(const PreflightOptions& options)
     for (std::thread& worker : workers)
         worker.join();
     progress.clear();
-    output.finish(paths);
+    printer.finish(paths);
     if (Interruption::requested()) {
         printError({}, QStringLiteral("cancelled"));
         return kExitInterrupted;
     }
-    return output.exitStatus();
+    return printer.exitStatus();
 }
 
 } // namespace

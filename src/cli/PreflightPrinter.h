@@ -1,0 +1,58 @@
+#pragma once
+
+#include "cli/PreflightJob.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillon::cli {
+
+class ProgressLine;
+
+// One document's share of the output, made on the thread that preflighted it.
+struct RenderedDocument {
+    QString path;
+    QStringList problems; // lines for standard error: why it failed, then its warnings
+    bool failed = false;
+    bool alerted = false;
+    std::string out; // its part of standard output: the summary, the report or the JSON object
+};
+
+// The output formats: "summary", "text", "tab", "json".
+RenderedDocument renderDocument(const PreflightedDocument& document, const QString& format, const QString& presetName);
+
+// Prints each document when it and every document before it are done, so that the output keeps
+// the order of the command line whatever order the jobs end in. JSON is written as it comes: the
+// envelope's opening first, each document in turn, the closing at the end. Safe to call from
+// several threads.
+class OrderedPrinter {
+public:
+    OrderedPrinter(const QString& format, const QString& presetName, ProgressLine& progress, qsizetype documents);
+
+    void deliver(qsizetype index, RenderedDocument document);
+    // What is left after an interruption: documents done are printed, in JSON the others are
+    // marked as cancelled; then the envelope is closed.
+    void finish(const QStringList& paths);
+
+    int exitStatus() const;
+
+private:
+    void print(const RenderedDocument& document);
+
+    std::mutex m_mutex;
+    const QString m_format;
+    const QString m_presetName;
+    ProgressLine& m_progress;
+    std::vector<std::optional<RenderedDocument>> m_done;
+    size_t m_next = 0;
+    bool m_printedOne = false;
+    bool m_failed = false;
+    bool m_alerted = false;
+};
+
+} // namespace quillon::cli
