@@ -87,8 +87,8 @@ app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
     return ChosenPreset{name, {}};
 }
 
-// The report file name of each document in `folder`: "<name>_Quillon_Report.txt", numbered when
-// an earlier document of the run has the same name, so that no report replaces another.
+// The report file name of each document: "<name>_Quillon_Report.txt", numbered when an earlier
+// document of the run has the same name, so that no report of the run replaces another.
 QStringList reportFileNames(const QStringList& documents)
 {
     QSet<QString> taken;
@@ -201,7 +201,10 @@ int runPreflight(const PreflightOptions& options)
                 [&progress, &name](const QString& status) { progress.status(name, status); });
             if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
                 const QString target = QDir(reportDir).filePath(reportNames.at(index));
-                if (const app::Status copied = app::copyPathReplacingIt(document.reportFilePath, target); !copied)
+                if (QFileInfo(target).isDir())
+                    document.warnings
+                        << QStringLiteral("%1: a folder of that name is in the way of the report").arg(target);
+                else if (const app::Status copied = app::copyPathReplacingIt(document.reportFilePath, target); !copied)
                     document.warnings << copied.error().text();
             }
             QDir(runFolder).removeRecursively();
@@ -254,9 +257,11 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
         ->check(CLI::IsMember({"summary", "text", "tab", "json"}));
     preflight->add_option("--report-dir", options->reportDir,
                           "Also write each document's report file (<name>_Quillon_Report.txt) into this folder");
-    preflight->add_option("--links-dir", options->linkDirs,
-                          "Folder searched by file name for links missing where the document recorded them "
-                          "(may be given several times)");
+    preflight
+        ->add_option("--links-dir", options->linkDirs,
+                     "Folder searched by file name for links missing where the document recorded them "
+                     "(may be given several times)")
+        ->allow_extra_args(false); // one folder each time, so that documents may follow
     preflight
         ->add_option("--jobs", options->jobs, "Documents preflighted at the same time (default: the number of cores)")
         ->check(CLI::PositiveNumber);

@@ -180,7 +180,7 @@ QString summaryText(const PreflightedDocument& document, const QString& presetNa
     const QList<std::pair<QString, QString>> lines{
         {QStringLiteral("Path"), info.docPath()},
         {QStringLiteral("Pages"),
-         QStringLiteral("%1 (version %2)").arg(orDash(info.numberOfPagesStr()), orDash(info.InDesignVersion()))},
+         QStringLiteral("%1 (InDesign %2)").arg(orDash(info.numberOfPagesStr()), orDash(info.InDesignVersion()))},
         {QStringLiteral("Size"), info.fileSizeStr()},
         {QStringLiteral("Modified"), orDash(info.modDateStr())},
         {QStringLiteral("Page size"), info.pageSizeStr()},

@@ -337,8 +337,9 @@ QString pinned(const char* sections)
 TEST_F(PreflightCommand, TheRegularReportOfARealDocumentLineByLine)
 {
     const PinnedDocument doc;
+    // A links folder before the document: the option takes one folder, not what follows.
     const CliRun run = preflight(
-        {doc.document, QStringLiteral("--links-dir"), doc.media, QStringLiteral("--format"), QStringLiteral("text")});
+        {QStringLiteral("--links-dir"), doc.media, doc.document, QStringLiteral("--format"), QStringLiteral("text")});
     ASSERT_EQ(run.exitCode, 1) << run.err.toStdString();
     const QString expected =
         pinned("FONTS\n\n"
