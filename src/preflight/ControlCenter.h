@@ -94,8 +94,10 @@ public:
     // Empties the work folder (hidden files stay); failures are logged and skipped.
     void clearTmpQuillonFolder();
 
-    // Progress: a named stage ("doc", "links", "fonts", "colors", "end", "stop"), an increment
-    // given as text ("4") with a status, or a bar without an end.
+    // Progress: a named stage ("doc", "links", "fonts", "colors", "end", "stop") sets the bar's
+    // value and status text ("stop" also ends the bar); an increment is given as text ("4") with a
+    // status; a bar without an end is a maximum of 0. The bar appears as a maximum of 100 when a
+    // preflight's stages are about to be queued.
     void setProgressValueToStage(const QString& stage);
     void incrementProgressBy(const QString& amount, const QString& status);
     void indeterminateProgressWithStatus(const QString& status);
