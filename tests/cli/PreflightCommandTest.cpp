@@ -332,6 +332,15 @@ QString pinned(const char* sections)
     return text.replace(QStringLiteral("@VERSION@"), QLatin1String(quillon::app::kQuillonVersion));
 }
 
+// Compares line by line, so that a failure names the first line that differs.
+void expectSameLines(const QString& actual, const QString& expected)
+{
+    const QStringList actualLines = actual.split(u'\n');
+    const QStringList expectedLines = expected.split(u'\n');
+    for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
+        ASSERT_EQ(actualLines.value(i).toStdString(), expectedLines.value(i).toStdString()) << "line " << i + 1;
+}
+
 } // namespace
 
 TEST_F(PreflightCommand, TheRegularReportOfARealDocumentLineByLine)
@@ -366,10 +375,7 @@ TEST_F(PreflightCommand, TheRegularReportOfARealDocumentLineByLine)
                "Name: default.jpg\nPath: @DIR@/media/default.jpg\nPage: 1\nVolume: @VOLUME@\n"
                "Kind: JPEG\nSize: 27 KB\nColor: RGB\nICC Profile: \nScale: 85.4\nActual Res: 72\n"
                "Effective Res: 84\nFonts: ?\nSpot colors: ?\nStatus: Modified\nPrintable: √\n");
-    const QStringList actualLines = doc.normalised(QString::fromUtf8(run.out)).split(u'\n');
-    const QStringList expectedLines = expected.split(u'\n');
-    for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
-        ASSERT_EQ(actualLines.value(i).toStdString(), expectedLines.value(i).toStdString()) << "line " << i + 1;
+    expectSameLines(doc.normalised(QString::fromUtf8(run.out)), expected);
 }
 
 TEST_F(PreflightCommand, TheTabDelimitedReportOfARealDocumentLineByLine)
@@ -399,8 +405,5 @@ TEST_F(PreflightCommand, TheTabDelimitedReportOfARealDocumentLineByLine)
         "Name\tPath\tPage\tVolume\tKind\tSize\tColor Mode\tICC Profile\tScale\tActual Res\tEffective Res\tFonts\t"
         "Spot Colors\tStatus\tPrintable\n"
         "default.jpg\t@DIR@/media/default.jpg\t1\t@VOLUME@\tJPEG\t27 KB\tRGB\t\t85.4\t72\t84\t?\t?\tModified\t√\n");
-    const QStringList actualLines = doc.normalised(QString::fromUtf8(run.out)).split(u'\n');
-    const QStringList expectedLines = expected.split(u'\n');
-    for (qsizetype i = 0; i < std::max(actualLines.size(), expectedLines.size()); ++i)
-        ASSERT_EQ(actualLines.value(i).toStdString(), expectedLines.value(i).toStdString()) << "line " << i + 1;
+    expectSameLines(doc.normalised(QString::fromUtf8(run.out)), expected);
 }
