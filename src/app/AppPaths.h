@@ -12,8 +12,8 @@ QString applicationSupportFolder();
 // The system temporary folder, or the folder set with setTemporaryFolderOverride.
 QString temporaryFolder();
 
-// Gives a run a temporary folder of its own (parallel runs of the command line must not share the
-// data files). Empty restores the system's. Set before work starts; not for changing mid-run.
+// Replaces the system temporary folder for the whole process (tests). Work that runs several
+// documents at once passes its folders explicitly instead. Empty restores the system's.
 void setTemporaryFolderOverride(const QString& folder);
 
 // "Quillon" inside the temporary folder, made when missing; the temporary folder itself when it

@@ -30,9 +30,9 @@ struct DocumentFacts {
 // Reads one document the way a preflight does: the record from the host, the IDML exported
 // (copied) into the work folder and unpacked there, then the document information. The work
 // files are removed afterwards.
-app::Result<DocumentFacts> readDocument(const QString& path)
+app::Result<DocumentFacts> readDocument(const QString& path, const QString& workFolder)
 {
-    app::Result<UnpackedDocument> unpacked = unpackDocument(path);
+    app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder);
     if (!unpacked)
         return unpacked.error();
     DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired};
@@ -102,7 +102,7 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     bool first = true;
     for (const std::string& document : documents) {
         const QString path = QString::fromLocal8Bit(document.c_str());
-        app::Result<DocumentFacts> facts = readDocument(path);
+        app::Result<DocumentFacts> facts = readDocument(path, workFolder.path());
         if (!facts) {
             std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
             status = kExitFailure;

@@ -93,7 +93,7 @@ int runLinks(const LinksOptions& options)
         return kExitFailure;
     QJsonArray documents;
     for (const std::string& document : options.documents) {
-        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()));
+        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()), workFolder.path());
         if (!unpacked) {
             std::cerr << "quillon links: " << unpacked.error().text().toStdString() << "\n";
             status = kExitFailure;

@@ -1,7 +1,6 @@
 #include "cli/OfflineDocument.h"
 
 #include "app/Alerts.h"
-#include "app/AppPaths.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
@@ -24,9 +23,10 @@ UnpackedDocument::~UnpackedDocument()
         QDir(folder).removeRecursively();
 }
 
-app::Result<UnpackedDocument> unpackDocument(const QString& path)
+app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder)
 {
     preflight::OfflineIdmlHost host;
+    host.setWorkFolder(workFolder);
     if (app::Status opened = host.openDocument(path, true); !opened)
         return opened.error();
     app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
@@ -35,11 +35,12 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path)
 
     app::ScriptedAlertSink alerts; // failures are reported from lastError()
     preflight::QNIDMLCreator creator(host, alerts);
+    creator.setWorkFolder(workFolder);
     const QString docPath = record->value(preflight::kRecordPosixPath);
     UnpackedDocument document;
     document.folder = creator.processInDesignFileAtPath(docPath);
     // The run's work folder is private: its copies of this document can go at once.
-    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, app::workFolder());
+    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, workFolder);
     QFile::remove(idmlPath);
     QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
     if (document.folder.isEmpty())
@@ -52,17 +53,12 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path)
 PrivateWorkFolder::PrivateWorkFolder(const QString& command)
     : m_folder(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-%1-XXXXXX").arg(command)))
 {
-    if (m_folder.isValid())
-        app::setTemporaryFolderOverride(m_folder.path());
-    else
+    if (!m_folder.isValid())
         std::cerr << "quillon " << command.toStdString() << ": no temporary folder could be made in "
                   << QDir::tempPath().toStdString() << '\n';
 }
 
-PrivateWorkFolder::~PrivateWorkFolder()
-{
-    app::setTemporaryFolderOverride(QString());
-}
+PrivateWorkFolder::~PrivateWorkFolder() = default;
 
 bool PrivateWorkFolder::isValid() const
 {

@@ -22,10 +22,11 @@ struct UnpackedDocument {
 };
 
 // Errors name the document and the problem (missing, not an IDML package, damaged beyond repair).
-app::Result<UnpackedDocument> unpackDocument(const QString& path);
+// The copy and the unpacked package go into `workFolder`.
+app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder);
 
 // A private work folder for one run of a command, so that parallel runs never share (or remove)
-// each other's files; the system's is restored when the object goes.
+// each other's files; removed with everything in it when the object goes.
 class PrivateWorkFolder {
 public:
     explicit PrivateWorkFolder(const QString& command);
@@ -35,6 +36,7 @@ public:
 
     // False, after printing why, when no folder could be made.
     bool isValid() const;
+    QString path() const { return m_folder.path(); }
 
 private:
     QTemporaryDir m_folder;
