@@ -35,7 +35,7 @@ QString stringByReplacingPathExtensionWith(const QString& path, const QString& e
 QString stringByEscapingCharacters(const QString& text, const QStringList& characters);
 
 // A date format in Unicode pattern form ("yyyy-MM-dd HH:mm", "MMM d, y") applied to a date in
-// its own time spec, with English month and day names.
+// its own time zone, with English month and day names.
 QString formatDate(const QDateTime& date, const QString& unicodePattern);
 
 } // namespace quillon::app
