@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 namespace {
@@ -162,9 +164,5 @@ BENCHMARK(BM_CopyOnly)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime()
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return quillon::bench::runBenchmarks(argc, argv);
 }

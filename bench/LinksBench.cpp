@@ -14,6 +14,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <sys/resource.h>
@@ -188,10 +190,6 @@ BENCHMARK(BM_AnalyseLargeDocument)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    std::cerr << "document: " << largeDocument().links << " linked files\n";
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return quillon::bench::runBenchmarks(
+        argc, argv, [] { std::cerr << "document: " << largeDocument().links << " linked files\n"; });
 }

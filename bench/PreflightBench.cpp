@@ -20,6 +20,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <sys/resource.h>
@@ -154,10 +156,5 @@ BENCHMARK(commandSmallDocuments)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)-
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    documents();
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return quillon::bench::runBenchmarks(argc, argv, [] { documents(); });
 }
