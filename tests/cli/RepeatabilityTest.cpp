@@ -1,0 +1,54 @@
+#include "CliRunner.h"
+
+#include "support/TestSupport.h"
+
+#include <QDirIterator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using quillon::test::CliRun;
+using quillon::test::runQuillon;
+using quillon::test::samplePath;
+
+namespace {
+
+// The sanitizers keep freed memory out of reuse, which hides results that depend on where an
+// object happened to live; the optimised build reuses it at once, so it repeats the run more.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr int kRuns = 2;
+#else
+constexpr int kRuns = 10;
+#endif
+
+} // namespace
+
+TEST(Repeatability, EverySampleGivesTheSameJsonRunAfterRun)
+{
+    QStringList documents;
+    QDirIterator it(samplePath(QStringLiteral("idml")), {QStringLiteral("*.idml")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        documents << it.next();
+    documents.sort();
+    ASSERT_GE(documents.size(), 13);
+
+    QTemporaryDir config;
+    QTemporaryDir tmp;
+    ASSERT_TRUE(config.isValid() && tmp.isValid());
+    const QStringList environment{QStringLiteral("XDG_CONFIG_HOME=") + config.path(),
+                                  QStringLiteral("TMPDIR=") + tmp.path(), QStringLiteral("LC_ALL=C"),
+                                  QStringLiteral("TZ=UTC")};
+    const QStringList arguments = QStringList{QStringLiteral("preflight"), QStringLiteral("--format"),
+                                              QStringLiteral("json"), QStringLiteral("--jobs"), QStringLiteral("2")} +
+                                  documents;
+
+    const CliRun first = runQuillon(arguments, environment, 180000);
+    ASSERT_TRUE(first.exitCode == 0 || first.exitCode == 1) << first.exitCode << first.err.toStdString();
+    ASSERT_FALSE(first.out.isEmpty());
+    for (int run = 1; run < kRuns; ++run) {
+        const CliRun again = runQuillon(arguments, environment, 180000);
+        EXPECT_EQ(again.exitCode, first.exitCode) << "run " << run;
+        ASSERT_EQ(again.out, first.out) << "run " << run << " differs from the first";
+    }
+}
