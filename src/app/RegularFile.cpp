@@ -187,15 +187,24 @@ Result<ReadableFile> openRegularFile(const QString& path)
     if (path.isEmpty())
         return makeError(QStringLiteral("no file was named"));
     // Non-blocking, so that a FIFO cannot stall the open; fstat then tells what was opened.
+    const QByteArray local = localBytesOfPath(path);
+    const auto notRegular = [&](mode_t mode) {
+        return makeError(QStringLiteral("is not a regular file (%1)").arg(nonRegularKind(mode)), path);
+    };
     ReadableFile file;
-    file.m_fd = ::open(localBytesOfPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file.m_fd < 0)
-        return openError(path, errno);
     struct stat info {};
+    file.m_fd = ::open(local.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file.m_fd < 0) {
+        const int errorNumber = errno;
+        // A socket cannot be opened at all ("no such device or address"): say what it is.
+        if (::stat(local.constData(), &info) == 0 && !S_ISREG(info.st_mode))
+            return notRegular(info.st_mode);
+        return openError(path, errorNumber);
+    }
     if (::fstat(file.m_fd, &info) != 0)
         return openError(path, errno);
     if (!S_ISREG(info.st_mode))
-        return makeError(QStringLiteral("is not a regular file (%1)").arg(nonRegularKind(info.st_mode)), path);
+        return notRegular(info.st_mode);
     // Reads of a regular file do not block anyway; clear the flag so later reads behave plainly.
     ::fcntl(file.m_fd, F_SETFL, ::fcntl(file.m_fd, F_GETFL) & ~O_NONBLOCK);
     file.m_size = info.st_size;
