@@ -3,6 +3,7 @@
 #include "app/Company.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QMutex>
 #include <QStandardPaths>
 
@@ -22,6 +23,17 @@ QString& temporaryOverride()
     return folder;
 }
 
+// The system's temporary folder. A TMPDIR naming a folder that does not exist falls back to
+// /tmp, as it does when TMPDIR is unset: never to the folder above it or to the current one.
+QString systemTemporaryFolder()
+{
+    const QString fromEnvironment = qEnvironmentVariable("TMPDIR");
+    if (!fromEnvironment.isEmpty() && !QFileInfo(fromEnvironment).isDir())
+        return QStringLiteral("/tmp");
+    const QString fromSystem = QDir::cleanPath(QDir::tempPath());
+    return !fromSystem.isEmpty() && QFileInfo(fromSystem).isDir() ? fromSystem : QStringLiteral("/tmp");
+}
+
 } // namespace
 
 QString applicationSupportFolder()
@@ -36,7 +48,7 @@ QString applicationSupportFolder()
 QString temporaryFolder()
 {
     QMutexLocker lock(&overrideMutex());
-    return temporaryOverride().isEmpty() ? QDir::cleanPath(QDir::tempPath()) : temporaryOverride();
+    return temporaryOverride().isEmpty() ? systemTemporaryFolder() : temporaryOverride();
 }
 
 void setTemporaryFolderOverride(const QString& folder)

@@ -9,7 +9,8 @@ namespace quillon::app {
 // (tests and private runs). Not created here.
 QString applicationSupportFolder();
 
-// The system temporary folder, or the folder set with setTemporaryFolderOverride.
+// The system temporary folder, or the folder set with setTemporaryFolderOverride. A TMPDIR that
+// names no folder gives /tmp. Code that makes a private folder takes its place from here.
 QString temporaryFolder();
 
 // Replaces the system temporary folder for the whole process (tests). Work that runs several

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/RegularFile.h"
 #include "app/Result.h"
 
 #include <QByteArray>
@@ -21,10 +22,12 @@ namespace quillon::app {
 
 // Reads an XML or a binary plist, whichever the bytes are. `sourceName` names the file in errors.
 Result<QVariant> parsePropertyList(const QByteArray& bytes, const QString& sourceName);
-Result<QVariant> readPropertyListFile(const QString& path);
+// A file larger than `maxBytes`, or one that is not a regular file, is refused unread. Presets and
+// records keep the default; the data files the preflight writes itself may pass kMaxDataFileBytes.
+Result<QVariant> readPropertyListFile(const QString& path, qint64 maxBytes = kMaxPropertyListBytes);
 
 // The same, requiring a dictionary at the top.
-Result<QVariantMap> readPropertyListDictionary(const QString& path);
+Result<QVariantMap> readPropertyListDictionary(const QString& path, qint64 maxBytes = kMaxPropertyListBytes);
 
 // The XML form. Fails on a value a plist cannot hold (a null, an unknown type), naming its key path.
 // Control characters other than tab, line feed and carriage return cannot stand in XML and are

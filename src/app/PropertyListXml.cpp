@@ -4,8 +4,6 @@
 #include "app/PropertyListBinary.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QSaveFile>
 #include <QTimeZone>
 
 #include <pugixml.hpp>
@@ -530,21 +528,17 @@ Result<QVariant> parsePropertyList(const QByteArray& bytes, const QString& sourc
     return XmlReader(bytes, sourceName).read();
 }
 
-Result<QVariant> readPropertyListFile(const QString& path)
+Result<QVariant> readPropertyListFile(const QString& path, qint64 maxBytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return makeError(QStringLiteral("cannot be read: %1").arg(file.errorString()), path);
-    // Property lists here are records and presets, never large; refuse what cannot be one.
-    constexpr qint64 kMaxSize = 512LL * 1024 * 1024;
-    if (file.size() > kMaxSize)
-        return makeError(QStringLiteral("is too large for a property list (%1 bytes)").arg(file.size()), path);
-    return parsePropertyList(file.readAll(), path);
+    Result<QByteArray> bytes = readRegularFile(path, maxBytes);
+    if (!bytes)
+        return bytes.error();
+    return parsePropertyList(*bytes, path);
 }
 
-Result<QVariantMap> readPropertyListDictionary(const QString& path)
+Result<QVariantMap> readPropertyListDictionary(const QString& path, qint64 maxBytes)
 {
-    Result<QVariant> value = readPropertyListFile(path);
+    Result<QVariant> value = readPropertyListFile(path, maxBytes);
     if (!value)
         return value.error();
     if (value->typeId() != QMetaType::QVariantMap)
@@ -562,13 +556,7 @@ Status writePropertyListFile(const QVariant& root, const QString& path)
     Result<QByteArray> xml = toXmlPropertyList(root);
     if (!xml)
         return makeError(xml.error().message, path);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return makeError(QStringLiteral("cannot be written: %1").arg(file.errorString()), path);
-    file.write(*xml);
-    if (!file.commit())
-        return makeError(QStringLiteral("cannot be written: %1").arg(file.errorString()), path);
-    return {};
+    return writeFileReplacing(path, *xml);
 }
 
 } // namespace quillon::app

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "app/Result.h"
+
 #include <QString>
 #include <QVariant>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 class QSettings;
 
@@ -18,9 +22,13 @@ struct SettingKey {
 
 // The user defaults: QSettings("Tornvale", "Quillon") in the program, a file of its own in tests.
 // Each instance owns its QSettings, so make one per thread.
+//
+// A settings file that is not a regular file (a FIFO would hang the read, a device fill memory) or
+// is larger than kMaxPropertyListBytes is not read: the settings then read as their defaults,
+// keep nothing, and `error` says why.
 class Settings {
 public:
-    Settings();                                   // the user's defaults
+    Settings();                                    // the user's defaults
     explicit Settings(const QString& iniFilePath); // a private file, for tests and the command line
     ~Settings();
     Settings(Settings&&) noexcept;
@@ -41,8 +49,14 @@ public:
     void remove(const QString& key);
     void sync();
 
+    // Why the settings file could not be used; nothing when it could.
+    const std::optional<Error>& error() const { return m_error; }
+
 private:
-    std::unique_ptr<QSettings> m_settings;
+    void openChecked(const QString& path, const std::function<std::unique_ptr<QSettings>()>& open);
+
+    std::unique_ptr<QSettings> m_settings; // null when the file could not be used
+    std::optional<Error> m_error;
 };
 
 // Reads stored booleans the way the defaults hold them: true/false, "YES"/"NO", "1"/"0", numbers.

@@ -1,6 +1,6 @@
 #include "app/XmlFile.h"
 
-#include <QFile>
+#include "app/RegularFile.h"
 
 #include <algorithm>
 
@@ -8,15 +8,10 @@ namespace quillon::app {
 
 Result<std::shared_ptr<pugi::xml_document>> loadXmlFile(const QString& path, unsigned options)
 {
-    QFile file(path);
-    if (!file.exists())
-        return makeError(QStringLiteral("the file is missing"), path);
-    if (!file.open(QIODevice::ReadOnly))
-        return makeError(QStringLiteral("the file cannot be read (%1)").arg(file.errorString()), path);
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return makeError(QStringLiteral("the file cannot be read (%1)").arg(file.errorString()), path);
-    return parseXml(bytes, path, options);
+    Result<QByteArray> bytes = readRegularFile(path, kMaxXmlFileBytes);
+    if (!bytes)
+        return bytes.error();
+    return parseXml(*bytes, path, options);
 }
 
 Result<std::shared_ptr<pugi::xml_document>> parseXml(const QByteArray& bytes, const QString& sourceName,

@@ -1,5 +1,6 @@
 #include "cli/InspectCommands.h"
 
+#include "app/RegularFile.h"
 #include "fileinspect/FileFacts.h"
 
 #include <QJsonArray>
@@ -31,12 +32,12 @@ QString listText(const QString& count, const QStringList& items)
 
 QString factsText(const FileFacts& facts)
 {
-    QStringList lines{facts.path, QStringLiteral("  Kind: %1").arg(fileinspect::fileKindName(facts.kind))};
+    QStringList lines{app::displayPath(facts.path),
+                      QStringLiteral("  Kind: %1").arg(fileinspect::fileKindName(facts.kind))};
     auto add = [&lines](const QString& label, const QString& value) {
         if (!value.isEmpty())
             lines << QStringLiteral("  %1: %2").arg(label, value);
     };
-    add(QStringLiteral("Error"), facts.error);
     add(QStringLiteral("Colour mode"), facts.colorMode);
     add(QStringLiteral("Profile"), facts.profile);
     if (facts.pixelWidth > 0 && facts.pixelHeight > 0)
@@ -68,15 +69,19 @@ int runInspect(const InspectOptions& options)
 {
     QStringList paths;
     for (const std::string& file : options.files)
-        paths << QString::fromLocal8Bit(file);
+        paths << app::pathFromLocalBytes(file);
     const QList<FileFacts> all = fileinspect::inspectFiles(paths);
     bool failed = false;
     QJsonArray records;
     for (const FileFacts& facts : all) {
-        failed = failed || !facts.error.isEmpty();
+        // A file that cannot be read is said on standard error; JSON keeps its entry, with the error.
+        if (!facts.error.isEmpty()) {
+            failed = true;
+            std::cerr << "quillon: " << app::makeError(facts.error, facts.path).text().toStdString() << "\n";
+        }
         if (options.format == "json")
             records.append(QJsonObject::fromVariantMap(fileinspect::factsRecord(facts)));
-        else
+        else if (facts.error.isEmpty())
             std::cout << factsText(facts).toStdString() << "\n";
     }
     if (options.format == "json")

@@ -1,7 +1,10 @@
 #include "cli/InspectCommands.h"
 
+#include "app/Numbers.h"
+#include "app/RegularFile.h"
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
+#include "fileinspect/PdfPages.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -24,13 +27,17 @@ struct MetadataOptions {
 };
 
 // A PDF has no image metadata; its rows are its first page's size, in points and in the
-// user's unit.
-QVariantList pdfRows(fileinspect::PXMetadataController& controller, const QString& path)
+// user's unit. A PDF that cannot be measured is an Error, never a size of 0 x 0.
+app::Result<QVariantList> pdfRows(fileinspect::PXMetadataController& controller, const QString& path)
 {
-    const QStringList points = controller.pdfDimensionsAtPath(path);
-    const QStringList print =
-        controller.printDimensionsFromInchValues(points.value(0).toDouble() / 72.0, points.value(1).toDouble() / 72.0);
-    return {
+    const auto size = fileinspect::firstPageSize(path);
+    if (!size)
+        return size.error();
+    if (!*size)
+        return app::makeError(QStringLiteral("is a PDF without pages"), path);
+    const QStringList points{app::formatOneDecimal((*size)->width), app::formatOneDecimal((*size)->height)};
+    const QStringList print = controller.printDimensionsFromInchValues((*size)->width / 72.0, (*size)->height / 72.0);
+    return QVariantList{
         QVariantMap{{kTag, QStringLiteral("Page Size")},
                     {kValue, QStringLiteral("%1 x %2 pt").arg(points.value(0), points.value(1))}},
         QVariantMap{
@@ -41,17 +48,23 @@ QVariantList pdfRows(fileinspect::PXMetadataController& controller, const QStrin
 
 int runMetadata(const MetadataOptions& options)
 {
-    const QString path = QString::fromLocal8Bit(options.file);
-    const QFileInfo info(path);
-    if (!info.isFile() || !info.isReadable()) {
-        std::cerr << "quillon: " << path.toStdString()
-                  << (info.exists() ? ": not a readable file\n" : ": no such file\n");
+    const QString path = app::pathFromLocalBytes(options.file);
+    const auto fail = [](const app::Error& error) {
+        std::cerr << "quillon: " << error.text().toStdString() << "\n";
         return kExitFailure;
-    }
+    };
+    if (app::Status regular = app::checkRegularFile(path); !regular)
+        return fail(regular.error());
     fileinspect::PXMetadataController controller;
-    const QVariantList rows = fileinspect::detectFileKind(path) == fileinspect::FileKind::PDF
-                                  ? pdfRows(controller, path)
-                                  : controller.readFromURL(path, info.suffix());
+    QVariantList rows;
+    if (fileinspect::detectFileKind(path) == fileinspect::FileKind::PDF) {
+        app::Result<QVariantList> pdf = pdfRows(controller, path);
+        if (!pdf)
+            return fail(pdf.error());
+        rows = std::move(pdf).value();
+    } else {
+        rows = controller.readFromURL(path, QFileInfo(path).suffix());
+    }
     if (options.format == "json") {
         QJsonArray array;
         for (const QVariant& row : rows)

@@ -1,24 +1,18 @@
 #include "fileinspect/ByteSource.h"
 
-#include <QFile>
+#include "app/RegularFile.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quillon::fileinspect {
 
 struct ByteSource::File {
-    int fd = -1;
-    ~File()
-    {
-        if (fd >= 0)
-            ::close(fd);
-    }
+    app::ReadableFile file;
+    int fd() const { return file.descriptor(); }
 };
 
 ByteSource::ByteSource() = default;
@@ -30,31 +24,17 @@ ByteSource ByteSource::openFile(const QString& path)
 {
     ByteSource source;
     source.m_path = path;
-    // Non-blocking, so that a named pipe put where a file was expected cannot stall the open.
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        source.m_error = qt_error_string(errno);
+    app::Result<app::ReadableFile> opened = app::openRegularFile(path);
+    if (!opened) {
+        source.m_error = opened.error().message;
         return source;
     }
-    source.m_file = std::make_unique<File>();
-    source.m_file->fd = fd;
-    struct stat info {};
-    if (::fstat(fd, &info) != 0) {
-        source.m_error = qt_error_string(errno);
-        source.m_file.reset();
-        return source;
-    }
-    if (!S_ISREG(info.st_mode)) {
-        source.m_error = S_ISDIR(info.st_mode) ? QStringLiteral("It is a folder, not a file.")
-                                               : QStringLiteral("It is not a regular file.");
-        source.m_file.reset();
-        return source;
-    }
-    source.m_size = info.st_size;
+    source.m_file = std::make_unique<File>(File{std::move(opened).value()});
+    source.m_size = source.m_file->file.size();
     source.m_bytes.resize(std::min(source.m_size, kHeadSize));
     const qint64 got = source.readInto(source.m_bytes.data(), 0, source.m_bytes.size());
     if (got < 0) {
-        source.m_error = qt_error_string(errno);
+        source.m_error = QStringLiteral("cannot be read: %1").arg(app::systemErrorText(errno));
         source.m_file.reset();
         source.m_bytes.clear();
         source.m_size = 0;
@@ -83,7 +63,7 @@ QString ByteSource::errorString() const
 {
     if (!m_error.isEmpty())
         return m_error;
-    return m_readFailed ? QStringLiteral("The file could not be read to its end.") : QString();
+    return m_readFailed ? QStringLiteral("cannot be read to its end") : QString();
 }
 
 qint64 ByteSource::readInto(char* buffer, qint64 offset, qint64 length) const
@@ -91,7 +71,7 @@ qint64 ByteSource::readInto(char* buffer, qint64 offset, qint64 length) const
     qint64 done = 0;
     while (done < length) {
         const ssize_t got =
-            ::pread(m_file->fd, buffer + done, static_cast<size_t>(length - done), static_cast<off_t>(offset + done));
+            ::pread(m_file->fd(), buffer + done, static_cast<size_t>(length - done), static_cast<off_t>(offset + done));
         if (got < 0) {
             if (errno == EINTR)
                 continue;

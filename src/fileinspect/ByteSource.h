@@ -37,7 +37,8 @@ public:
     bool isOpen() const { return m_open; }
     // True for a file on disk, false for a buffer.
     bool isFile() const { return m_file != nullptr; }
-    // Why the file could not be opened or read (the system's text); empty when all went well.
+    // Why the file could not be opened or read, to follow its name ("is not a regular file (a
+    // FIFO)", "does not exist"); empty when all went well.
     QString errorString() const;
     // True once a read of the file failed after opening (an I/O error, a file that shrank).
     bool readFailed() const { return m_readFailed; }

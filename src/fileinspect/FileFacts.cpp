@@ -2,6 +2,7 @@
 
 #include "app/Numbers.h"
 #include "app/NumericText.h"
+#include "app/RegularFile.h"
 #include "fileinspect/ByteSource.h"
 #include "fileinspect/IccProfile.h"
 #include "fileinspect/ImageSource.h"
@@ -40,27 +41,61 @@ FileKind kindByExtension(const QString& path)
     return FileKind::Unknown;
 }
 
-FileKind detectKind(const ByteSource& file)
+// The kind by the file's first bytes alone; Unknown when they match no known signature. An
+// Illustrator file is PostScript or PDF inside and is told by its ".ai" extension.
+FileKind signatureKind(const ByteSource& file)
 {
-    const QByteArray head = file.read(0, 32);
-    const FileKind byExtension = kindByExtension(file.path());
+    const QByteArray head = file.read(0, 1024);
+    const bool namedAi = kindByExtension(file.path()) == FileKind::Illustrator;
     if (head.startsWith("8BPS"))
         return FileKind::Photoshop;
     if (head.startsWith("\xC5\xD0\xD3\xC6"))
         return FileKind::EPS;
     if (head.startsWith("%!PS-Adobe"))
-        return byExtension == FileKind::Illustrator ? FileKind::Illustrator : FileKind::EPS;
-    if (head.startsWith("%PDF"))
-        return byExtension == FileKind::Illustrator ? FileKind::Illustrator : FileKind::PDF;
+        return namedAi ? FileKind::Illustrator : FileKind::EPS;
     if (head.startsWith("\xFF\xD8\xFF"))
         return FileKind::JPEG;
     if (head.startsWith("\x89PNG"))
         return FileKind::PNG;
     if (head.startsWith(QByteArrayView("II*\0", 4)) || head.startsWith(QByteArrayView("MM\0*", 4)))
         return FileKind::TIFF;
-    if (file.read(36, 4) == "acsp")
+    if (head.mid(36, 4) == "acsp")
         return FileKind::IccProfile;
-    return byExtension;
+    if (hasPdfHeader(head))
+        return namedAi ? FileKind::Illustrator : FileKind::PDF;
+    return FileKind::Unknown;
+}
+
+FileKind detectKind(const ByteSource& file)
+{
+    const FileKind bySignature = signatureKind(file);
+    return bySignature != FileKind::Unknown ? bySignature : kindByExtension(file.path());
+}
+
+// Why a file named as `kind` is not one: the signature its content lacks.
+QString missingSignature(FileKind kind)
+{
+    switch (kind) {
+    case FileKind::Photoshop:
+        return QStringLiteral("not a Photoshop file (no 8BPS signature)");
+    case FileKind::EPS:
+        return QStringLiteral("not an EPS file (no %!PS-Adobe or DOS EPS signature)");
+    case FileKind::Illustrator:
+        return QStringLiteral("not an Illustrator file (no %!PS-Adobe or %PDF- signature)");
+    case FileKind::TIFF:
+        return QStringLiteral("not a TIFF file (no II* or MM* signature)");
+    case FileKind::JPEG:
+        return QStringLiteral("not a JPEG file (no FF D8 FF signature)");
+    case FileKind::PNG:
+        return QStringLiteral("not a PNG file (no PNG signature)");
+    case FileKind::PDF:
+        return QStringLiteral("not a PDF file (no %PDF- header in its first 1024 bytes)");
+    case FileKind::IccProfile:
+        return QStringLiteral("not an ICC profile (no acsp signature)");
+    case FileKind::Unknown:
+        break;
+    }
+    return {};
 }
 
 // The parts of a list the readers separate by carriage returns or line feeds.
@@ -145,7 +180,8 @@ void inspectRasterEps(FileFacts& facts, QString head, QNPreflightMethods& reader
             break;
         }
     }
-    const double points = app::doubleValueOfText(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
+    const double points =
+        app::doubleValueOfText(numbersAfterLast(head, QStringLiteral("%%HiResBoundingBox: ")).value(2));
     if (facts.pixelWidth > 0 && points > 0)
         facts.resolution = app::formatNoDecimal(facts.pixelWidth / (points / 72.0));
     if (head.contains(QLatin1String("CustomColors: ("))) {
@@ -199,8 +235,12 @@ void inspectPdf(FileFacts& facts)
         facts.error = size.error().message;
         return;
     }
-    facts.pageWidth = size.value() ? size.value()->width : 0.0;
-    facts.pageHeight = size.value() ? size.value()->height : 0.0;
+    if (!size.value()) {
+        facts.error = QStringLiteral("is a PDF without pages");
+        return;
+    }
+    facts.pageWidth = size.value()->width;
+    facts.pageHeight = size.value()->height;
 }
 
 } // namespace
@@ -242,7 +282,12 @@ FileFacts inspectFile(const QString& path, FileKind kind)
     const ByteSource file = ByteSource::openFile(path);
     facts.kind = kind == FileKind::Unknown ? detectKind(file) : kind;
     if (!file.isOpen()) {
-        facts.error = QStringLiteral("The file could not be opened: %1").arg(file.errorString());
+        facts.error = file.errorString();
+        return facts;
+    }
+    // The kind comes from the content: a name alone ("empty.psd") proves nothing.
+    if (kind == FileKind::Unknown && signatureKind(file) == FileKind::Unknown && facts.kind != FileKind::Unknown) {
+        facts.error = missingSignature(facts.kind);
         return facts;
     }
     QNPreflightMethods reader;
@@ -270,7 +315,7 @@ FileFacts inspectFile(const QString& path, FileKind kind)
         break;
     }
     if (file.readFailed())
-        facts.error = QStringLiteral("The file could not be read: %1").arg(file.errorString());
+        facts.error = file.errorString();
     return facts;
 }
 
@@ -296,7 +341,7 @@ QList<FileFacts> inspectFiles(const QStringList& paths, int threads)
 QVariantMap factsRecord(const FileFacts& facts)
 {
     using namespace factkeys;
-    QVariantMap record{{kPath, facts.path}, {kKind, fileKindName(facts.kind)}};
+    QVariantMap record{{kPath, app::displayPath(facts.path)}, {kKind, fileKindName(facts.kind)}};
     auto addText = [&record](const QString& key, const QString& value) {
         if (!value.isEmpty())
             record.insert(key, value);

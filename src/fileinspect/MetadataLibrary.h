@@ -3,11 +3,10 @@
 // The metadata library (exiv2), opened and read in one place: set up once for the process, its
 // exceptions turned into Errors at the call. For this layer's own files only.
 
+#include "app/RegularFile.h"
 #include "app/Result.h"
 
 #include <QByteArray>
-#include <QFile>
-#include <QFileInfo>
 #include <QString>
 
 // exiv2 0.27's headers still name std::auto_ptr.
@@ -17,7 +16,6 @@
 #pragma GCC diagnostic pop
 
 #include <exception>
-#include <stdexcept>
 
 namespace quillon::fileinspect::metadatalibrary {
 
@@ -44,18 +42,14 @@ auto readWith(const QString& name, Open open, Use use) -> app::Result<decltype(u
 }
 
 // The image file at `path`; only regular files (the library would wait on a named pipe).
-template <typename Use> auto readFile(const QString& path, Use use)
+template <typename Use>
+auto readFile(const QString& path, Use use) -> app::Result<decltype(use(std::declval<Exiv2::Image&>()))>
 {
-    const std::string localPath = QFile::encodeName(path).toStdString();
-    const bool isFile = QFileInfo(path).isFile();
+    if (app::Status regular = app::checkRegularFile(path); !regular)
+        return regular.error();
+    const std::string localPath = app::localBytesOfPath(path).toStdString();
     return readWith(
-        path,
-        [&] {
-            if (!isFile)
-                throw std::runtime_error("There is no file to read.");
-            return Exiv2::ImageFactory::open(localPath, false);
-        },
-        use);
+        path, [&] { return Exiv2::ImageFactory::open(localPath, false); }, use);
 }
 
 // An image in memory; `name` names it in messages.

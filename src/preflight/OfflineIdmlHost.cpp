@@ -3,6 +3,7 @@
 #include "app/AppPaths.h"
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "app/RegularFile.h"
 #include "preflight/FontColorInspection.h"
 #include "preflight/IdmlPackage.h"
 #include "preflight/IdmlXml.h"
@@ -129,12 +130,12 @@ Status OfflineIdmlHost::checkDocumentPath(const QString& path)
     if (path.isEmpty())
         return makeError(QStringLiteral("No document was given: give the path of an IDML file (.idml)."));
     const QFileInfo info(path);
-    if (!info.exists())
-        return makeError(QStringLiteral("the file does not exist"), path);
     if (info.isDir())
         return makeError(QStringLiteral("is a folder, not a document: give the path of an IDML file (.idml) "
                                         "exported from InDesign"),
                          path);
+    if (Status regular = app::checkRegularFile(path); !regular)
+        return regular;
     const QString suffix = info.suffix().toLower();
     if (suffix == QLatin1String("idml"))
         return {};
@@ -293,9 +294,8 @@ Status OfflineIdmlHost::processFonts(const QStringList& record, const QString& i
     if (Status checked = checkRecord(record); !checked)
         return checked;
     const QString path = record[kRecordPosixPath];
-    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
-        return processFontsFromIdml(folder, path, dataFolder);
-    });
+    return inspectUnpacked(path, idmlFolder, m_workFolder,
+                           [&](const QString& folder) { return processFontsFromIdml(folder, path, dataFolder); });
 }
 
 Status OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,

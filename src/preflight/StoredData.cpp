@@ -27,7 +27,7 @@ app::Status writeDocumentEntry(const QString& dataFolder, const QString& fileNam
     const QString path = QDir(dataFolder).filePath(fileName);
     QVariantMap root;
     if (QFileInfo::exists(path)) {
-        auto existing = app::readPropertyListDictionary(path);
+        auto existing = app::readPropertyListDictionary(path, app::kMaxDataFileBytes);
         if (existing)
             root = std::move(existing).value();
         else
@@ -49,7 +49,7 @@ app::Result<QVariantList> readStoredArray(const QString& path)
 {
     if (!QFileInfo::exists(path))
         return QVariantList();
-    auto value = app::readPropertyListFile(path);
+    auto value = app::readPropertyListFile(path, app::kMaxDataFileBytes);
     if (!value)
         return value.error();
     if (value->typeId() != QMetaType::QVariantList)

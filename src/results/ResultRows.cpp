@@ -57,7 +57,7 @@ QVariantMap readDataFile(const QString& fileName)
 QVariantMap readDataFile(const QString& folder, const QString& fileName)
 {
     const QString path = folder + u'/' + fileName;
-    auto dict = app::readPropertyListDictionary(path);
+    auto dict = app::readPropertyListDictionary(path, app::kMaxDataFileBytes);
     if (!dict) {
         app::logFailure(QStringLiteral("read data file: %1").arg(dict.error().text()));
         return {};

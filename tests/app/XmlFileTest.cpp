@@ -15,7 +15,7 @@ TEST(XmlFile, ErrorsNameTheFileAndTheLine)
     const auto gone = loadXmlFile(missing);
     ASSERT_FALSE(gone.ok());
     EXPECT_EQ(gone.error().file, missing);
-    EXPECT_TRUE(gone.error().message.contains(QStringLiteral("missing")));
+    EXPECT_TRUE(gone.error().message.contains(QStringLiteral("does not exist")));
 
     const QString broken = dir.filePath(QStringLiteral("Styles.xml"));
     quillon::test::writeAll(broken, "<?xml version=\"1.0\"?>\n<Styles>\n  <Style Name=\"a\">\n</Styles>\n");

@@ -1,8 +1,10 @@
 #include "CliRunner.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -40,8 +42,17 @@ TEST(InspectCommand, UnreadableFilesFailTheRunButNotTheOthers)
 {
     const auto run = runQuillon({QStringLiteral("inspect"), sample("psd/no such file.psd"), sample("jpeg/GPS.jpg")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.out.contains("could not be opened")) << run.out.toStdString();
+    EXPECT_TRUE(run.err.contains("no such file.psd: the file does not exist")) << run.err.toStdString();
+    EXPECT_FALSE(run.out.contains("no such file"));
     EXPECT_TRUE(run.out.contains("Pixel size: 120 x 80"));
+    // A file named as a kind it is not is said to be so, not listed as that kind.
+    QTemporaryDir dir;
+    const QString psd = dir.filePath(QStringLiteral("empty.psd"));
+    QFile(psd).open(QIODevice::WriteOnly);
+    const auto empty = runQuillon({QStringLiteral("inspect"), psd});
+    EXPECT_EQ(empty.exitCode, 2);
+    EXPECT_TRUE(empty.err.contains("empty.psd: not a Photoshop file (no 8BPS signature)")) << empty.err.toStdString();
+    EXPECT_FALSE(empty.out.contains("Kind: Photoshop"));
     EXPECT_NE(runQuillon({QStringLiteral("inspect")}).exitCode, 0);
     EXPECT_NE(runQuillon({QStringLiteral("inspect"), QStringLiteral("--format"), QStringLiteral("xml"),
                           sample("jpeg/GPS.jpg")})
@@ -67,5 +78,17 @@ TEST(MetadataCommand, RowsOfImagesAndPageSizeOfPdfs)
 
     const auto missing = runQuillon({QStringLiteral("metadata"), sample("jpeg/none.jpg")});
     EXPECT_EQ(missing.exitCode, 2);
-    EXPECT_TRUE(missing.err.contains("no such file"));
+    EXPECT_TRUE(missing.err.contains("none.jpg: the file does not exist")) << missing.err.toStdString();
+
+    // A PDF that cannot be read has no page size, not one of 0 x 0.
+    QTemporaryDir dir;
+    const QString broken = dir.filePath(QStringLiteral("broken.pdf"));
+    QFile file(broken);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("%PDF-1.4\nnot really");
+    file.close();
+    const auto unreadable = runQuillon({QStringLiteral("metadata"), broken});
+    EXPECT_EQ(unreadable.exitCode, 2);
+    EXPECT_TRUE(unreadable.err.contains("broken.pdf: is a PDF that cannot be read")) << unreadable.err.toStdString();
+    EXPECT_FALSE(unreadable.out.contains("0 x 0"));
 }

@@ -4,9 +4,13 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace quillon::fileinspect;
 using quillon::test::samplePath;
@@ -138,16 +142,32 @@ TEST(FileFacts, UnreadableFilesSayWhy)
 {
     const FileFacts missing = inspectFile(samplePath("psd/no such file.psd"));
     EXPECT_EQ(missing.kind, FileKind::Photoshop);
-    EXPECT_TRUE(missing.error.contains(QLatin1String("could not be opened"))) << missing.error.toStdString();
-    EXPECT_TRUE(inspectFile(samplePath("psd")).error.contains(QLatin1String("folder")));
+    EXPECT_EQ(missing.error, u"the file does not exist");
+    EXPECT_EQ(inspectFile(samplePath("psd")).error, u"is not a regular file (a folder)");
 
     quillon::test::TempFiles files;
-    const FileFacts empty = inspectFile(files.write(QStringLiteral("empty.psd"), QByteArray()));
-    EXPECT_TRUE(empty.error.isEmpty());
-    EXPECT_TRUE(empty.colorMode.isEmpty());
-    EXPECT_TRUE(empty.profile.isEmpty());
+    ASSERT_EQ(::mkfifo(QFile::encodeName(files.path(QStringLiteral("pipe.psd"))).constData(), 0600), 0);
+    EXPECT_EQ(inspectFile(files.path(QStringLiteral("pipe.psd"))).error, u"is not a regular file (a FIFO)");
+
+    // The kind comes from the content; a name alone is not believed.
+    for (const QByteArray& bytes : {QByteArray(), QByteArray("\x12\x34 random bytes, no header")}) {
+        EXPECT_EQ(inspectFile(files.write(QStringLiteral("fake.psd"), bytes)).error,
+                  u"not a Photoshop file (no 8BPS signature)");
+        EXPECT_EQ(inspectFile(files.write(QStringLiteral("fake.pdf"), bytes)).error,
+                  u"not a PDF file (no %PDF- header in its first 1024 bytes)");
+    }
     const FileFacts broken = inspectFile(files.write(QStringLiteral("broken.pdf"), "%PDF-1.4\nnothing else"));
-    EXPECT_TRUE(broken.error.contains(QLatin1String("PDF"))) << broken.error.toStdString();
+    EXPECT_TRUE(broken.error.startsWith(QLatin1String("is a PDF that cannot be read"))) << broken.error.toStdString();
+
+    // Three gigabytes that are not a PDF, or only pretend to be, are refused without being scanned.
+    for (const QByteArray& head : {QByteArray("GIF89a"), QByteArray("%PDF-1.7\n%garbage")}) {
+        const QString huge = files.write(QStringLiteral("huge.pdf"), head);
+        ASSERT_EQ(::truncate(QFile::encodeName(huge).constData(), 3LL << 30), 0);
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(inspectFile(huge).error.isEmpty());
+        EXPECT_LT(timer.elapsed(), 2000) << head.toStdString();
+    }
 }
 
 TEST(FileFacts, RecordsLeaveOutWhatIsNotKnown)
