@@ -1,5 +1,6 @@
 #include "cli/InspectCommands.h"
 
+#include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 
 #include <QJsonArray>
@@ -36,7 +37,6 @@ QString factsText(const FileFacts& facts)
         if (!value.isEmpty())
             lines << QStringLiteral("  %1: %2").arg(label, value);
     };
-    add(QStringLiteral("Error"), facts.error);
     add(QStringLiteral("Colour mode"), facts.colorMode);
     add(QStringLiteral("Profile"), facts.profile);
     if (facts.pixelWidth > 0 && facts.pixelHeight > 0)
@@ -74,10 +74,13 @@ int runInspect(const InspectOptions& options)
     QJsonArray records;
     for (const FileFacts& facts : all) {
         failed = failed || !facts.error.isEmpty();
+        if (!facts.error.isEmpty())
+            std::cerr << "quillon inspect: " << printableText(facts.path + QStringLiteral(": ") + facts.error)
+                      << std::endl;
         if (options.format == "json")
             records.append(QJsonObject::fromVariantMap(fileinspect::factsRecord(facts)));
         else
-            std::cout << factsText(facts).toStdString() << "\n";
+            std::cout << printableLinesText(factsText(facts)) << "\n";
     }
     if (options.format == "json")
         std::cout << QJsonDocument(records).toJson(QJsonDocument::Indented).toStdString();

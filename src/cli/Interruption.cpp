@@ -1,48 +1,143 @@
 #include "cli/Interruption.h"
 
+#include "cli/Commands.h"
+
+#include <QDir>
+#include <QStringList>
+
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <csignal>
+#include <mutex>
+#include <string_view>
+#include <thread>
+
+#include <unistd.h>
 
 namespace quillon::cli {
 
 namespace {
 
-std::atomic<bool> g_requested{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "the flag is set from a signal handler");
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
-struct sigaction g_previousInt;
-struct sigaction g_previousTerm;
+std::atomic<int> g_signal{0};   // the first signal received
+std::atomic<int> g_received{0}; // how many arrived
+static_assert(std::atomic<int>::is_always_lock_free, "set from a signal handler");
+
+struct sigaction g_previous[std::size(kSignals)];
 
 void onSignal(int signal)
 {
-    if (g_requested.exchange(true)) {
-        // The second time the user means it.
-        std::signal(signal, SIG_DFL);
-        std::raise(signal);
+    int none = 0;
+    g_signal.compare_exchange_strong(none, signal);
+    ++g_received;
+}
+
+// The folders to remove on a forced end, and the watch that forces it.
+struct Watch {
+    std::mutex mutex;
+    std::condition_variable finished;
+    QStringList folders;
+    bool done = false;
+    std::thread thread;
+};
+
+Watch* g_watch = nullptr;
+
+int statusForSignal(int signal)
+{
+    if (signal == 0)
+        return 0;
+    if (signal == SIGPIPE)
+        return kExitFailure;
+    return 128 + signal;
+}
+
+[[noreturn]] void endNow(Watch& watch)
+{
+    {
+        std::lock_guard lock(watch.mutex);
+        for (const QString& folder : std::as_const(watch.folders))
+            QDir(folder).removeRecursively();
     }
+    const std::string_view message =
+        g_signal.load() == SIGPIPE ? "quillon: cannot write standard output: Broken pipe\n" : "quillon: stopped\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+    ::_exit(statusForSignal(g_signal.load()));
+}
+
+void watchForSignals(Watch& watch)
+{
+    using namespace std::chrono;
+    std::unique_lock lock(watch.mutex);
+    while (!watch.done && g_signal.load() == 0)
+        watch.finished.wait_for(lock, milliseconds(20));
+    if (watch.done)
+        return;
+    // The command has its grace to stop on its own; a second signal cuts it short.
+    const auto deadline = steady_clock::now() + milliseconds(Interruption::kGraceMilliseconds);
+    while (!watch.done && g_received.load() < 2 && steady_clock::now() < deadline)
+        watch.finished.wait_for(lock, milliseconds(10));
+    if (watch.done)
+        return;
+    lock.unlock();
+    endNow(watch);
 }
 
 } // namespace
 
 Interruption::Interruption()
 {
-    g_requested = false;
+    g_signal = 0;
+    g_received = 0;
+    g_watch = new Watch;
+    g_watch->thread = std::thread(watchForSignals, std::ref(*g_watch));
     struct sigaction action = {};
     action.sa_handler = onSignal;
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &g_previousInt);
-    sigaction(SIGTERM, &action, &g_previousTerm);
+    for (size_t i = 0; i < std::size(kSignals); ++i)
+        sigaction(kSignals[i], &action, &g_previous[i]);
 }
 
 Interruption::~Interruption()
 {
-    sigaction(SIGINT, &g_previousInt, nullptr);
-    sigaction(SIGTERM, &g_previousTerm, nullptr);
+    {
+        std::lock_guard lock(g_watch->mutex);
+        g_watch->done = true;
+    }
+    g_watch->finished.notify_all();
+    g_watch->thread.join();
+    for (size_t i = 0; i < std::size(kSignals); ++i)
+        sigaction(kSignals[i], &g_previous[i], nullptr);
+    delete std::exchange(g_watch, nullptr);
 }
 
 bool Interruption::requested()
 {
-    return g_requested.load();
+    return g_signal.load() != 0;
+}
+
+int Interruption::exitStatus()
+{
+    return statusForSignal(g_signal.load());
+}
+
+void Interruption::removeOnForcedExit(const QString& folder)
+{
+    if (!g_watch)
+        return;
+    std::lock_guard lock(g_watch->mutex);
+    g_watch->folders.append(folder);
+}
+
+void Interruption::forget(const QString& folder)
+{
+    if (!g_watch)
+        return;
+    std::lock_guard lock(g_watch->mutex);
+    g_watch->folders.removeOne(folder);
 }
 
 } // namespace quillon::cli

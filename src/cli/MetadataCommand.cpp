@@ -1,5 +1,6 @@
 #include "cli/InspectCommands.h"
 
+#include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
 
@@ -44,7 +45,7 @@ int runMetadata(const MetadataOptions& options)
     const QString path = QString::fromLocal8Bit(options.file);
     const QFileInfo info(path);
     if (!info.isFile() || !info.isReadable()) {
-        std::cerr << "quillon: " << path.toStdString()
+        std::cerr << "quillon metadata: " << printableText(path)
                   << (info.exists() ? ": not a readable file\n" : ": no such file\n");
         return kExitFailure;
     }
@@ -62,10 +63,10 @@ int runMetadata(const MetadataOptions& options)
     for (const QVariant& value : rows) {
         const QVariantMap row = value.toMap();
         if (fileinspect::isMetadataHeaderRow(row))
-            std::cout << "[" << row.value(kTag).toString().toStdString() << "]\n";
+            std::cout << "[" << printableText(row.value(kTag).toString()) << "]\n";
         else
-            std::cout << "  " << row.value(kTag).toString().toStdString() << ": "
-                      << fileinspect::metadataValueText(row.value(kValue)).toStdString() << "\n";
+            std::cout << "  " << printableText(row.value(kTag).toString()) << ": "
+                      << printableText(fileinspect::metadataValueText(row.value(kValue))) << "\n";
     }
     return kExitOk;
 }
