@@ -82,6 +82,9 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
         document.error = errorText(opened.error(), path);
         return document;
     }
+
+    const preflight::PreflightFolders folders = preflight::PreflightFolders::inside(runFolder);
+    host.setWorkFolder(folders.workFolder);
     // The driver shows a document it cannot read as an alert without the part's name; asking for
     // the record first keeps it ("designmap.xml: ...").
     if (const app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
@@ -89,9 +92,6 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
         document.error = errorText(record.error(), path);
         return document;
     }
-
-    const preflight::PreflightFolders folders = preflight::PreflightFolders::inside(runFolder);
-    host.setWorkFolder(folders.workFolder);
     app::ScriptedAlertSink alerts; // every alert has one answer here: go on
     StatusProgress progress(statusReport);
     reports::PreflightResults results(reports::PreflightResults::fixedPreset(options.preset));
