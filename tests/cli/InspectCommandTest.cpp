@@ -40,7 +40,11 @@ TEST(InspectCommand, UnreadableFilesFailTheRunButNotTheOthers)
 {
     const auto run = runQuillon({QStringLiteral("inspect"), sample("psd/no such file.psd"), sample("jpeg/GPS.jpg")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.out.contains("could not be opened")) << run.out.toStdString();
+    // The error goes to standard error, naming the file.
+    EXPECT_TRUE(run.err.contains("quillon inspect: ") && run.err.contains("no such file.psd: ") &&
+                run.err.contains("could not be opened"))
+        << run.err.toStdString();
+    EXPECT_FALSE(run.out.contains("could not be opened")) << run.out.toStdString();
     EXPECT_TRUE(run.out.contains("Pixel size: 120 x 80"));
     EXPECT_NE(runQuillon({QStringLiteral("inspect")}).exitCode, 0);
     EXPECT_NE(runQuillon({QStringLiteral("inspect"), QStringLiteral("--format"), QStringLiteral("xml"),
