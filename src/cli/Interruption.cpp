@@ -2,7 +2,7 @@
 
 #include "cli/Commands.h"
 
-#include <QDir>
+#include <QFile>
 #include <QStringList>
 
 #include <atomic>
@@ -13,6 +13,15 @@
 #include <string_view>
 #include <thread>
 
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace quillon::cli {
@@ -54,13 +63,77 @@ int statusForSignal(int signal)
     return 128 + signal;
 }
 
+// Other threads are stopped where they are before the folders go, so that none of them makes a
+// file there again; they may hold any lock (the allocator's too), so from then on only system
+// calls are used.
+std::atomic<int> g_frozen{0};
+
+void freezeThread(int)
+{
+    ++g_frozen;
+    for (;;)
+        ::pause();
+}
+
+int freezeSignal()
+{
+    return SIGRTMIN + 2;
+}
+
+void freezeOtherThreads()
+{
+    struct sigaction action = {};
+    action.sa_handler = freezeThread;
+    sigemptyset(&action.sa_mask);
+    sigaction(freezeSignal(), &action, nullptr);
+    const pid_t self = static_cast<pid_t>(::syscall(SYS_gettid));
+    int signalled = 0;
+    if (DIR* tasks = ::opendir("/proc/self/task")) {
+        while (const dirent* entry = ::readdir(tasks)) {
+            const long tid = std::strtol(entry->d_name, nullptr, 10);
+            if (tid > 0 && tid != self && ::syscall(SYS_tgkill, ::getpid(), tid, freezeSignal()) == 0)
+                ++signalled;
+        }
+        ::closedir(tasks);
+    }
+    for (int waited = 0; g_frozen.load() < signalled && waited < 200; ++waited)
+        ::usleep(1000);
+}
+
+// Removes `name` in the folder `parent` and everything in it, with system calls only.
+void removeTree(int parent, const char* name)
+{
+    if (::unlinkat(parent, name, 0) == 0 || errno != EISDIR)
+        return;
+    // A folder read while its entries go may skip some: read it again, a few times at most.
+    for (int pass = 0; pass < 3 && ::unlinkat(parent, name, AT_REMOVEDIR) != 0 && errno == ENOTEMPTY; ++pass) {
+        const int folder = ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        if (folder < 0)
+            return;
+        alignas(8) char buffer[4096];
+        for (long size; (size = ::syscall(SYS_getdents64, folder, buffer, sizeof buffer)) > 0;) {
+            for (long offset = 0; offset < size;) {
+                const auto* entry = reinterpret_cast<const dirent64*>(buffer + offset);
+                offset += entry->d_reclen;
+                if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+                    removeTree(folder, entry->d_name);
+            }
+        }
+        ::close(folder);
+    }
+}
+
 [[noreturn]] void endNow(Watch& watch)
 {
+    std::vector<std::string> folders;
     {
         std::lock_guard lock(watch.mutex);
         for (const QString& folder : std::as_const(watch.folders))
-            QDir(folder).removeRecursively();
+            folders.push_back(QFile::encodeName(folder).toStdString());
     }
+    freezeOtherThreads();
+    for (const std::string& folder : folders)
+        removeTree(AT_FDCWD, folder.c_str());
     const std::string_view message =
         g_signal.load() == SIGPIPE ? "quillon: cannot write standard output: Broken pipe\n" : "quillon: stopped\n";
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
