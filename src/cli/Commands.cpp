@@ -16,4 +16,10 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addMetadataCommand(program, commands);
 }
 
+CLI::Validator nonEmpty(const std::string& what)
+{
+    return CLI::Validator(
+        [what](std::string& value) { return value.empty() ? "an empty value; give " + what : std::string(); }, "");
+}
+
 } // namespace quillon::cli

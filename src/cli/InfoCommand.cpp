@@ -1,6 +1,8 @@
 #include "cli/Commands.h"
 
+#include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
+#include "cli/TerminalText.h"
 
 #include "preflight/DocInfo.h"
 #include "preflight/InDesignHost.h"
@@ -63,9 +65,9 @@ void printText(const DocumentFacts& facts)
         {"Bleed", info.bleedStr()},
         {"Slug", info.slugStr()},
     };
-    std::cout << info.docName().toStdString() << '\n';
+    std::cout << printableText(info.docName()) << '\n';
     for (const auto& [label, value] : lines)
-        std::cout << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << value.toStdString()
+        std::cout << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << printableText(value)
                   << '\n';
     if (facts.repaired)
         std::cout << "  (the archive was damaged and was read from a repaired copy)\n";
@@ -101,10 +103,12 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     int status = kExitOk;
     bool first = true;
     for (const std::string& document : documents) {
+        if (Interruption::requested())
+            break;
         const QString path = QString::fromLocal8Bit(document.c_str());
         app::Result<DocumentFacts> facts = readDocument(path, workFolder.path());
         if (!facts) {
-            std::cerr << "quillon info: " << facts.error().text().toStdString() << '\n';
+            std::cerr << "quillon info: " << printableText(facts.error().text()) << std::endl;
             status = kExitFailure;
             if (json)
                 array.append(
@@ -119,6 +123,7 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
             if (!first)
                 std::cout << '\n';
             printText(*facts);
+            std::cout << std::flush;
         }
         first = false;
     }

@@ -1,6 +1,7 @@
 #include "cli/InspectCommands.h"
 
 #include "app/RegularFile.h"
+#include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 
 #include <QJsonArray>
@@ -77,12 +78,12 @@ int runInspect(const InspectOptions& options)
         // A file that cannot be read is said on standard error; JSON keeps its entry, with the error.
         if (!facts.error.isEmpty()) {
             failed = true;
-            std::cerr << "quillon: " << app::makeError(facts.error, facts.path).text().toStdString() << "\n";
+            std::cerr << "quillon inspect: " << printableText(app::makeError(facts.error, facts.path).text()) << "\n";
         }
         if (options.format == "json")
             records.append(QJsonObject::fromVariantMap(fileinspect::factsRecord(facts)));
         else if (facts.error.isEmpty())
-            std::cout << factsText(facts).toStdString() << "\n";
+            std::cout << printableLinesText(factsText(facts)) << "\n";
     }
     if (options.format == "json")
         std::cout << QJsonDocument(records).toJson(QJsonDocument::Indented).toStdString();

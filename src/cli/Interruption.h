@@ -1,19 +1,32 @@
 #pragma once
 
+#include <QString>
+
 namespace quillon::cli {
 
-// Ctrl-C (and a request to terminate) while a command runs: the first one only sets a flag that
-// the command checks, so that it can cancel cleanly and remove its temporary files; a second
-// one ends the process at once.
+// The signals that end a command: SIGINT (Ctrl-C), SIGTERM, SIGHUP (the terminal went away) and
+// SIGPIPE (the reader of the output went away). The first one only sets a flag that the command
+// checks, so that it can cancel and remove its temporary files itself. When it has not returned
+// within kGraceMilliseconds (or at a second signal), the folders registered here are removed and
+// the process ends with the signal's exit status.
 class Interruption {
 public:
-    // Installs the handlers; the previous ones come back when the object goes.
+    // Installs the handlers and the watch; the previous handlers come back when the object goes.
     Interruption();
     ~Interruption();
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
     static bool requested();
+    // 130 for SIGINT, 2 for SIGPIPE (an output was lost), 128 + the signal's number otherwise;
+    // 0 when no signal came.
+    static int exitStatus();
+
+    // A temporary folder to remove should the process have to end before its owner removes it.
+    static void removeOnForcedExit(const QString& folder);
+    static void forget(const QString& folder);
+
+    static constexpr int kGraceMilliseconds = 400;
 };
 
 // The exit status of a command stopped by Ctrl-C (128 + SIGINT).

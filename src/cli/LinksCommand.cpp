@@ -1,6 +1,8 @@
 #include "cli/LinksCommand.h"
 
+#include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
+#include "cli/TerminalText.h"
 
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
@@ -50,13 +52,14 @@ QJsonValue jsonValue(const QVariant& value)
 // names a document holds).
 QString cell(const QString& text, int width)
 {
-    return text.size() > width ? text.left(width - 1) + u'…' : text.leftJustified(width);
+    const QString shown = printable(text);
+    return shown.size() > width ? shown.left(width - 1) + u'…' : shown.leftJustified(width);
 }
 
 void printTable(const QString& docPath, const QVariantList& records)
 {
     using namespace links;
-    std::cout << docPath.toStdString() << "  (" << records.size() << (records.size() == 1 ? " link)" : " links)")
+    std::cout << printableText(docPath) << "  (" << records.size() << (records.size() == 1 ? " link)" : " links)")
               << "\n";
     struct Column {
         const QString* key;
@@ -91,12 +94,19 @@ int runLinks(const LinksOptions& options)
     const PrivateWorkFolder workFolder(QStringLiteral("links"));
     if (!workFolder.isValid())
         return kExitFailure;
+    const bool json = options.format == "json";
     QJsonArray documents;
     for (const std::string& document : options.documents) {
-        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()), workFolder.path());
+        if (Interruption::requested())
+            break;
+        const QString path = QString::fromLocal8Bit(document.c_str());
+        app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder.path());
         if (!unpacked) {
-            std::cerr << "quillon links: " << unpacked.error().text().toStdString() << "\n";
+            std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
             status = kExitFailure;
+            if (json)
+                documents.append(
+                    QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
             continue;
         }
         const QString docPath = unpacked->record.value(preflight::kRecordPosixPath);
@@ -111,13 +121,15 @@ int runLinks(const LinksOptions& options)
                 (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
                 status = kExitAlerts;
         }
-        if (options.format == "json")
+        if (json) {
             documents.append(
                 QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
-        else
+        } else {
             printTable(docPath, records);
+            std::cout << std::flush;
+        }
     }
-    if (options.format == "json")
+    if (json)
         std::cout << QJsonDocument(documents).toJson(QJsonDocument::Indented).toStdString();
     return status;
 }
@@ -129,16 +141,15 @@ void addLinksCommand(CLI::App& program, std::vector<Command>& commands)
     auto options = std::make_shared<LinksOptions>();
     CLI::App* links = program.add_subcommand(
         "links", "List the placed files of IDML documents: page, kind, status, colour, resolution, scale, profile.");
-    links->add_option("documents", options->documents, "IDML files")->required()->check(CLI::ExistingFile);
+    links->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
     links
         ->add_option("--links-dir", options->linkFolders,
                      "Folder searched by file name for links that are not where the document recorded them "
-                     "(after the document's folder and its Links folder); may be repeated")
-        ->check(CLI::ExistingDirectory);
+                     "(after the document's folder and its Links folder); one folder each time, may be repeated")
+        ->check(CLI::ExistingDirectory)
+        ->allow_extra_args(false);
     links->add_option("--format", options->format, "Output: table (default) or json")
         ->check(CLI::IsMember({"table", "json"}));
-    links->footer("Exit status: 0 all links found and current, 1 some link missing or modified, "
-                  "2 a document could not be read.");
     commands.push_back({links, [options] { return runLinks(*options); }});
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/Numbers.h"
 #include "app/RegularFile.h"
+#include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
 #include "fileinspect/PdfPages.h"
@@ -50,8 +51,10 @@ int runMetadata(const MetadataOptions& options)
 {
     const QString path = app::pathFromLocalBytes(options.file);
     const auto fail = [](const app::Error& error) {
-        std::cerr << "quillon: " << error.text().toStdString() << "\n";
-        return kExitFailure;
+        std::cerr << "quillon metadata: " << printableText(error.text())
+                  << "
+                     ";
+            return kExitFailure;
     };
     if (app::Status regular = app::checkRegularFile(path); !regular)
         return fail(regular.error());
@@ -75,10 +78,10 @@ int runMetadata(const MetadataOptions& options)
     for (const QVariant& value : rows) {
         const QVariantMap row = value.toMap();
         if (fileinspect::isMetadataHeaderRow(row))
-            std::cout << "[" << row.value(kTag).toString().toStdString() << "]\n";
+            std::cout << "[" << printableText(row.value(kTag).toString()) << "]\n";
         else
-            std::cout << "  " << row.value(kTag).toString().toStdString() << ": "
-                      << fileinspect::metadataValueText(row.value(kValue)).toStdString() << "\n";
+            std::cout << "  " << printableText(row.value(kTag).toString()) << ": "
+                      << printableText(fileinspect::metadataValueText(row.value(kValue))) << "\n";
     }
     return kExitOk;
 }

@@ -1,6 +1,8 @@
 #include "cli/OfflineDocument.h"
 
 #include "app/Alerts.h"
+#include "cli/Interruption.h"
+#include "cli/TerminalText.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
@@ -55,10 +57,15 @@ PrivateWorkFolder::PrivateWorkFolder(const QString& command)
 {
     if (!m_folder.isValid())
         std::cerr << "quillon " << command.toStdString() << ": no temporary folder could be made in "
-                  << QDir::tempPath().toStdString() << '\n';
+                  << printableText(QDir::tempPath()) << ": " << printableText(m_folder.errorString()) << '\n';
+    else
+        Interruption::removeOnForcedExit(m_folder.path());
 }
 
-PrivateWorkFolder::~PrivateWorkFolder() = default;
+PrivateWorkFolder::~PrivateWorkFolder()
+{
+    Interruption::forget(m_folder.path());
+}
 
 bool PrivateWorkFolder::isValid() const
 {

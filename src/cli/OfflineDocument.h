@@ -26,7 +26,8 @@ struct UnpackedDocument {
 app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder);
 
 // A private work folder for one run of a command, so that parallel runs never share (or remove)
-// each other's files; removed with everything in it when the object goes.
+// each other's files; removed with everything in it when the object goes, or by the
+// interruption's forced end.
 class PrivateWorkFolder {
 public:
     explicit PrivateWorkFolder(const QString& command);

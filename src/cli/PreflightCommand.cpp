@@ -6,19 +6,21 @@
 #include "app/PropertyList.h"
 #include "app/Settings.h"
 #include "cli/Interruption.h"
+#include "cli/OfflineDocument.h"
 #include "cli/PreflightJob.h"
 #include "cli/PreflightPrinter.h"
 #include "cli/ProgressLine.h"
+#include "cli/TerminalText.h"
 #include "preflight/ControlCenter.h"
 #include "reports/TextReport.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
 #include "results/Presets.h"
+#include "results/PresetsFile.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <atomic>
@@ -42,6 +44,7 @@ struct PreflightOptions {
     std::string reportDir;
     std::vector<std::string> linkDirs;
     int jobs = 0;
+    bool overwrite = false;
 };
 
 QString q(const std::string& text)
@@ -51,8 +54,8 @@ QString q(const std::string& text)
 
 void printError(const QString& about, const QString& message)
 {
-    std::cerr << "quillon preflight: " << (about.isEmpty() ? QString() : about + QStringLiteral(": ")).toStdString()
-              << message.toStdString() << std::endl;
+    std::cerr << "quillon preflight: "
+              << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
 }
 
 struct ChosenPreset {
@@ -60,12 +63,13 @@ struct ChosenPreset {
     QVariantMap preset; // empty: the results are not judged
 };
 
-// The preset of --preset-file, of --preset, or the current one of the user defaults.
+// The preset of --preset-file, of --preset, or the current one of the user defaults. A preset
+// that cannot be found or read is an error: results that nobody judged must not pass as clean.
 app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
 {
     if (!options.presetFile.empty()) {
         const QString path = QFileInfo(q(options.presetFile)).absoluteFilePath();
-        app::Result<QVariantMap> preset = app::readPropertyListDictionary(path);
+        app::Result<QVariantMap> preset = results::readPresetFile(path);
         if (!preset)
             return preset.error();
         const QString name = preset->value(results::kPresetNameKey).toString();
@@ -78,13 +82,14 @@ app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
     const qsizetype row = table.rowOfPreset(name);
     if (row >= 0)
         return ChosenPreset{name, table.items().at(row).toMap()};
+    if (const std::optional<app::Error> refused = table.refusalOf(name))
+        return *refused;
+    const QString how = QStringLiteral("choose one with --preset NAME (quillon presets list shows them)");
     if (!options.preset.empty())
-        return app::makeError(
-            QStringLiteral("No checkup preset is named \"%1\" (see quillon presets list).").arg(name));
-    printError({}, QStringLiteral("The selected checkup preset \"%1\" could not be found: it could be renamed or "
-                                  "deleted. The results are not judged; choose a preset with --preset.")
-                       .arg(name));
-    return ChosenPreset{name, {}};
+        return app::makeError(QStringLiteral("No checkup preset is named \"%1\": %2.").arg(name, how));
+    return app::makeError(QStringLiteral("The selected checkup preset \"%1\" could not be found: it could be "
+                                         "renamed or deleted. Nothing was preflighted; %2.")
+                              .arg(name, how));
 }
 
 // The report file name of each document: "<name>_Quillon_Report.txt", numbered when an earlier
@@ -165,11 +170,9 @@ int runPreflight(const PreflightOptions& options)
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
 
     // Every document works in a folder of its own inside this one, which goes at the end.
-    QTemporaryDir runRoot(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-preflight-XXXXXX")));
-    if (!runRoot.isValid()) {
-        printError(QDir::tempPath(), QStringLiteral("no temporary folder can be made here"));
+    const PrivateWorkFolder runRoot(QStringLiteral("preflight"));
+    if (!runRoot.isValid())
         return kExitFailure;
-    }
 
     QStringList paths;
     for (const std::string& document : options.documents)
@@ -178,7 +181,6 @@ int runPreflight(const PreflightOptions& options)
     const qsizetype jobs = std::clamp<qsizetype>(
         options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1, paths.size());
 
-    Interruption interruption;
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
     OrderedPrinter printer(format, preset->name, progress, paths.size());
     RunningCenters running;
@@ -192,7 +194,7 @@ int runPreflight(const PreflightOptions& options)
             const qsizetype index = nextDocument++;
             if (index >= paths.size() || Interruption::requested())
                 break;
-            const QString runFolder = runRoot.filePath(QString::number(index));
+            const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
             QDir().mkpath(runFolder);
             const QString name = QFileInfo(paths.at(index)).fileName();
             PreflightedDocument document = preflightDocument(
@@ -200,12 +202,12 @@ int runPreflight(const PreflightOptions& options)
                 [&running](preflight::QNControlCenter* center, bool on) { running.watch(center, on); },
                 [&progress, &name](const QString& status) { progress.status(name, status); });
             if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
-                const QString target = QDir(reportDir).filePath(reportNames.at(index));
-                if (QFileInfo(target).isDir())
-                    document.warnings
-                        << QStringLiteral("%1: a folder of that name is in the way of the report").arg(target);
-                else if (const app::Status copied = app::copyPathReplacingIt(document.reportFilePath, target); !copied)
-                    document.warnings << copied.error().text();
+                const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
+                    document.reportText.toUtf8(), reportDir, reportNames.at(index),
+                    options.overwrite ? reports::QNTextReport::ExistingFile::Replace
+                                      : reports::QNTextReport::ExistingFile::Number);
+                if (!saved)
+                    document.outputError = saved.error().text();
             }
             QDir(runFolder).removeRecursively();
             if (Interruption::requested() && !document.preflighted)
@@ -232,7 +234,7 @@ int runPreflight(const PreflightOptions& options)
     printer.finish(paths);
     if (Interruption::requested()) {
         printError({}, QStringLiteral("cancelled"));
-        return kExitInterrupted;
+        return Interruption::exitStatus();
     }
     return printer.exitStatus();
 }
@@ -255,16 +257,23 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
         ->add_option("--format", options->format,
                      "summary (the default), text (the report), tab (the tab-delimited report) or json")
         ->check(CLI::IsMember({"summary", "text", "tab", "json"}));
-    preflight->add_option("--report-dir", options->reportDir,
-                          "Also write each document's report file (<name>_Quillon_Report.txt) into this folder");
+    preflight
+        ->add_option("--report-dir", options->reportDir,
+                     "Also write each document's report file (<name>_Quillon_Report.txt) into this folder, made "
+                     "when missing; a file already there is kept (see --overwrite)")
+        ->check(nonEmpty("a folder name"));
     preflight
         ->add_option("--links-dir", options->linkDirs,
                      "Folder searched by file name for links missing where the document recorded them "
                      "(may be given several times)")
         ->allow_extra_args(false); // one folder each time, so that documents may follow
+    preflight->add_flag("--overwrite", options->overwrite,
+                        "Replace a report file of the same name in the report folder (without it the new report "
+                        "is numbered: <name>_Quillon_Report_1.txt)");
     preflight
-        ->add_option("--jobs", options->jobs, "Documents preflighted at the same time (default: the number of cores)")
-        ->check(CLI::PositiveNumber);
+        ->add_option("--jobs", options->jobs,
+                     "Documents preflighted at the same time, 1 to 64 (default: the number of cores)")
+        ->check(CLI::Range(1, 64));
     commands.push_back({preflight, [options] { return runPreflight(*options); }});
 }
 

@@ -4,6 +4,7 @@
 #include "app/Company.h"
 #include "app/Progress.h"
 #include "preflight/ControlCenter.h"
+#include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
 #include "reports/PreflightResults.h"
 
@@ -35,11 +36,15 @@ private:
 };
 
 // An alert as one line of text: its title and message, without the support line of the desktop.
+// Titles that speak of InDesign's "active document" are left out: here the document is the file
+// the line names.
 QString alertText(const app::AlertRequest& request)
 {
     QString message = request.message;
     message.remove(app::supportContactLine());
     message = message.trimmed();
+    if (request.title.contains(QLatin1String("active document"), Qt::CaseInsensitive))
+        return message.isEmpty() ? QStringLiteral("the document cannot be preflighted") : message;
     return message.isEmpty() ? request.title : request.title + QStringLiteral(": ") + message;
 }
 
@@ -80,6 +85,13 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
 
     const preflight::PreflightFolders folders = preflight::PreflightFolders::inside(runFolder);
     host.setWorkFolder(folders.workFolder);
+    // The driver shows a document it cannot read as an alert without the part's name; asking for
+    // the record first keeps it ("designmap.xml: ...").
+    if (const app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
+        !record) {
+        document.error = errorText(record.error(), path);
+        return document;
+    }
     app::ScriptedAlertSink alerts; // every alert has one answer here: go on
     StatusProgress progress(statusReport);
     reports::PreflightResults results(reports::PreflightResults::fixedPreset(options.preset));

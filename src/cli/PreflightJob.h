@@ -33,6 +33,7 @@ struct PreflightedDocument {
     bool preflighted = false;
     QString error;        // why it could not be preflighted
     QStringList warnings; // what went wrong without stopping the preflight
+    QString outputError;  // a result that could not be written (the report file)
     preflight::QNDocInfo info;
     QVariantList links;
     QVariantList fonts;

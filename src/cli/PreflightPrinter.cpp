@@ -4,6 +4,7 @@
 #include "cli/Commands.h"
 #include "cli/PreflightOutput.h"
 #include "cli/ProgressLine.h"
+#include "cli/TerminalText.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -43,18 +44,19 @@ RenderedDocument renderDocument(const PreflightedDocument& document, const QStri
 {
     RenderedDocument rendered;
     rendered.path = document.path;
-    rendered.failed = !document.preflighted;
-    rendered.alerted = document.preflighted && document.status.total != 0;
-    if (rendered.failed)
+    rendered.failed = !document.preflighted || !document.outputError.isEmpty();
+    rendered.alerted = document.preflighted && (document.status.total != 0 || !document.warnings.isEmpty());
+    if (!document.preflighted)
         rendered.problems << document.error;
+    if (!document.outputError.isEmpty())
+        rendered.problems << document.outputError;
     for (const QString& warning : document.warnings)
         rendered.problems << QStringLiteral("warning: ") + warning;
     if (isJson(format))
         rendered.out = nestedJson(documentJson(document));
     else if (document.preflighted)
-        rendered.out =
-            (format == QLatin1String("summary") ? summaryText(document, presetName) : document.reportText + u'\n')
-                .toStdString();
+        rendered.out = printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName)
+                                                                             : document.reportText + u'\n');
     return rendered;
 }
 
@@ -106,7 +108,7 @@ void OrderedPrinter::print(const RenderedDocument& document)
     m_failed = m_failed || document.failed;
     m_alerted = m_alerted || document.alerted;
     for (const QString& problem : document.problems)
-        std::cerr << "quillon preflight: " << document.path.toStdString() << ": " << problem.toStdString() << '\n';
+        std::cerr << "quillon preflight: " << printableText(document.path + QStringLiteral(": ") + problem) << '\n';
     std::cerr << std::flush;
     if (!document.out.empty()) {
         const char* separator = isJson(m_format) ? ",\n" : "\n";

@@ -2,8 +2,10 @@
 #include "cli/PresetsCommand.h"
 
 #include "app/Alerts.h"
+#include "app/Company.h"
 #include "app/NumericText.h"
 #include "app/Settings.h"
+#include "cli/TerminalText.h"
 #include "results/ColorResults.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
@@ -39,9 +41,11 @@ public:
             return answerExportConflict();
         if (buttons == QStringList{QStringLiteral("Replace")})
             return answerImportConflict();
-        std::cerr << request.title.toStdString();
-        if (!request.message.isEmpty())
-            std::cerr << "\n" << request.message.toStdString();
+        QString message = request.message;
+        message.remove(app::supportContactLine());
+        std::cerr << printableText(request.title);
+        if (!message.trimmed().isEmpty())
+            std::cerr << "\n" << printableLinesText(message.trimmed());
         std::cerr << std::endl;
         m_reported = true;
         return app::kAlertFirstButton;
@@ -101,20 +105,23 @@ QString q(const std::string& s)
     return QString::fromStdString(s);
 }
 
-// Loads the presets; a failure to write the default is reported but does not stop the command.
+// Loads the presets; a failure to write the default and the preset files left out are reported
+// but do not stop the command.
 rs::QNPresetsTable loadTable()
 {
     rs::QNPresetsTable table;
     if (const app::Status loaded = table.loadPresets(); !loaded)
-        std::cerr << loaded.error().text().toStdString() << std::endl;
+        std::cerr << printableText(loaded.error().text()) << std::endl;
+    for (const app::Error& refused : table.refusedFiles())
+        std::cerr << "warning: preset left out: " << printableText(refused.text()) << std::endl;
     return table;
 }
 
 qsizetype findPreset(const rs::QNPresetsTable& table, const QString& name)
 {
     const qsizetype row = table.rowOfPreset(name);
-    if (row < 0)
-        std::cerr << "No checkup preset named \"" << name.toStdString() << "\"." << std::endl;
+    if (row < 0 && !table.refusalOf(name))
+        std::cerr << "No checkup preset named \"" << printableText(name) << "\"." << std::endl;
     return row;
 }
 
@@ -129,9 +136,9 @@ void printRules(const QVariantList& rules)
         std::cout << "  (no rules)\n";
     for (const QVariant& entry : rules) {
         const QVariantMap rule = entry.toMap();
-        std::cout << "  " << rule.value(rs::kRuleAttributeKey).toString().toStdString() << " "
-                  << rule.value(rs::kRuleConditionKey).toString().toStdString() << " \""
-                  << rule.value(rs::kRuleValueKey).toString().toStdString() << "\"\n";
+        std::cout << "  " << printableText(rule.value(rs::kRuleAttributeKey).toString()) << " "
+                  << printableText(rule.value(rs::kRuleConditionKey).toString()) << " \""
+                  << printableText(rule.value(rs::kRuleValueKey).toString()) << "\"\n";
     }
 }
 
@@ -139,7 +146,7 @@ std::string sizeLimit(const QString& field, const QString& unit)
 {
     if (field.isEmpty())
         return "off";
-    return (field + u' ' + unit).toStdString() + " (" + std::to_string(rs::sizeLimitBytes(field, unit)) + " bytes)";
+    return printableText(field + u' ' + unit) + " (" + std::to_string(rs::sizeLimitBytes(field, unit)) + " bytes)";
 }
 
 std::string resolutionRange(const QString& below, const QString& above)
@@ -160,8 +167,8 @@ int showPreset(const QString& name)
         return kExitFailure;
     const rs::PresetEditorState p = table.selectRow(row);
     const QString file = table.presetFilePath(name);
-    std::cout << "Preset: " << name.toStdString() << "\n"
-              << "File: " << (QFileInfo::exists(file) ? file.toStdString() : std::string("(not written yet)"))
+    std::cout << "Preset: " << printableText(name) << "\n"
+              << "File: " << (QFileInfo::exists(file) ? printableText(file) : std::string("(not written yet)"))
               << "\n\nFonts\n";
     printRules(p.fontRules);
     std::cout << "  PDF embedding check box: " << onOff(p.embedBtn) << "\n\nLinks\n";
@@ -234,8 +241,8 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
                             if (list->parsed()) {
                                 const rs::QNPresetsTable table = loadTable();
                                 for (const QString& name : table.presetNames())
-                                    std::cout << name.toStdString() << "\n";
-                                return kExitOk;
+                                    std::cout << printableText(name) << "\n";
+                                return table.refusedFiles().isEmpty() ? kExitOk : kExitAlerts;
                             }
                             if (show->parsed())
                                 return showPreset(q(options->name));
@@ -247,10 +254,10 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
                                 table.selectRow(row);
                                 const auto name = table.addRow();
                                 if (!name) {
-                                    std::cerr << name.error().text().toStdString() << std::endl;
+                                    std::cerr << printableText(name.error().text()) << std::endl;
                                     return kExitFailure;
                                 }
-                                std::cout << name->toStdString() << "\n";
+                                std::cout << printableText(*name) << "\n";
                                 return kExitOk;
                             }
                             if (rename->parsed()) {

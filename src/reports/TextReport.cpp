@@ -8,8 +8,12 @@
 #include "preflight/ColorRecordKeys.h"
 #include "preflight/FontRecordKeys.h"
 
+#include "app/FilePaths.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
+#include <QSaveFile>
 
 namespace quillon::reports {
 
@@ -132,7 +136,8 @@ QString QNTextReport::docInfoReport(const ReportDocumentInfo& info, const QDateT
     QString text = QStringLiteral("-----------------Quillon Report-----------------\n");
     text += QStringLiteral("Created with Quillon %1\n").arg(QLatin1String(app::kQuillonVersion));
     text += QLatin1String(app::kCompanyName) + u'\n';
-    text += QStringLiteral("%1  |  %2\n\n").arg(QLatin1String(app::kCompanyWebAddress), QLatin1String(app::kSupportAddress));
+    text += QStringLiteral("%1  |  %2\n\n")
+                .arg(QLatin1String(app::kCompanyWebAddress), QLatin1String(app::kSupportAddress));
     const QLocale locale;
     text += QStringLiteral("Report date: %1\n\n").arg(locale.toString(reportDate, QLocale::ShortFormat));
     text += QStringLiteral("Document: %1\n").arg(info.docName);
@@ -231,19 +236,61 @@ QString QNTextReport::reportText(const QVariantList& fonts, const QVariantList& 
     return text;
 }
 
-app::Result<QString> QNTextReport::writeReport(const QString& folder, const QVariantList& fonts, const QVariantList& colors,
-                                          const QVariantList& links, const QString& paraStylesReport,
-                                          const ReportDocumentInfo& info, const QDateTime& reportDate) const
+app::Result<QString> QNTextReport::writeReport(const QString& folder, const QVariantList& fonts,
+                                               const QVariantList& colors, const QVariantList& links,
+                                               const QString& paraStylesReport, const ReportDocumentInfo& info,
+                                               const QDateTime& reportDate) const
 {
     app::logLine(QStringLiteral("-> textReportWithFontsItems"));
-    const QString path = folder + u'/' + reportFileName(info.docName);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return app::makeError(QStringLiteral("the report cannot be written: %1").arg(file.errorString()), path);
-    const QByteArray bytes = reportText(fonts, colors, links, paraStylesReport, info, reportDate).toUtf8();
-    if (file.write(bytes) != bytes.size())
-        return app::makeError(QStringLiteral("the report cannot be written: %1").arg(file.errorString()), path);
-    return path;
+    return saveReportFile(reportText(fonts, colors, links, paraStylesReport, info, reportDate).toUtf8(), folder,
+                          reportFileName(info.docName), ExistingFile::Number);
+}
+
+namespace {
+
+app::Error reportError(const QString& path, const QString& reason)
+{
+    return app::makeError(QStringLiteral("the report cannot be written: %1").arg(reason), path);
+}
+
+// Takes the first free name ("<name>", "<name>_1", ...) by creating it empty: an exclusive
+// create, so that two runs never take the same one.
+app::Result<QString> claimFreeName(const QString& folder, const QString& fileName)
+{
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const QString path = app::finalPathByAppendingNumberToFileName(fileName, folder);
+        QFile placeholder(path);
+        if (placeholder.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return path;
+        if (placeholder.error() != QFileDevice::OpenError || !QFileInfo::exists(path))
+            return reportError(path, placeholder.errorString());
+    }
+    return reportError(folder + u'/' + fileName, QStringLiteral("no free name"));
+}
+
+} // namespace
+
+app::Result<QString> QNTextReport::saveReportFile(const QByteArray& bytes, const QString& folder,
+                                                  const QString& fileName, ExistingFile existing)
+{
+    QString path = folder + u'/' + fileName;
+    if (QFileInfo(path).isDir())
+        return reportError(path, QStringLiteral("a folder of that name is in the way"));
+    const bool claimed = existing == ExistingFile::Number;
+    if (claimed) {
+        app::Result<QString> free = claimFreeName(folder, fileName);
+        if (!free)
+            return free.error();
+        path = *free;
+    }
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+        return path;
+    const QString reason = file.errorString();
+    file.cancelWriting();
+    if (claimed)
+        QFile::remove(path); // the empty placeholder this call made
+    return reportError(path, reason);
 }
 
 } // namespace quillon::reports

@@ -68,10 +68,21 @@ public:
                        const QString& paraStylesReport, const ReportDocumentInfo& info,
                        const QDateTime& reportDate) const;
 
-    // Writes the report into `folder` as UTF-8 under reportFileName(); returns the file's path.
+    // Writes the report into `folder` as UTF-8 under reportFileName() (numbered when a file of
+    // that name is there); returns the file's path.
     app::Result<QString> writeReport(const QString& folder, const QVariantList& fonts, const QVariantList& colors,
-                                const QVariantList& links, const QString& paraStylesReport,
-                                const ReportDocumentInfo& info, const QDateTime& reportDate) const;
+                                     const QVariantList& links, const QString& paraStylesReport,
+                                     const ReportDocumentInfo& info, const QDateTime& reportDate) const;
+
+    // What happens to a file already at the report's name.
+    enum class ExistingFile { Number, Replace };
+    // Writes `bytes` as `folder`/`fileName` through a temporary file in the same folder renamed
+    // into place, so that a failed write (a full disk) leaves any earlier file whole. An existing
+    // file is kept and the report numbered ("<name>_1.txt") unless it is to be replaced. The name
+    // is claimed before the write, so that runs writing into one folder never take each other's.
+    // Returns the path written.
+    static app::Result<QString> saveReportFile(const QByteArray& bytes, const QString& folder, const QString& fileName,
+                                               ExistingFile existing);
 
 private:
     struct Column {

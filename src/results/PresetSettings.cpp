@@ -6,6 +6,7 @@
 #include "app/PropertyList.h"
 #include "results/PresetKeys.h"
 #include "results/Presets.h"
+#include "results/PresetsFile.h"
 
 #include <QFileInfo>
 
@@ -43,7 +44,7 @@ std::optional<QVariantMap> currPreset(const app::Settings& settings, app::AlertS
                       std::nullopt, false);
         return std::nullopt;
     }
-    auto preset = app::readPropertyListDictionary(path);
+    auto preset = readPresetFile(path);
     if (!preset) {
         app::runAlert(alerts, QStringLiteral("The selected checkup preset could not be read"),
                       app::withSupportContact(preset.error().text()), std::nullopt, false);

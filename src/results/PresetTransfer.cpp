@@ -6,11 +6,15 @@
 #include "app/PathComponents.h"
 #include "app/PropertyList.h"
 #include "results/PresetKeys.h"
+#include "results/Presets.h"
+#include "results/PresetsFile.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
+#include <optional>
 
 namespace quillon::results {
 
@@ -61,13 +65,25 @@ QString replacementPathFor(const QString& path)
     return {};
 }
 
+namespace {
+
+// The file name a preset file is exported as: "[Default].qnfp" becomes "Default.qnfp".
+QString exportedName(const QString& name)
+{
+    return name == kDefaultPresetName + u'.' + kPresetExtension ? QStringLiteral("Default.") + kPresetExtension : name;
+}
+
+} // namespace
+
 TransferOutcome exportAllPresets(const QString& presetsFolder, const QString& targetFolder, app::AlertSink& alerts)
 {
     app::logUserAction("exportAllPresets");
     const QStringList names = presetFileNames(presetsFolder);
     bool keepBoth = false;
+    // The clash is judged on the names the export writes, so a "Default.qnfp" of the user's is
+    // asked about like any other.
     const bool conflict = std::any_of(names.cbegin(), names.cend(), [&targetFolder](const QString& name) {
-        return QFileInfo::exists(targetFolder + u'/' + name);
+        return QFileInfo::exists(targetFolder + u'/' + exportedName(name));
     });
     if (conflict) {
         const int answer = app::runAlert(
@@ -77,12 +93,12 @@ TransferOutcome exportAllPresets(const QString& presetsFolder, const QString& ta
             return TransferOutcome::Cancelled;
         keepBoth = answer == app::kAlertThirdButton;
     }
+    QSet<QString> written;
     for (const QString& name : names) {
-        const QString targetName =
-            name == kDefaultPresetName + u'.' + kPresetExtension ? QStringLiteral("Default.") + kPresetExtension : name;
-        QString target = targetFolder + u'/' + targetName;
+        QString target = targetFolder + u'/' + exportedName(name);
         // A replaced file is replaced by the write itself, so a failed write leaves it as it was.
-        if (keepBoth && QFileInfo::exists(target))
+        // Two presets of this export never become one file ("[Default]" and "Default").
+        if ((keepBoth && QFileInfo::exists(target)) || written.contains(target))
             target = replacementPathFor(target);
         const auto preset = app::readPropertyListDictionary(presetsFolder + u'/' + name);
         if (!preset) {
@@ -94,9 +110,29 @@ TransferOutcome exportAllPresets(const QString& presetsFolder, const QString& ta
                           QStringList{QStringLiteral("Cancel")}, true);
             return TransferOutcome::Failed;
         }
+        written.insert(target);
     }
     return TransferOutcome::Done;
 }
+
+namespace {
+
+// Why a file cannot be imported: not a preset file, a name the presets refuse, or what it holds.
+std::optional<QString> importRefusal(const QString& file, const QString& presetsFolder)
+{
+    const QString fileName = app::lastPathComponent(file);
+    if (app::pathExtension(fileName) != kPresetExtension)
+        return QStringLiteral("%1: only preset files (.%2) can be imported").arg(file, kPresetExtension);
+    // "[Default]" is the one name outside the rules that a preset file may carry.
+    const QString name = app::stringByDeletingPathExtension(fileName);
+    if (const auto problem = name == kDefaultPresetName ? std::nullopt : presetNameProblem(name, presetsFolder))
+        return QStringLiteral("%1: %2").arg(file, problem->message.isEmpty() ? problem->title : problem->message);
+    if (const auto preset = readPresetFile(file); !preset)
+        return preset.error().text();
+    return std::nullopt;
+}
+
+} // namespace
 
 TransferOutcome importPresets(const QString& presetsFolder, const QStringList& files, app::AlertSink& alerts)
 {
@@ -104,8 +140,16 @@ TransferOutcome importPresets(const QString& presetsFolder, const QStringList& f
     enum class Mode { Ask, Replace, KeepBoth } mode = Mode::Ask;
     const QString failureTitle = QStringLiteral("presets could not be imported");
     QDir().mkpath(presetsFolder);
+    // Every file is checked before the first is written.
     for (const QString& file : files) {
-        const auto preset = app::readPropertyListDictionary(file);
+        if (const std::optional<QString> refusal = importRefusal(file, presetsFolder)) {
+            app::runAlert(alerts, failureTitle, app::withSupportContact(*refusal),
+                          QStringList{QStringLiteral("Cancel")}, true);
+            return TransferOutcome::Failed;
+        }
+    }
+    for (const QString& file : files) {
+        const auto preset = readPresetFile(file);
         if (!preset) {
             app::runAlert(alerts, failureTitle, app::withSupportContact(preset.error().text()),
                           QStringList{QStringLiteral("Cancel")}, true);

@@ -28,13 +28,15 @@ enum class TransferOutcome {
 };
 
 // Writes every preset of `presetsFolder` into `targetFolder`, "[Default].qnfp" as "Default.qnfp",
-// each with "name" set to its new file name. When a file name of the presets folder is already
-// in the target folder, the user chooses "Replace", "Cancel" or "Keep Both" (copies named by
-// replacementPathFor). The question compares the presets folder's own file names, so an existing
-// "Default.qnfp" is replaced without asking. Kept so.
+// each with "name" set to its new file name. When a name the export writes is already in the
+// target folder, the user chooses "Replace", "Cancel" or "Keep Both" (copies named by
+// replacementPathFor). Two presets that would be written under one name ("[Default]" and
+// "Default") never become one file: the second is numbered.
 TransferOutcome exportAllPresets(const QString& presetsFolder, const QString& targetFolder, app::AlertSink& alerts);
 
 // Copies preset files into `presetsFolder` under their own file names, "name" set to match.
+// Only ".qnfp" files whose names the presets take (presetNameProblem) and whose values pass the
+// preset's type check are imported; every file is checked before the first is written.
 // A name already there asks "Replace" and reads the answer in the classic alert codes:
 // 1 replaces this and every later conflict, 0 ends the import, -1 keeps both for this and every
 // later conflict, and any other answer keeps both for this file and asks again. The alerts of

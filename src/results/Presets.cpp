@@ -11,6 +11,7 @@
 #include "app/Strings.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
+#include "results/PresetsFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,6 +20,8 @@
 
 #include <algorithm>
 #include <cmath>
+
+#include <unistd.h>
 
 namespace quillon::results {
 
@@ -112,8 +115,8 @@ app::Status QNPresetsTable::loadStartupSettings(const app::Settings& settings)
 namespace {
 
 // The presets of the folder in name order (digits by value), each with a "name" (the file's base
-// name when the file gives none).
-QVariantList readPresetFiles(const QString& folder)
+// name when the file gives none). Files that cannot be read are left out and told in `refused`.
+QVariantList readPresetFiles(const QString& folder, QList<app::Error>& refused)
 {
     QStringList names = QDir(folder).entryList(QDir::Files);
     // By preset name, so "Print" comes before "Print copy 1".
@@ -124,9 +127,10 @@ QVariantList readPresetFiles(const QString& folder)
     for (const QString& fileName : names) {
         if (fileName.startsWith(u'.') || app::pathExtension(fileName) != kPresetExtension)
             continue;
-        auto preset = app::readPropertyListDictionary(folder + u'/' + fileName);
+        auto preset = readPresetFile(folder + u'/' + fileName);
         if (!preset) {
             app::logFailure(QStringLiteral("read preset: %1").arg(preset.error().text()));
+            refused.append(preset.error());
             continue;
         }
         if (preset->isEmpty())
@@ -144,7 +148,8 @@ app::Status QNPresetsTable::loadPresets()
 {
     app::logEntry("loadPresets");
     QDir().mkpath(m_folder);
-    m_items = readPresetFiles(m_folder);
+    m_refused.clear();
+    m_items = readPresetFiles(m_folder, m_refused);
     if (!m_items.isEmpty()) {
         const qsizetype row = rowOfPreset(kDefaultPresetName);
         if (row > 0)
@@ -158,6 +163,15 @@ app::Status QNPresetsTable::loadPresets()
     if (QFileInfo::exists(path))
         return app::makeError(QStringLiteral("The default preset could not be read; it was left as it is."), path);
     return writePreset(m_items.first().toMap());
+}
+
+std::optional<app::Error> QNPresetsTable::refusalOf(const QString& name) const
+{
+    const QString path = presetFilePath(name);
+    for (const app::Error& error : m_refused)
+        if (error.file == path)
+            return error;
+    return std::nullopt;
 }
 
 app::Status QNPresetsTable::writePreset(const QVariantMap& preset) const
@@ -325,7 +339,43 @@ bool isAscii(const QString& text)
     return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 128; });
 }
 
+// The longest file name, in bytes, the folder's file system takes.
+qsizetype fileNameMaxBytes(const QString& folder)
+{
+    const long max = ::pathconf(QFile::encodeName(folder).constData(), _PC_NAME_MAX);
+    return max > 0 ? max : 255;
+}
+
 } // namespace
+
+std::optional<PresetNameProblem> presetNameProblem(const QString& name, const QString& folder)
+{
+    const QString error = QStringLiteral("Error");
+    if (name.isEmpty())
+        return PresetNameProblem{QStringLiteral("Please assign a name to the preflight preset"), QString(), true, true};
+    if (name.contains(u':') || name.contains(u'/') || name.contains(u'[') || name.contains(u']') || !isAscii(name))
+        return PresetNameProblem{
+            error,
+            QStringLiteral("Preset names cannot contain the following characters: : / [ ], as well as some other "
+                           "special characters and accented letters."),
+            false, false};
+    if (name.startsWith(u'.'))
+        return PresetNameProblem{error, QStringLiteral("Preset name cannot start with a period (.)"), false, true};
+    // The desktop's rules end here; these keep the name a file name on this system.
+    if (std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; }))
+        return PresetNameProblem{error, QStringLiteral("Preset names cannot contain control characters."), false, true};
+    // Files are written through a temporary one named "<file>.XXXXXX", which must fit too.
+    const qsizetype bytes = QFile::encodeName(name + u'.' + kPresetExtension).size();
+    const qsizetype max = fileNameMaxBytes(folder) - 7;
+    if (bytes > max)
+        return PresetNameProblem{error,
+                                 QStringLiteral("The preset name is too long: its file name takes %1 bytes and the "
+                                                "presets folder allows %2.")
+                                     .arg(bytes)
+                                     .arg(max),
+                                 false, true};
+    return std::nullopt;
+}
 
 bool QNPresetsTable::renamePreset(qsizetype row, const QString& newName, app::AlertSink& alerts, PresetsPopup* popup)
 {
@@ -340,21 +390,10 @@ bool QNPresetsTable::renamePreset(qsizetype row, const QString& newName, app::Al
                    QStringLiteral("Please choose a different name."));
         return false;
     }
-    if (newName.isEmpty()) {
-        criticalOK(alerts, QStringLiteral("Please assign a name to the preflight preset"), QString());
-        return false;
-    }
-    if (newName.contains(u':') || newName.contains(u'/') || newName.contains(u'[') || newName.contains(u']') ||
-        !isAscii(newName)) {
-        app::runAlert(alerts, QStringLiteral("Error"),
-                      QStringLiteral("Preset names cannot contain the following characters: : / [ ], as well as some "
-                                     "other special characters and accented letters."),
-                      std::nullopt, false);
-        return false;
-    }
-    if (newName.startsWith(u'.')) {
-        app::runAlert(alerts, QStringLiteral("Error"), QStringLiteral("Preset name cannot start with a period (.)"),
-                      QStringList{QStringLiteral("OK")}, false);
+    if (const std::optional<PresetNameProblem> problem = presetNameProblem(newName, m_folder)) {
+        app::runAlert(alerts, problem->title, problem->message,
+                      problem->okButton ? std::optional<QStringList>(QStringList{QStringLiteral("OK")}) : std::nullopt,
+                      problem->critical);
         return false;
     }
     if (QFileInfo::exists(presetFilePath(newName))) {
@@ -362,13 +401,26 @@ bool QNPresetsTable::renamePreset(qsizetype row, const QString& newName, app::Al
                    QStringLiteral("Please choose a different name."));
         return false;
     }
-    preset.insert(kPresetNameKey, newName);
-    m_items[row] = preset;
-    if (!QFile::rename(presetFilePath(oldName), presetFilePath(newName)))
-        app::logFailure(QStringLiteral("move preset file: %1").arg(presetFilePath(oldName)));
-    // The moved file still names the old preset inside; give it the new name at once.
-    if (app::Status written = writePreset(preset); !written)
-        app::logFailure(QStringLiteral("write renamed preset: %1").arg(written.error().text()));
+    // The new file is written whole first; only then does the old one go, so that a failure at
+    // any step leaves the preset as it was.
+    const QVariantMap renamed = [&] {
+        QVariantMap copy = preset;
+        copy.insert(kPresetNameKey, newName);
+        return copy;
+    }();
+    if (const app::Status written = writePreset(renamed); !written) {
+        QFile::remove(presetFilePath(newName));
+        criticalOK(alerts, QStringLiteral("The preset could not be renamed"), written.error().text());
+        return false;
+    }
+    const QString oldFile = presetFilePath(oldName);
+    if (QFileInfo::exists(oldFile) && !QFile::remove(oldFile)) {
+        QFile::remove(presetFilePath(newName));
+        criticalOK(alerts, QStringLiteral("The preset could not be renamed"),
+                   QStringLiteral("%1: the old file cannot be removed").arg(oldFile));
+        return false;
+    }
+    m_items[row] = renamed;
     refillPopup(popup, presetNames(), oldName, newName);
     return true;
 }

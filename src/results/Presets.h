@@ -44,6 +44,17 @@ QString stringForKeyInDict(const QString& key, const QVariantMap& dict, const QS
 // anything else gets the critical alert "Invalid numeric value" and is refused.
 bool acceptNumericField(app::AlertSink& alerts, const QString& text);
 
+// Why a name cannot be a preset's: the alert to show. The desktop's rules (empty, ":", "/", "[",
+// "]", outside ASCII, a leading ".") and what keeps it a file name in `folder` (no control
+// characters, not longer than the file system takes with the extension).
+struct PresetNameProblem {
+    QString title;
+    QString message;
+    bool critical = false;
+    bool okButton = true;
+};
+std::optional<PresetNameProblem> presetNameProblem(const QString& name, const QString& folder);
+
 // What the presets window's editors show for a preset, and write back into it.
 struct PresetEditorState {
     QVariantList linkRules;
@@ -86,11 +97,15 @@ public:
     // when there is such a row. Until the first selection change, leaving a row writes nothing.
     app::Status loadStartupSettings(const app::Settings& settings);
 
-    // Reads every "*.qnfp" of the folder (hidden files, unreadable and empty ones skipped) with
+    // Reads every "*.qnfp" of the folder (hidden files, refused and empty ones skipped) with
     // "[Default]" moved first, or an in-memory default put first when there is none. An empty
     // folder gets "[Default].qnfp" written. Fails only when that file cannot be written (the
     // default is listed anyway).
     app::Status loadPresets();
+
+    // Why the file of the preset with that name was left out at the last load, if it was.
+    std::optional<app::Error> refusalOf(const QString& name) const;
+    const QList<app::Error>& refusedFiles() const { return m_refused; }
 
     qsizetype selectedRow() const { return m_selectedRow; }
     // The selected preset, or nothing.
@@ -115,9 +130,10 @@ public:
     // is refilled and shows "[Default]" when it showed the removed preset. True when removed.
     bool removeRow(app::AlertSink& alerts, PresetsPopup* popup = nullptr);
 
-    // Renames the preset of `row`, refusing with an alert a name that is taken, empty, holds
-    // ":", "/", "[", "]" or anything outside ASCII, starts with ".", or has a file already.
-    // Moves its file and keeps the pop-up showing it. True when renamed (or unchanged).
+    // Renames the preset of `row`, refusing with an alert a name that is taken, that
+    // presetNameProblem refuses, or that has a file already. The new file is written before the
+    // old one goes, so a failure leaves the preset as it was. Keeps the pop-up showing it. True
+    // when renamed (or unchanged).
     bool renamePreset(qsizetype row, const QString& newName, app::AlertSink& alerts, PresetsPopup* popup = nullptr);
 
     // Whether a row's name may be edited: decided by an entry "presets" that presets never carry,
@@ -129,6 +145,7 @@ private:
 
     QString m_folder;
     QVariantList m_items;
+    QList<app::Error> m_refused;
     qsizetype m_selectedRow = -1;
     bool m_isLaunching = false;
 };

@@ -10,7 +10,8 @@ CliRun runQuillon(const QStringList& arguments, int timeoutMs)
     return runQuillon(arguments, {}, timeoutMs);
 }
 
-CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs)
+CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs,
+                  const QString& standardOutputFile)
 {
     QProcess process;
     process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
@@ -19,6 +20,8 @@ CliRun runQuillon(const QStringList& arguments, const QStringList& environment, 
     for (const QString& variable : environment)
         env.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process.setProcessEnvironment(env);
+    if (!standardOutputFile.isEmpty())
+        process.setStandardOutputFile(standardOutputFile, QIODevice::Append);
     process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
     CliRun run;
     if (!process.waitForFinished(timeoutMs)) {

@@ -15,7 +15,9 @@ struct CliRun {
 // application-support folder; gives up after `timeoutMs`.
 CliRun runQuillon(const QStringList& arguments, int timeoutMs = 60000);
 
-// The same with more environment variables ("NAME=value"), such as a private TMPDIR.
-CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs = 60000);
+// The same with more environment variables ("NAME=value"), such as a private TMPDIR, and
+// standard output sent to a file when one is given (then `out` stays empty).
+CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs = 60000,
+                  const QString& standardOutputFile = {});
 
 } // namespace quillon::test

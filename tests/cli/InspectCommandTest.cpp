@@ -42,7 +42,8 @@ TEST(InspectCommand, UnreadableFilesFailTheRunButNotTheOthers)
 {
     const auto run = runQuillon({QStringLiteral("inspect"), sample("psd/no such file.psd"), sample("jpeg/GPS.jpg")});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.err.contains("no such file.psd: the file does not exist")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("quillon inspect: ") && run.err.contains("no such file.psd: the file does not exist"))
+        << run.err.toStdString();
     EXPECT_FALSE(run.out.contains("no such file"));
     EXPECT_TRUE(run.out.contains("Pixel size: 120 x 80"));
     // A file named as a kind it is not is said to be so, not listed as that kind.

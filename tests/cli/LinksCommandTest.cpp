@@ -2,9 +2,11 @@
 
 #include "support/TestSupport.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -52,14 +54,49 @@ TEST(CliLinks, LinksDirFindsLinksAndUnreadableDocumentsAreNamed)
         QJsonDocument::fromJson(found.out).array()[0].toObject().value(QStringLiteral("links")).toArray()[0].toObject();
     EXPECT_EQ(link.value(QStringLiteral("path")).toString(), samplePath(sets + QStringLiteral("media/default.jpg")));
 
+    // --links-dir takes one folder: the documents after it are listed.
+    const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
+    const auto both =
+        runQuillon({QStringLiteral("links"), QStringLiteral("--links-dir"), samplePath(sets + QStringLiteral("media")),
+                    interview, samplePath(QStringLiteral("idml/helloworld-1.idml"))});
+    EXPECT_EQ(both.exitCode, 0) << both.err.toStdString();
+    EXPECT_TRUE(both.out.contains("interview.idml  (0 links)") && both.out.contains("helloworld-1.idml  (0 links)"))
+        << both.out.toStdString();
+
+    // Unreadable and missing documents are named; the others are still listed, and in JSON each
+    // has an entry with its error.
     const QString notIdml = samplePath(QStringLiteral("tiff/hopper.tif"));
-    const auto broken =
-        runQuillon({QStringLiteral("links"), notIdml, samplePath(QStringLiteral("idml/interview.idml"))});
+    const QString missing = QStringLiteral("/nonexistent/gone.idml");
+    const auto broken = runQuillon({QStringLiteral("links"), notIdml, missing, interview});
     EXPECT_EQ(broken.exitCode, 2);
     EXPECT_TRUE(broken.err.contains(notIdml.toUtf8())) << broken.err.toStdString();
+    EXPECT_TRUE(broken.err.contains("gone.idml: the file does not exist")) << broken.err.toStdString();
     EXPECT_TRUE(broken.out.contains("interview.idml")) << "the other documents are still listed";
+    const auto json =
+        runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), missing});
+    EXPECT_EQ(json.exitCode, 2);
+    const QJsonObject entry = QJsonDocument::fromJson(json.out).array()[0].toObject();
+    EXPECT_EQ(entry.value(QStringLiteral("path")).toString(), missing) << json.out.toStdString();
+    EXPECT_TRUE(entry.value(QStringLiteral("error")).toString().contains(QStringLiteral("does not exist")));
+}
 
-    const auto wrongFormat = runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("xml"),
-                                         samplePath(QStringLiteral("idml/interview.idml"))});
-    EXPECT_NE(wrongFormat.exitCode, 0);
+TEST(CliLinks, ControlCharactersInNamesReachTheTerminalEscaped)
+{
+    QTemporaryDir folder;
+    const QString hostile = folder.filePath(QStringLiteral("a\x1b]0;owned\x07\x9b"
+                                                           "2Jb.idml"));
+    ASSERT_TRUE(QFile::copy(samplePath(QStringLiteral("idml/interview.idml")), hostile));
+    for (const char* command : {"links", "info"}) {
+        const auto run = runQuillon({QLatin1String(command), hostile});
+        EXPECT_EQ(run.exitCode, 0) << command << run.err.toStdString();
+        EXPECT_TRUE(run.out.contains("a\\x1b]0;owned\\x07\\x9b2Jb.idml")) << command << run.out.toStdString();
+        EXPECT_FALSE(run.out.contains('\x1b') || run.out.contains('\x07')) << command;
+    }
+    const auto missing = runQuillon({QStringLiteral("preflight"), hostile + QStringLiteral(".gone")});
+    EXPECT_TRUE(missing.err.contains("a\\x1b]0;owned")) << missing.err.toStdString();
+    EXPECT_FALSE(missing.err.contains('\x1b'));
+    // JSON keeps the name, escaped as JSON escapes it.
+    const auto json = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), hostile});
+    EXPECT_EQ(QJsonDocument::fromJson(json.out).array()[0].toObject().value(QStringLiteral("file")).toString(),
+              hostile);
 }

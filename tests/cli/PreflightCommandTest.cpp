@@ -187,11 +187,64 @@ TEST_F(PreflightCommand, ReportsGoToStandardOutputAndIntoTheReportFolder)
     EXPECT_TRUE(first.contains("\nCOLORS\nName\tValue\tProcess/Spot\tSpace\tUsed\n")) << first.toStdString();
     EXPECT_TRUE(second.contains(("Path: " + copy + "\n").toUtf8()));
 
-    // The summary with a report folder writes the regular report.
+    // A file already there is kept and the new report numbered; --overwrite replaces it. The
+    // summary with a report folder writes the regular report.
+    const QString mine = QDir(reports).filePath(written.at(0));
+    quillon::test::writeAll(mine, "my notes");
     run = preflight(
         {interview, QStringLiteral("--report-dir"), reports, QStringLiteral("--preset-file"), lenientPreset()});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(quillon::test::readAll(mine), QByteArray("my notes"));
+    EXPECT_TRUE(quillon::test::readAll(QDir(reports).filePath(QStringLiteral("interview.idml_Quillon_Report_2.txt")))
+                    .contains("\n\nCOLORS\n\nName: "));
+    run = preflight({interview, QStringLiteral("--report-dir"), reports, QStringLiteral("--overwrite"),
+                     QStringLiteral("--preset-file"), lenientPreset()});
     ASSERT_EQ(run.exitCode, 0);
-    EXPECT_TRUE(quillon::test::readAll(QDir(reports).filePath(written.at(0))).contains("\n\nCOLORS\n\nName: "));
+    EXPECT_TRUE(quillon::test::readAll(mine).startsWith("-----------------Quillon Report"));
+    EXPECT_EQ(QDir(reports).entryList(QDir::Files | QDir::Hidden).size(), 3) << "no temporary file is left";
+
+    // A report that cannot be written is an output lost: exit 2, naming it.
+    QDir(reports).mkdir(QStringLiteral("in the way.idml_Quillon_Report.txt"));
+    const QString inTheWay = m_out.filePath(QStringLiteral("in the way.idml"));
+    ASSERT_TRUE(QFile::copy(interview, inTheWay));
+    run = preflight({inTheWay, QStringLiteral("--report-dir"), reports, QStringLiteral("--overwrite"),
+                     QStringLiteral("--preset-file"), lenientPreset()});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("a folder of that name is in the way")) << run.err.toStdString();
+}
+
+TEST_F(PreflightCommand, AStaleOrBrokenPresetJudgesNothingAndSaysSo)
+{
+    const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
+    QDir(m_config.path()).mkdir(QStringLiteral("Tornvale"));
+    quillon::test::writeAll(m_config.filePath(QStringLiteral("Tornvale/Quillon.conf")),
+                            "[General]\nselectedPreset=Gone Preset\n");
+    CliRun run = preflight({interview});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.out.isEmpty()) << run.out.toStdString();
+    EXPECT_TRUE(run.err.contains("\"Gone Preset\" could not be found")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("--preset NAME") && run.err.contains("quillon presets list"));
+
+    const struct {
+        const char* links;
+        const char* key;
+    } broken[] = {
+        {"<key>conditions</key><string>Status is Missing</string>", "(Links/conditions): must be a list of rules"},
+        {"<key>conditions</key><array><dict><key>attribute</key><string>Status</string></dict></array>",
+         "(Links/conditions/0/condition): must be text"},
+        {"<key>sizeBelowField</key><string>-5</string>", "(Links/sizeBelowField)"},
+        {"<key>sizeAboveBytes</key><integer>-1</integer>", "(Links/sizeAboveBytes)"},
+    };
+    const QString path = m_out.filePath(QStringLiteral("Broken.qnfp"));
+    for (const auto& b : broken) {
+        quillon::test::writeAll(path, QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">"
+                                                 "<dict><key>Links</key><dict>") +
+                                          b.links + "</dict></dict></plist>\n");
+        run = preflight({interview, QStringLiteral("--preset-file"), path});
+        EXPECT_EQ(run.exitCode, 2) << b.key;
+        EXPECT_TRUE(run.err.contains((path + QLatin1String(" ") + QLatin1String(b.key)).toUtf8()))
+            << run.err.toStdString();
+    }
 }
 
 TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)

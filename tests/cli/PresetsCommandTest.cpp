@@ -2,8 +2,10 @@
 
 #include "app/PropertyList.h"
 #include "app/Settings.h"
+#include "support/TestSupport.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -106,7 +108,8 @@ TEST_F(PresetsCommand, ConflictsNeedAFlag)
     ASSERT_EQ(presets({QStringLiteral("export"), m_target.path()}).exitCode, 0);
     EXPECT_TRUE(QFileInfo::exists(m_target.filePath(QStringLiteral("Default.qnfp"))));
     ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
-    ASSERT_EQ(presets({QStringLiteral("export"), m_target.path()}).exitCode, 0); // no name of the folder is there yet
+    // Default.qnfp is there now: a clash like any other.
+    ASSERT_EQ(presets({QStringLiteral("export"), m_target.path(), QStringLiteral("--replace")}).exitCode, 0);
 
     CliRun run = presets({QStringLiteral("export"), m_target.path()});
     EXPECT_EQ(run.exitCode, 2);
@@ -130,6 +133,49 @@ TEST_F(PresetsCommand, ConflictsNeedAFlag)
     run = presets({QStringLiteral("import"), m_target.filePath(QStringLiteral("absent.qnfp"))});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("presets could not be imported"));
+}
+
+TEST_F(PresetsCommand, NoUserFileIsLostOrHalfRenamed)
+{
+    // A user's Default.qnfp in the target folder survives an export without flags.
+    const QString theirs = m_target.filePath(QStringLiteral("Default.qnfp"));
+    ASSERT_TRUE(
+        app::writePropertyListFile(QVariantMap{{QStringLiteral("name"), QStringLiteral("theirs")}}, theirs).ok());
+    CliRun run = presets({QStringLiteral("export"), m_target.path()});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("--replace")) << run.err.toStdString();
+    EXPECT_EQ(app::readPropertyListDictionary(theirs)->value(QStringLiteral("name")).toString(),
+              QStringLiteral("theirs"));
+
+    // A name too long for a file name is refused before anything moves.
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    run = presets({QStringLiteral("rename"), QStringLiteral("New Preset 1"), QString(250, u'x')});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("too long")) << run.err.toStdString();
+    EXPECT_EQ(presets({QStringLiteral("list")}).out, QByteArray("[Default]\nNew Preset 1\n"));
+    EXPECT_EQ(app::readPropertyListDictionary(presetFile(QStringLiteral("New Preset 1")))
+                  ->value(QStringLiteral("name"))
+                  .toString(),
+              QStringLiteral("New Preset 1"));
+
+    // Import takes the name rules and the extension of presets; nothing refused is copied.
+    for (const char* name : {"notes.txt", ".hidden.qnfp", "a:b.qnfp", "Caf\u00e9.qnfp"}) {
+        const QString file = m_target.filePath(QString::fromUtf8(name));
+        ASSERT_TRUE(QFile::copy(presetFile(QStringLiteral("New Preset 1")), file));
+        run = presets({QStringLiteral("import"), file});
+        EXPECT_EQ(run.exitCode, 2) << name;
+        EXPECT_TRUE(run.err.contains("presets could not be imported")) << name << run.err.toStdString();
+    }
+    EXPECT_EQ(QDir(m_presets).entryList(QDir::Files | QDir::Hidden).size(), 2);
+
+    // A preset whose values have the wrong types is refused, naming the file and the key.
+    test::writeAll(presetFile(QStringLiteral("Broken")),
+                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>Fonts</key>"
+                   "<dict><key>conditions</key><integer>3</integer></dict></dict></plist>\n");
+    run = presets({QStringLiteral("show"), QStringLiteral("Broken")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains((presetFile(QStringLiteral("Broken")) + " (Fonts/conditions)").toUtf8()))
+        << run.err.toStdString();
 }
 
 } // namespace

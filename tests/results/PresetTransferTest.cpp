@@ -51,13 +51,21 @@ TEST_F(PresetTransfer, ExportWritesDefaultAsDefaultQnfp)
     EXPECT_EQ(read(m_target.filePath(QStringLiteral("Default.qnfp"))).value(QStringLiteral("name")).toString(),
               QStringLiteral("Default"));
     EXPECT_TRUE(m_alerts.requests().empty());
-    // The question compares the presets folder's names, so Default.qnfp is replaced unasked.
+    // A user's Default.qnfp is a clash like any other: asked about, and kept on Cancel.
     QFile::remove(m_target.filePath(QStringLiteral("Print.qnfp")));
     writePreset(m_target.path(), QStringLiteral("Default"), QStringLiteral("theirs"));
-    EXPECT_EQ(exportAllPresets(m_presets.path(), m_target.path(), m_alerts), TransferOutcome::Done);
-    EXPECT_TRUE(m_alerts.requests().empty());
+    m_alerts.pushAnswer(app::kAlertSecondButton);
+    EXPECT_EQ(exportAllPresets(m_presets.path(), m_target.path(), m_alerts), TransferOutcome::Cancelled);
     EXPECT_EQ(read(m_target.filePath(QStringLiteral("Default.qnfp"))).value(QStringLiteral("marker")).toString(),
-              QStringLiteral("ours"));
+              QStringLiteral("theirs"));
+
+    // "[Default]" and "Default" stay two files.
+    writePreset(m_presets.path(), QStringLiteral("Default"), QStringLiteral("second"));
+    QTemporaryDir fresh;
+    EXPECT_EQ(exportAllPresets(m_presets.path(), fresh.path(), m_alerts), TransferOutcome::Done);
+    EXPECT_EQ(QDir(fresh.path()).entryList(QDir::Files, QDir::Name),
+              (QStringList{QStringLiteral("Default copy 1.qnfp"), QStringLiteral("Default.qnfp"),
+                           QStringLiteral("Print.qnfp")}));
 }
 
 TEST_F(PresetTransfer, ExportConflictsReplaceCancelOrKeepBoth)
