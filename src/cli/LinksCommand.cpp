@@ -4,6 +4,7 @@
 
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/InDesignHost.h"
 
 #include <QJsonArray>
@@ -105,15 +106,22 @@ int runLinks(const LinksOptions& options)
         controller.numberOfLinksInDoc = unpacked->record.value(preflight::kRecordLinkCount).toInt();
         links::QNIDMLLinksProcessor processor(controller);
         const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
+        QList<app::Error> warnings = unpacked->warnings;
+        preflight::addWarningsOnce(warnings, processor.warnings());
+        const QStringList warningLines = preflight::warningTexts(warnings);
+        for (const QString& warning : warningLines)
+            std::cerr << "quillon links: " << docPath.toStdString() << ": warning: " << warning.toStdString() << "\n";
+        bool alerted = !warnings.isEmpty();
         for (const QVariant& record : records) {
             const QString linkStatus = record.toMap().value(links::kLinkStatusKey).toString();
-            if (status == kExitOk &&
-                (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
-                status = kExitAlerts;
+            alerted = alerted || linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified;
         }
+        if (alerted && status == kExitOk)
+            status = kExitAlerts;
         if (options.format == "json")
-            documents.append(
-                QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
+            documents.append(QJsonObject{{QStringLiteral("docPath"), docPath},
+                                         {QStringLiteral("links"), jsonValue(records)},
+                                         {QStringLiteral("warnings"), QJsonArray::fromStringList(warningLines)}});
         else
             printTable(docPath, records);
     }

@@ -1,6 +1,7 @@
 #include "cli/OfflineDocument.h"
 
 #include "app/Alerts.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
@@ -13,7 +14,8 @@
 namespace quillon::cli {
 
 UnpackedDocument::UnpackedDocument(UnpackedDocument&& other) noexcept
-    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired)
+    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired),
+      warnings(std::move(other.warnings))
 {
 }
 
@@ -47,6 +49,11 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString&
         return creator.lastError();
     document.record = *record;
     document.repaired = creator.lastUnpackWasRepaired();
+    document.warnings = host.documentWarnings();
+    if (document.repaired)
+        preflight::addWarningsOnce(document.warnings, {preflight::repairedArchiveWarning()});
+    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(*record))
+        preflight::addWarningsOnce(document.warnings, {*noPages});
     return document;
 }
 

@@ -4,6 +4,7 @@
 #include "app/Company.h"
 #include "app/Progress.h"
 #include "preflight/ControlCenter.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/OfflineIdmlHost.h"
 #include "reports/PreflightResults.h"
 
@@ -106,7 +107,7 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     document.preflighted = true;
     for (const app::AlertRequest& request : requests)
         document.warnings << alertText(request);
-    document.warnings << center.warnings();
+    document.warnings << preflight::warningTexts(center.warnings());
     document.info = center.currDocInfo();
     document.links = results.linkItems();
     document.fonts = results.fontItems();

@@ -44,7 +44,8 @@ RenderedDocument renderDocument(const PreflightedDocument& document, const QStri
     RenderedDocument rendered;
     rendered.path = document.path;
     rendered.failed = !document.preflighted;
-    rendered.alerted = document.preflighted && document.status.total != 0;
+    // A warning means a part of the document went unjudged: never a clean result.
+    rendered.alerted = document.preflighted && (document.status.total != 0 || !document.warnings.isEmpty());
     if (rendered.failed)
         rendered.problems << document.error;
     for (const QString& warning : document.warnings)
