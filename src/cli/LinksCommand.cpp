@@ -94,7 +94,8 @@ int runLinks(const LinksOptions& options)
         return kExitFailure;
     QJsonArray documents;
     for (const std::string& document : options.documents) {
-        app::Result<UnpackedDocument> unpacked = unpackDocument(QString::fromLocal8Bit(document.c_str()), workFolder.path());
+        app::Result<UnpackedDocument> unpacked =
+            unpackDocument(QString::fromLocal8Bit(document.c_str()), workFolder.path());
         if (!unpacked) {
             std::cerr << "quillon links: " << unpacked.error().text().toStdString() << "\n";
             status = kExitFailure;

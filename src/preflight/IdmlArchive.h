@@ -72,7 +72,6 @@ private:
     std::unique_ptr<Handle> m_handle;
     std::vector<Entry> m_entries;
     QHash<QString, size_t> m_indexByPath; // the first entry of each path
-
 };
 
 // The entry name as a relative path below the unpacked folder ("\" read as "/", "." parts

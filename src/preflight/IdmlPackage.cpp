@@ -56,8 +56,9 @@ Status checkStartsLikeZip(const QString& path, const QString& reportedName)
     if (fd < 0) {
         if (errno == EACCES || errno == EPERM)
             return makeError(QStringLiteral("the file cannot be read: permission denied"), reportedName);
-        return makeError(QStringLiteral("the file cannot be read: %1").arg(QString::fromLocal8Bit(std::strerror(errno))),
-                         reportedName);
+        return makeError(
+            QStringLiteral("the file cannot be read: %1").arg(QString::fromLocal8Bit(std::strerror(errno))),
+            reportedName);
     }
     char start[4] = {};
     ssize_t got = 0;
@@ -93,7 +94,8 @@ Result<QString> repairArchiveWithZip(const QString& path, const QString& repaire
 
     app::BoundedToolRequest request;
     request.program = zipTool;
-    request.arguments = {QStringLiteral("-b"),   scratch.path(), QStringLiteral("-FF"), QFileInfo(path).absoluteFilePath(),
+    request.arguments = {QStringLiteral("-b"),    scratch.path(),
+                         QStringLiteral("-FF"),   QFileInfo(path).absoluteFilePath(),
                          QStringLiteral("--out"), QFileInfo(repairedPath).absoluteFilePath()};
     request.workingFolder = scratch.path();
     request.standardInput = QByteArray("y\n") + QByteArray("q\n").repeated(16);

@@ -84,8 +84,7 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder,
-                                       QList<app::Error>* warnings)
+Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
     QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
@@ -316,9 +315,8 @@ Status OfflineIdmlHost::processFonts(const QStringList& record, const QString& i
     if (Status checked = checkRecord(record); !checked)
         return checked;
     const QString path = record[kRecordPosixPath];
-    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
-        return processFontsFromIdml(folder, path, dataFolder);
-    });
+    return inspectUnpacked(path, idmlFolder, m_workFolder,
+                           [&](const QString& folder) { return processFontsFromIdml(folder, path, dataFolder); });
 }
 
 Status OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,

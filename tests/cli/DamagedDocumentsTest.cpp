@@ -70,14 +70,16 @@ TEST(DamagedDocuments, UnreadablePartsAreSkippedNamedAndNeverPass)
             EXPECT_TRUE(warnings.contains(warning)) << command << ": " << warnings.join(u'\n').toStdString();
     };
 
-    const auto links = runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
+    const auto links =
+        runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
     EXPECT_EQ(links.exitCode, 1) << links.err.toStdString();
     const QJsonObject linksDoc = jsonOf(links.out).at(0).toObject();
     EXPECT_EQ(linksDoc.value(QStringLiteral("links")).toArray().size(), 23);
     expectNamed(texts(linksDoc.value(QStringLiteral("warnings"))), "links");
     EXPECT_TRUE(links.err.contains(expected[0].toUtf8()));
 
-    const auto info = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
+    const auto info =
+        runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
     EXPECT_EQ(info.exitCode, 1) << info.err.toStdString();
     expectNamed(texts(jsonOf(info.out).at(0).toObject().value(QStringLiteral("warnings"))), "info");
 
@@ -111,11 +113,11 @@ TEST(DamagedDocuments, ARepairedArchiveAndADocumentWithoutPagesAreWarnedOfAndThe
     const QByteArray whole = quillon::test::readAll(samplePath(QStringLiteral("idml/helloworld-1.idml")));
     const QString damaged = dir.filePath(QStringLiteral("damaged.idml"));
     quillon::test::writeAll(damaged, whole.left(whole.size() - 10));
-    const QString pageless = rewritten(
-        dir, QStringLiteral("idml/interview.idml"),
-        {QStringLiteral("Spreads/Spread_u165.xml"),
-         QStringLiteral("<idPkg:Spread xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\">"
-                        "<Spread Self=\"u165\"/></idPkg:Spread>")});
+    const QString pageless =
+        rewritten(dir, QStringLiteral("idml/interview.idml"),
+                  {QStringLiteral("Spreads/Spread_u165.xml"),
+                   QStringLiteral("<idPkg:Spread xmlns:idPkg=\"http://ns.adobe.com/AdobeInDesign/idml/1.0/packaging\">"
+                                  "<Spread Self=\"u165\"/></idPkg:Spread>")});
     const QStringList before = QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
 
     const std::vector<std::pair<QString, QString>> cases{
@@ -123,8 +125,10 @@ TEST(DamagedDocuments, ARepairedArchiveAndADocumentWithoutPagesAreWarnedOfAndThe
         {pageless, QStringLiteral("the document has no pages")},
     };
     for (const auto& [path, words] : cases) {
-        const auto info = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), path});
-        const auto links = runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), path});
+        const auto info =
+            runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), path});
+        const auto links =
+            runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), path});
         const auto preflight =
             runQuillon({QStringLiteral("preflight"), QStringLiteral("--format"), QStringLiteral("json"), path});
         const QJsonValue found[] = {
@@ -133,8 +137,8 @@ TEST(DamagedDocuments, ARepairedArchiveAndADocumentWithoutPagesAreWarnedOfAndThe
             jsonOf(preflight.out, QStringLiteral("documents")).at(0).toObject().value(QStringLiteral("warnings")),
         };
         for (const QJsonValue& warnings : found)
-            EXPECT_EQ(texts(warnings).filter(words).size(), 1) << words.toStdString() << ": "
-                                                                 << texts(warnings).join(u'\n').toStdString();
+            EXPECT_EQ(texts(warnings).filter(words).size(), 1)
+                << words.toStdString() << ": " << texts(warnings).join(u'\n').toStdString();
         for (const auto* run : {&info, &links, &preflight})
             EXPECT_EQ(run->exitCode, 1) << words.toStdString() << run->err.toStdString();
     }

@@ -21,7 +21,8 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
         {"<Story><Content>text</Content></Story>", QString()},
         {"<Story><Content>text</Story>", QStringLiteral("not readable XML at byte 22")},
         {QByteArray(12'000, ' '), QStringLiteral("too large to read (12 KB; a part may hold at most 10 KB)")},
-        {QByteArray("<a/>").repeated(21), QStringLiteral("too many elements to read (21 tags; a part may hold at most 20)")},
+        {QByteArray("<a/>").repeated(21),
+         QStringLiteral("too many elements to read (21 tags; a part may hold at most 20)")},
         {"<a " + QByteArray("b=\"\" ").repeated(21) + "/>",
          QStringLiteral("too many attributes to read (21; a part may hold at most 20)")},
         {"<Story><Link URI=\"" + QByteArray(3000, 'x') + "\"/></Story>",
@@ -31,7 +32,8 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
     for (const auto& [bytes, message] : cases) {
         XmlPart part;
         const app::Status parsed = part.parse(bytes, name, kPartParseOptions, limits);
-        EXPECT_EQ(parsed.ok() ? QString() : parsed.error().text(), message.isEmpty() ? QString() : name + QStringLiteral(": ") + message)
+        EXPECT_EQ(parsed.ok() ? QString() : parsed.error().text(),
+                  message.isEmpty() ? QString() : name + QStringLiteral(": ") + message)
             << bytes.left(40).toStdString();
         EXPECT_EQ(bool(part.root()), message.isEmpty());
     }
@@ -42,7 +44,8 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
     XmlPart part;
     EXPECT_EQ(part.read(dir.filePath(QStringLiteral("big.xml")), name, kPartParseOptions, limits).error().message,
               QStringLiteral("too large to read (20 KB; a part may hold at most 10 KB)"));
-    EXPECT_EQ(part.read(dir.filePath(QStringLiteral("none.xml")), name).error().text(), name + QStringLiteral(": missing"));
+    EXPECT_EQ(part.read(dir.filePath(QStringLiteral("none.xml")), name).error().text(),
+              name + QStringLiteral(": missing"));
     EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/Spreads/Spread_u1a.xml")),
               QStringLiteral("Spreads/Spread_u1a.xml"));
     EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/designmap.xml")), QStringLiteral("designmap.xml"));

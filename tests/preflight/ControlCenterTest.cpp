@@ -536,6 +536,7 @@ TEST_F(ControlCenterTest, ALinkDataFileThatCannotBeWrittenIsAWarning)
 
     EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
     const QStringList all = warningTexts(center->warnings());
-    EXPECT_EQ(all.filter(QStringLiteral("The link data could not be written")).size(), 1) << all.join(u'\n').toStdString();
+    EXPECT_EQ(all.filter(QStringLiteral("The link data could not be written")).size(), 1)
+        << all.join(u'\n').toStdString();
     EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc}); // the lists still get the records
 }

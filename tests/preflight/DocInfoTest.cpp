@@ -2,8 +2,8 @@
 
 #include "IdmlFixtures.h"
 
-#include "preflight/DocInfo.h"
 #include "links/PageGeometry.h"
+#include "preflight/DocInfo.h"
 #include "preflight/PageSizes.h"
 
 #include "support/TestSupport.h"

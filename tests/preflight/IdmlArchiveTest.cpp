@@ -322,7 +322,8 @@ TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
     const auto notZip = openIdmlPackage(huge, repair);
     EXPECT_LT(clock.elapsed(), 1000);
     ASSERT_FALSE(notZip.ok());
-    EXPECT_TRUE(notZip.error().message.contains(QStringLiteral("not a zip archive"))) << notZip.error().text().toStdString();
+    EXPECT_TRUE(notZip.error().message.contains(QStringLiteral("not a zip archive")))
+        << notZip.error().text().toStdString();
     QFile::remove(huge);
 
     // A zip tool that would run long, leaving a temporary file and a process of its own, is
@@ -348,7 +349,8 @@ TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
     EXPECT_LT(stopMs, 500);
     EXPECT_TRUE(stopped.error().message.contains(QStringLiteral("cancelled"))) << stopped.error().text().toStdString();
     const QString sleeper = QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(test::readAll(pids).trimmed()));
-    EXPECT_TRUE(!QFileInfo::exists(sleeper) || test::readAll(sleeper).contains(") Z ")) << "the tool's child still runs";
+    EXPECT_TRUE(!QFileInfo::exists(sleeper) || test::readAll(sleeper).contains(") Z "))
+        << "the tool's child still runs";
     EXPECT_EQ(filesBelow(docs.path()), QStringList{QStringLiteral("damaged.idml")});
     EXPECT_EQ(filesBelow(work.path()), (QStringList{QStringLiteral("pids"), QStringLiteral("slowzip")}));
 }
