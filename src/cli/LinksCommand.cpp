@@ -126,8 +126,11 @@ int runLinks(const LinksOptions& options)
         else
             printTable(docPath, records);
     }
-    if (options.format == "json")
-        std::cout << QJsonDocument(documents).toJson(QJsonDocument::Indented).toStdString();
+    if (options.format == "json") {
+        // Written as it is: a copy of a document of many links would double the peak memory.
+        const QByteArray json = QJsonDocument(documents).toJson(QJsonDocument::Indented);
+        std::cout.write(json.constData(), json.size());
+    }
     return status;
 }
 
