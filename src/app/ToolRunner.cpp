@@ -1,6 +1,7 @@
 #include "app/ToolRunner.h"
 
 #include "app/Log.h"
+#include "app/Progress.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -9,6 +10,9 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <unistd.h>
+#endif
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
 #endif
 
 namespace quillon::app {
@@ -64,8 +68,14 @@ BoundedToolResult runBoundedTool(const BoundedToolRequest& request)
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
 #ifdef Q_OS_UNIX
-    // A group of its own, so stopping the tool also stops whatever it started.
-    process.setChildProcessModifier([] { ::setpgid(0, 0); });
+    // A group of its own, so stopping the tool also stops whatever it started; killed when this
+    // program dies, even by a signal it cannot catch.
+    process.setChildProcessModifier([] {
+        ::setpgid(0, 0);
+#ifdef Q_OS_LINUX
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+    });
 #endif
     if (!request.workingFolder.isEmpty())
         process.setWorkingDirectory(request.workingFolder);
@@ -103,6 +113,10 @@ BoundedToolResult runBoundedTool(const BoundedToolRequest& request)
         }
         if (ended)
             break;
+        if (request.cancel && request.cancel->isCancelled()) {
+            stop(QStringLiteral("%1 was stopped: the work was cancelled").arg(request.program));
+            break;
+        }
         if (request.maxWatchedFileBytes > 0 && QFileInfo(request.watchedFile).size() > request.maxWatchedFileBytes) {
             stop(QStringLiteral("%1 wrote more than %2 bytes to %3 and was stopped")
                      .arg(request.program)

@@ -38,9 +38,12 @@ public:
                                            bool returnResult) override;
 };
 
+class CancelFlag;
+
 // A tool run that must not be trusted to end by itself or to stay small: it gets its standard
-// input up front and is stopped when it runs too long, prints too much, or lets a file it writes
-// grow too large.
+// input up front and is stopped, with every process it started, when it runs too long, prints too
+// much, lets a file it writes grow too large or is cancelled (within a tenth of a second). It also
+// dies with the thread that started it, so it never outlives this program.
 struct BoundedToolRequest {
     QString program;
     QStringList arguments;
@@ -50,6 +53,7 @@ struct BoundedToolRequest {
     qint64 maxOutputBytes = 4 << 20; // standard output and error together
     QString watchedFile;             // a file the tool writes, or empty
     qint64 maxWatchedFileBytes = 0;  // its size limit (0: not watched)
+    const CancelFlag* cancel = nullptr;
 };
 
 struct BoundedToolResult {

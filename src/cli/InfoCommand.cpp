@@ -5,6 +5,7 @@
 #include "cli/TerminalText.h"
 
 #include "preflight/DocInfo.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/PageSizes.h"
 
@@ -27,6 +28,7 @@ struct DocumentFacts {
     QStringList record;
     QNDocInfo info;
     bool repaired = false;
+    QList<app::Error> warnings; // parts that could not be read, a repair, no pages
 };
 
 // Reads one document the way a preflight does: the record from the host, the IDML exported
@@ -37,9 +39,13 @@ app::Result<DocumentFacts> readDocument(const QString& path, const QString& work
     app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder);
     if (!unpacked)
         return unpacked.error();
-    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired};
-    facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder);
-    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder));
+    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired,
+                        unpacked->warnings};
+    QList<app::Error> partWarnings;
+    if (const app::Status read = facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder); !read)
+        partWarnings << read.error();
+    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder, &partWarnings));
+    preflight::addWarningsOnce(facts.warnings, partWarnings);
     return facts;
 }
 
@@ -69,8 +75,6 @@ void printText(const DocumentFacts& facts)
     for (const auto& [label, value] : lines)
         std::cout << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << printableText(value)
                   << '\n';
-    if (facts.repaired)
-        std::cout << "  (the archive was damaged and was read from a repaired copy)\n";
 }
 
 QJsonValue dateValue(const QDateTime& date)
@@ -89,6 +93,7 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
     object.insert(preflight::kDocInfoModDateKey, dateValue(info.modDate()));
     object.insert(QStringLiteral("pageSizeStr"), info.pageSizeStr());
     object.insert(QStringLiteral("repaired"), facts.repaired);
+    object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(preflight::warningTexts(facts.warnings)));
     return object;
 }
 
@@ -115,6 +120,10 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
                     QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("error"), facts.error().text()}});
             continue;
         }
+        for (const QString& warning : preflight::warningTexts(facts->warnings))
+            std::cerr << "quillon info: " << path.toStdString() << ": warning: " << warning.toStdString() << '\n';
+        if (!facts->warnings.isEmpty() && status == kExitOk)
+            status = kExitAlerts;
         if (json) {
             QJsonObject object = jsonFacts(*facts);
             object.insert(QStringLiteral("file"), path);

@@ -6,6 +6,7 @@
 
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/InDesignHost.h"
 
 #include <QJsonArray>
@@ -99,7 +100,7 @@ int runLinks(const LinksOptions& options)
     for (const std::string& document : options.documents) {
         if (Interruption::requested())
             break;
-        const QString path = QString::fromLocal8Bit(document.c_str());
+        const QString path = app::pathFromLocalBytes(document);
         app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder.path());
         if (!unpacked) {
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
@@ -115,22 +116,32 @@ int runLinks(const LinksOptions& options)
         controller.numberOfLinksInDoc = unpacked->record.value(preflight::kRecordLinkCount).toInt();
         links::QNIDMLLinksProcessor processor(controller);
         const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
+        QList<app::Error> warnings = unpacked->warnings;
+        preflight::addWarningsOnce(warnings, processor.warnings());
+        const QStringList warningLines = preflight::warningTexts(warnings);
+        for (const QString& warning : warningLines)
+            std::cerr << "quillon links: " << printableText(docPath + QStringLiteral(": warning: ") + warning) << "\n";
+        bool alerted = !warnings.isEmpty();
         for (const QVariant& record : records) {
             const QString linkStatus = record.toMap().value(links::kLinkStatusKey).toString();
-            if (status == kExitOk &&
-                (linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified))
-                status = kExitAlerts;
+            alerted = alerted || linkStatus == links::kLinkStatusMissing || linkStatus == links::kLinkStatusModified;
         }
+        if (alerted && status == kExitOk)
+            status = kExitAlerts;
         if (json) {
-            documents.append(
-                QJsonObject{{QStringLiteral("docPath"), docPath}, {QStringLiteral("links"), jsonValue(records)}});
+            documents.append(QJsonObject{{QStringLiteral("docPath"), docPath},
+                                         {QStringLiteral("links"), jsonValue(records)},
+                                         {QStringLiteral("warnings"), QJsonArray::fromStringList(warningLines)}});
         } else {
             printTable(docPath, records);
             std::cout << std::flush;
         }
     }
-    if (json)
-        std::cout << QJsonDocument(documents).toJson(QJsonDocument::Indented).toStdString();
+    if (json) {
+        // Written as it is: a copy of a document of many links would double the peak memory.
+        const QByteArray text = QJsonDocument(documents).toJson(QJsonDocument::Indented);
+        std::cout.write(text.constData(), text.size());
+    }
     return status;
 }
 

@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "cli/Interruption.h"
 #include "cli/TerminalText.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
@@ -15,7 +16,8 @@
 namespace quillon::cli {
 
 UnpackedDocument::UnpackedDocument(UnpackedDocument&& other) noexcept
-    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired)
+    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired),
+      warnings(std::move(other.warnings))
 {
 }
 
@@ -49,6 +51,11 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString&
         return creator.lastError();
     document.record = *record;
     document.repaired = creator.lastUnpackWasRepaired();
+    document.warnings = host.documentWarnings();
+    if (document.repaired)
+        preflight::addWarningsOnce(document.warnings, {preflight::repairedArchiveWarning()});
+    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(*record))
+        preflight::addWarningsOnce(document.warnings, {*noPages});
     return document;
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -14,6 +15,9 @@ struct UnpackedDocument {
     QStringList record;
     QString folder;        // the unpacked package; removed with the object
     bool repaired = false; // read from a repaired copy of a damaged archive
+    // What the reading met without failing: parts that could not be read, a repaired archive, a
+    // document without pages.
+    QList<app::Error> warnings;
 
     UnpackedDocument() = default;
     UnpackedDocument(UnpackedDocument&& other) noexcept;

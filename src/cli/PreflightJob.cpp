@@ -4,6 +4,7 @@
 #include "app/Company.h"
 #include "app/Progress.h"
 #include "preflight/ControlCenter.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/InDesignHost.h"
 #include "preflight/OfflineIdmlHost.h"
 #include "reports/PreflightResults.h"
@@ -118,7 +119,7 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     document.preflighted = true;
     for (const app::AlertRequest& request : requests)
         document.warnings << alertText(request);
-    document.warnings << center.warnings();
+    document.warnings << preflight::warningTexts(center.warnings());
     document.info = center.currDocInfo();
     document.links = results.linkItems();
     document.fonts = results.fontItems();

@@ -157,7 +157,9 @@ QJsonArray jsonRecords(const QVariantList& records)
 
 QJsonObject documentJson(const PreflightedDocument& document)
 {
-    QJsonObject object{{QStringLiteral("path"), document.path}, {QStringLiteral("name"), document.name}};
+    QJsonObject object{{QStringLiteral("path"), document.path},
+                       {QStringLiteral("name"), document.name},
+                       {QStringLiteral("warnings"), QJsonArray::fromStringList(document.warnings)}};
     if (!document.preflighted) {
         object.insert(QStringLiteral("error"), document.error);
         return object;
@@ -169,8 +171,6 @@ QJsonObject documentJson(const PreflightedDocument& document)
     object.insert(QStringLiteral("summary"), jsonObject(document.summary, false));
     object.insert(QStringLiteral("status"), document.status.text);
     object.insert(QStringLiteral("errorCount"), document.status.total);
-    if (!document.warnings.isEmpty())
-        object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(document.warnings));
     return object;
 }
 
@@ -192,6 +192,14 @@ QString summaryText(const PreflightedDocument& document, const QString& presetNa
     QString text = document.name + u'\n';
     for (const auto& [label, value] : lines)
         text += QStringLiteral("  %1%2\n").arg((label + u':').leftJustified(12), value);
+    // Under the status line, so that a result with warnings never reads as clean alone.
+    if (!document.warnings.isEmpty()) {
+        text += QStringLiteral("  %1%2 (the result may be incomplete)\n")
+                    .arg(QStringLiteral("Warnings:").leftJustified(12))
+                    .arg(document.warnings.size());
+        for (const QString& warning : document.warnings)
+            text += QStringLiteral("    - %1\n").arg(warning);
+    }
     text += listSection(QStringLiteral("Fonts"), document.fonts, false);
     text += listSection(QStringLiteral("Colors"), document.colors, false);
     text += listSection(QStringLiteral("Links"), document.links, true);

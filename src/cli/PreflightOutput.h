@@ -17,12 +17,14 @@ QJsonValue jsonValue(const QVariant& value);
 // desktop's picture of the file); document groups keep their children.
 QJsonArray jsonRecords(const QVariantList& records);
 
-// One document of the JSON envelope: "path", "name", then "info", "links", "fonts", "colors",
-// "summary", "status" and "errorCount", or "error" when it could not be preflighted.
+// One document of the JSON envelope: "path", "name", "warnings" (always a list), then "info",
+// "links", "fonts", "colors", "summary", "status" and "errorCount", or "error" when it could not be
+// preflighted.
 QJsonObject documentJson(const PreflightedDocument& document);
 
-// The summary for a terminal: the document information, the status line, then the fonts,
-// colours and links that raised alerts, each with its alert texts. Ends with a line break.
+// The summary for a terminal: the document information, the status line and the warnings under
+// it, then the fonts, colours and links that raised alerts, each with its alert texts. Ends with a
+// line break.
 QString summaryText(const PreflightedDocument& document, const QString& presetName);
 
 } // namespace quillon::cli

@@ -45,6 +45,7 @@ RenderedDocument renderDocument(const PreflightedDocument& document, const QStri
     RenderedDocument rendered;
     rendered.path = document.path;
     rendered.failed = !document.preflighted || !document.outputError.isEmpty();
+    // A warning means a part of the document went unjudged: never a clean result.
     rendered.alerted = document.preflighted && (document.status.total != 0 || !document.warnings.isEmpty());
     if (!document.preflighted)
         rendered.problems << document.error;

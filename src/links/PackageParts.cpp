@@ -9,7 +9,7 @@ namespace quillon::links {
 QStringList packagePartFiles(const QString& packageFolder, const QString& partFolder)
 {
     const QDir folder(packageFolder + u'/' + partFolder);
-    const QStringList names = folder.entryList(QDir::Files | QDir::Readable, QDir::Unsorted);
+    const QStringList names = folder.entryList(QDir::Files, QDir::Unsorted);
     std::vector<std::pair<QByteArray, QString>> sorted;
     sorted.reserve(static_cast<size_t>(names.size()));
     for (const QString& name : names)

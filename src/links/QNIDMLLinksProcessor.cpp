@@ -12,6 +12,7 @@
 #include "links/LinkedFileReader.h"
 #include "links/PackageParts.h"
 #include "links/TextFields.h"
+#include "links/XmlPart.h"
 #include "links/XmlPath.h"
 
 #include <QDir>
@@ -25,16 +26,6 @@
 namespace quillon::links {
 
 namespace {
-
-constexpr auto kParseFlags = pugi::parse_default | pugi::parse_ws_pcdata_single;
-
-bool loadPackageFile(pugi::xml_document& document, const QString& path)
-{
-    const pugi::xml_parse_result result = document.load_file(QFile::encodeName(path).constData(), kParseFlags);
-    if (!result)
-        app::logLine(QStringLiteral("-> can't load %1: %2").arg(path, QString::fromUtf8(result.description())));
-    return static_cast<bool>(result);
-}
 
 bool isTrue(std::string_view text)
 {
@@ -105,6 +96,7 @@ void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
     m_geometry = PageGeometry();
     m_storyFramePages = StoryFramePages();
     m_dataFileStatus = app::Status();
+    m_warnings.clear();
     LinkRecordBuilder::Context context;
     context.documentPath = origInDesignDocPath;
     context.linkSearchFolders = linkSearchFolders(origInDesignDocPath, m_controller.linkFolders);
@@ -177,14 +169,24 @@ void QNIDMLLinksProcessor::writeDataFile()
         app::logFailure(QStringLiteral("write %1: %2").arg(path, m_dataFileStatus.error().text()));
 }
 
+bool QNIDMLLinksProcessor::readPart(XmlPart& part, const QString& path)
+{
+    const app::Status read = part.read(path, partNameOfFile(path));
+    if (read)
+        return true;
+    app::logFailure(QStringLiteral("load %1: %2").arg(path, read.error().text()));
+    m_warnings.append(read.error());
+    return false;
+}
+
 void QNIDMLLinksProcessor::collectSpreadLinks(const QString& path, bool isMaster, std::vector<LinkSource>& sources)
 {
-    pugi::xml_document document;
-    const bool loaded = loadPackageFile(document, path);
+    XmlPart part;
+    const bool loaded = readPart(part, path);
     m_geometry.beginSpreadFile(isMaster);
     if (!loaded)
         return;
-    const pugi::xml_node root = document.document_element();
+    const pugi::xml_node root = part.root();
     m_geometry.parseSpreadAndPagesInfoInRootNode(root);
     forEachElement(root, [&](pugi::xml_node element) {
         const char* name = element.name();
@@ -201,10 +203,10 @@ void QNIDMLLinksProcessor::collectSpreadLinks(const QString& path, bool isMaster
 
 void QNIDMLLinksProcessor::collectStoryLinks(const QString& path, std::vector<LinkSource>& sources)
 {
-    pugi::xml_document document;
-    if (!loadPackageFile(document, path))
+    XmlPart part;
+    if (!readPart(part, path))
         return;
-    const pugi::xml_node root = document.document_element();
+    const pugi::xml_node root = part.root();
     const QString storyId = qstr(attr(root.first_child(), "Self"));
     AnchoredLinkPageSource& pages =
         m_controller.anchoredLinkPages ? *m_controller.anchoredLinkPages : m_storyFramePages;

@@ -5,6 +5,7 @@
 #include "links/PageGeometry.h"
 #include "links/StoryFramePages.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -25,6 +26,7 @@ namespace quillon::links {
 class AnchoredLinkPageSource;
 class DefaultApplications;
 class LinkedFileReader;
+class XmlPart;
 
 // What a links run needs from the preflight that starts it. Every pointer may be null.
 struct LinksController {
@@ -56,8 +58,9 @@ struct LinksController {
 // stories (anchored graphics). Records keep that order, and document order within a file.
 //
 // One processor per run, used by one thread; linked files are read on worker threads.
-// Nothing here aborts the run: an unreadable file yields no records, a link that is not a
-// file link is skipped, missing attributes fall back to "?", "-", "   -" or "".
+// Nothing here aborts the run: a part that cannot be read yields no records and a warning naming
+// it, a link that is not a file link is skipped, missing attributes fall back to "?", "-", "   -"
+// or "".
 class QNIDMLLinksProcessor {
 public:
     explicit QNIDMLLinksProcessor(LinksController controller);
@@ -82,6 +85,9 @@ public:
     const QVariantMap& linkDataTree() const { return m_linkDataTree; }
     // The outcome of writing the data file (ok when none was to be written).
     const app::Status& dataFileStatus() const { return m_dataFileStatus; }
+    // The parts of this run that could not be read and were skipped, in the order met
+    // ("Spreads/Spread_u1a.xml: not readable XML at byte 14").
+    const QList<app::Error>& warnings() const { return m_warnings; }
     const PageGeometry& pageGeometry() const { return m_geometry; }
     const PageSizes& docPageSizes() const { return m_geometry.docPageSizes(); }
 
@@ -89,6 +95,7 @@ private:
     void beginRun(const QString& origInDesignDocPath);
     bool cancelled() const;
     void reportStatus(const QString& text) const;
+    bool readPart(XmlPart& part, const QString& path);
     void collectSpreadLinks(const QString& path, bool isMaster, std::vector<LinkSource>& sources);
     void collectStoryLinks(const QString& path, std::vector<LinkSource>& sources);
     void collectStoriesLinks(const QString& packageFolder, std::vector<LinkSource>& sources);
@@ -104,6 +111,7 @@ private:
     StoryFramePages m_storyFramePages;
     QVariantMap m_linkDataTree;
     app::Status m_dataFileStatus;
+    QList<app::Error> m_warnings;
 };
 
 // The font side of the package: fonts are gathered by the font inspection, so this only names

@@ -1,9 +1,9 @@
 #include "links/StoryFramePages.h"
 
-#include <QDir>
-#include <QFile>
+#include "links/XmlPart.h"
 
-#include <pugixml.hpp>
+#include <QDir>
+#include <QSet>
 
 #include <cstring>
 
@@ -11,12 +11,12 @@ namespace quillon::links {
 
 QStringList StoryFramePages::spreadOrderFromDesignmap(const QString& packageFolder)
 {
-    pugi::xml_document designmap;
-    const QByteArray path = QFile::encodeName(packageFolder + QStringLiteral("/designmap.xml"));
-    if (!designmap.load_file(path.constData(), pugi::parse_default))
+    XmlPart designmap;
+    if (!designmap.read(packageFolder + QStringLiteral("/designmap.xml"), QStringLiteral("designmap.xml"),
+                        pugi::parse_default))
         return {};
     QStringList order;
-    for (pugi::xml_node node = designmap.document_element().first_child(); node; node = node.next_sibling())
+    for (pugi::xml_node node = designmap.root().first_child(); node; node = node.next_sibling())
         if (std::strcmp(node.name(), "idPkg:Spread") == 0)
             order << QString::fromUtf8(node.attribute("src").value());
     return order;
@@ -24,43 +24,47 @@ QStringList StoryFramePages::spreadOrderFromDesignmap(const QString& packageFold
 
 void StoryFramePages::addFrame(const QString& spreadPath, const QString& storyId, const QString& pageName)
 {
-    auto& frames = m_framesBySpread[spreadPath];
-    if (frames.isEmpty() && !m_readOrder.contains(spreadPath))
+    auto spread = m_framesBySpread.find(spreadPath);
+    if (spread == m_framesBySpread.end()) {
         m_readOrder << spreadPath;
-    if (!frames.contains(storyId))
-        frames.insert(storyId, pageName);
+        spread = m_framesBySpread.insert(spreadPath, {});
+    }
+    if (!spread->contains(storyId))
+        spread->insert(storyId, pageName);
+    m_pagesIndexed = false;
 }
 
 void StoryFramePages::setSpreadOrder(const QString& packageFolder, const QStringList& designmapOrder)
 {
     m_searchOrder.clear();
-    m_pageByStory.clear();
+    QSet<QString> ordered;
     for (const QString& relative : designmapOrder) {
         const QString path = QDir::cleanPath(packageFolder + u'/' + relative);
-        if (m_framesBySpread.contains(path) && !m_searchOrder.contains(path))
+        if (m_framesBySpread.contains(path) && !ordered.contains(path)) {
+            ordered.insert(path);
             m_searchOrder << path;
+        }
     }
     for (const QString& path : std::as_const(m_readOrder))
-        if (!m_searchOrder.contains(path))
+        if (!ordered.contains(path))
             m_searchOrder << path;
+    m_pagesIndexed = false;
 }
 
 QString StoryFramePages::pageNameForLinkID(const QString& linkId, const QString& storyId)
 {
     (void)linkId;
-    if (const auto it = m_pageByStory.constFind(storyId); it != m_pageByStory.cend())
-        return *it;
-    QString page;
-    const QStringList& order = m_searchOrder.isEmpty() ? m_readOrder : m_searchOrder;
-    for (const QString& spread : order) {
-        const auto& frames = m_framesBySpread[spread];
-        if (const auto it = frames.constFind(storyId); it != frames.cend()) {
-            page = *it;
-            break;
+    if (!m_pagesIndexed) {
+        m_pageByStory.clear();
+        for (const QString& spread : m_searchOrder.isEmpty() ? m_readOrder : m_searchOrder) {
+            const auto& frames = m_framesBySpread[spread];
+            for (auto it = frames.cbegin(); it != frames.cend(); ++it)
+                if (!m_pageByStory.contains(it.key()))
+                    m_pageByStory.insert(it.key(), it.value());
         }
+        m_pagesIndexed = true;
     }
-    m_pageByStory.insert(storyId, page);
-    return page;
+    return m_pageByStory.value(storyId);
 }
 
 } // namespace quillon::links

@@ -30,7 +30,10 @@ private:
     QStringList m_readOrder;                                  // spread paths as read
     QHash<QString, QHash<QString, QString>> m_framesBySpread; // spread path -> story -> page
     QStringList m_searchOrder;
-    QHash<QString, QString> m_pageByStory; // answers found so far
+    // Each story's page in the search order, made once for all questions (asking each spread in
+    // turn for each story would cost spreads times stories).
+    QHash<QString, QString> m_pageByStory;
+    bool m_pagesIndexed = false;
 };
 
 } // namespace quillon::links

@@ -8,6 +8,7 @@
 #include "app/Settings.h"
 #include "preflight/AppleEventPermission.h"
 #include "preflight/BatchPreflight.h"
+#include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/PreflightResultsSink.h"
 
@@ -78,7 +79,7 @@ void QNControlCenter::setDoCancel(bool cancel)
         m_doCancel.reset();
 }
 
-QStringList QNControlCenter::warnings() const
+QList<app::Error> QNControlCenter::warnings() const
 {
     std::lock_guard lock(m_warningsMutex);
     return m_warnings;
@@ -86,8 +87,13 @@ QStringList QNControlCenter::warnings() const
 
 void QNControlCenter::addWarning(const QString& warning)
 {
+    addWarnings({app::makeError(warning)});
+}
+
+void QNControlCenter::addWarnings(const QList<app::Error>& warnings)
+{
     std::lock_guard lock(m_warningsMutex);
-    m_warnings << warning;
+    addWarningsOnce(m_warnings, warnings);
 }
 
 void QNControlCenter::startup(const AppleEventServices* services)
@@ -144,6 +150,9 @@ bool QNControlCenter::preflightActiveDoc(BatchPreflight* batch)
         return false;
     }
     m_activeDocRecord = record;
+    addWarnings(m_host.documentWarnings());
+    if (const std::optional<app::Error> noPages = noPagesWarning(record))
+        addWarnings({*noPages});
     m_currDocInfo = QNDocInfo::docInfoWithRecord(record);
     m_registrationInTextFlag = m_results.registrationInTextFlag();
     m_progress.setMaximum(100); // the bar appears
@@ -292,6 +301,7 @@ bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
     app::logLine(QStringLiteral("----> start idml creator"));
     QNIDMLCreator creator(m_host, m_alerts, this);
     creator.setWorkFolder(m_folders.workFolder);
+    creator.setCancelFlag(&m_doCancel);
     m_idmlFolderPath = creator.processInDesignFileAtPath(path);
     app::logLine(QStringLiteral("idmlFolderPath: %1").arg(m_idmlFolderPath));
     app::logLine(QStringLiteral("----> end idml creator"));
@@ -300,6 +310,8 @@ bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
         setDoCancel(true);
         return false;
     }
+    if (creator.lastUnpackWasRepaired())
+        addWarnings({repairedArchiveWarning()});
 
     setProgressValueToStage(QStringLiteral("links"));
     QString failure;
@@ -309,6 +321,7 @@ bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
                             &m_progress, &m_doCancel, &m_alerts});
         m_currDocInfo.setDocPageSizes(outcome.pageSizes);
         m_linkData = std::move(outcome.linkData);
+        addWarnings(outcome.warnings);
         if (!m_linkData.isEmpty()) {
             app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
             const QString file = QDir(m_folders.dataFolder).filePath(app::kLinkDataFileName);
@@ -339,7 +352,8 @@ void QNControlCenter::parseDocInfoInIDML()
 {
     if (doCancel() || m_idmlFolderPath.isEmpty())
         return;
-    m_currDocInfo.parseDocInfoInIDMLFolderAtPath(m_idmlFolderPath);
+    if (const app::Status read = m_currDocInfo.parseDocInfoInIDMLFolderAtPath(m_idmlFolderPath); !read)
+        addWarnings({read.error()});
 }
 
 void QNControlCenter::processFonts()

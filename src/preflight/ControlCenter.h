@@ -147,12 +147,15 @@ public:
     Outcome lastOutcome() const { return m_lastOutcome; }
     // Why the export or unpacking failed (empty otherwise): the message names the document.
     const app::Error& lastExportError() const { return m_lastExportError; }
-    // Steps that failed without stopping the preflight (an inspection, a data file), in words.
-    QStringList warnings() const;
+    // What failed without stopping the preflight (a part that could not be read, an inspection, a
+    // data file, a repaired archive, a document without pages), each once, in the order met. A
+    // preflight with warnings is not a clean one.
+    QList<app::Error> warnings() const;
 
 private:
     app::Settings settings() const;
     void addWarning(const QString& warning);
+    void addWarnings(const QList<app::Error>& warnings);
     // Waits for the link data file written in the background; its failure is a warning.
     void finishLinkDataFile();
     void showStage(const QString& stage);
@@ -193,7 +196,7 @@ private:
     Outcome m_lastOutcome = Outcome::NotStarted;
     app::Error m_lastExportError;
     mutable std::mutex m_warningsMutex;
-    QStringList m_warnings;
+    QList<app::Error> m_warnings;
 };
 
 } // namespace quillon::preflight

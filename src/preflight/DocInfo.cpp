@@ -2,10 +2,10 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
+#include "links/XmlPart.h"
 #include "preflight/InDesignHost.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QVariantList>
 
@@ -82,13 +82,16 @@ void QNDocInfo::setBleedOrSlug(bool bleed, const QString& text)
     (bleed ? m_bleedStr : m_slugStr) = text;
 }
 
-void QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
+app::Status QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
 {
     app::logLine(QStringLiteral("> parseDocInfoInIDMLFolderAtPath: %1").arg(folder));
     const QString path = QDir(folder).filePath(QStringLiteral("Resources/Preferences.xml"));
-    pugi::xml_document document;
-    const pugi::xml_parse_result parsed = document.load_file(QFile::encodeName(path).constData());
-    const pugi::xml_node root = parsed ? document.document_element() : pugi::xml_node();
+    links::XmlPart preferences;
+    app::Status read;
+    // A package without preferences is not damaged: some tools write none.
+    if (QFileInfo::exists(path))
+        read = preferences.read(path, QStringLiteral("Resources/Preferences.xml"), pugi::parse_default);
+    const pugi::xml_node root = preferences.root();
 
     const pugi::xml_node view = root.child("ViewPreference");
     if (view) {
@@ -103,10 +106,11 @@ void QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
     if (!preference) {
         app::logFailure(QStringLiteral("get DocumentPreference nodes: %1").arg(path));
         m_bleedStr = m_slugStr = QStringLiteral("-");
-        return;
+        return read;
     }
     setBleedOrSlug(true, bleedOrSlugText(bleedOrSlugValues(preference, true), m_horizMeasurementUnits));
     setBleedOrSlug(false, bleedOrSlugText(bleedOrSlugValues(preference, false), m_horizMeasurementUnits));
+    return read;
 }
 
 void QNDocInfo::setDocPageSizesDict(const PageSizesDict& sizes)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Result.h"
 #include "preflight/DocInfoTexts.h"
 
 #include <QDateTime>
@@ -51,8 +52,9 @@ public:
     static QNDocInfo docInfoWithRecord(const QStringList& record, const QLocale& locale = QLocale());
 
     // Reads the units, bleed and slug of an unpacked IDML ("Resources/Preferences.xml").
-    // Without that file the units are "Points" and bleed and slug "-".
-    void parseDocInfoInIDMLFolderAtPath(const QString& folder);
+    // Without that file the units are "Points" and bleed and slug "-"; when the file is there but
+    // cannot be read the same, and the error names the part.
+    app::Status parseDocInfoInIDMLFolderAtPath(const QString& folder);
 
     // The file's dates in the locale's short date and time; empty when they cannot be read.
     void setDates(const QLocale& locale = QLocale());

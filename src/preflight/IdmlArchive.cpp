@@ -55,6 +55,21 @@ bool isFolderEntry(const QString& name)
     return name.endsWith(u'/') || name.endsWith(u'\\');
 }
 
+// "./", "." and the like: the unpacked folder itself, which needs no entry.
+bool namesTheFolderItself(const QString& name)
+{
+    QString path = name;
+    path.replace(u'\\', u'/');
+    const QStringList parts = path.split(u'/', Qt::SkipEmptyParts);
+    return !path.startsWith(u'/') && isFolderEntry(name) && !parts.isEmpty() &&
+           parts.count(QStringLiteral(".")) == parts.size();
+}
+
+bool isFolder(const IdmlArchive::Entry& entry)
+{
+    return isFolderEntry(entry.name) || (entry.unixMode & kFileTypeMask) == kDirectory;
+}
+
 Result<zip_t*> openZip(const QString& path, const QString& name)
 {
     int code = 0;
@@ -211,6 +226,10 @@ std::optional<QString> safeRelativeEntryPath(const QString& entryName)
 IdmlArchive::IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries)
     : m_path(std::move(path)), m_name(std::move(name)), m_handle(std::move(handle)), m_entries(std::move(entries))
 {
+    m_indexByPath.reserve(static_cast<qsizetype>(m_entries.size()));
+    for (size_t i = 0; i < m_entries.size(); ++i)
+        if (!m_entries[i].path.isEmpty() && !m_indexByPath.contains(m_entries[i].path))
+            m_indexByPath.insert(m_entries[i].path, i);
 }
 
 IdmlArchive::IdmlArchive(IdmlArchive&&) noexcept = default;
@@ -228,7 +247,7 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& report
     if (info.size() == 0)
         return makeError(QStringLiteral("the file is empty (0 bytes), so it is not an IDML file"), name);
     if (!info.isReadable())
-        return makeError(QStringLiteral("the file cannot be read (no permission)"), name);
+        return makeError(QStringLiteral("the file cannot be read: permission denied"), name);
 
     Result<zip_t*> zip = openZip(path, name);
     if (!zip)
@@ -248,6 +267,7 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& report
                              name);
         Entry entry;
         entry.name = QString::fromUtf8(stat.name);
+        entry.path = safeRelativeEntryPath(entry.name).value_or(QString());
         entry.index = static_cast<quint64>(i);
         entry.size =
             (stat.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(std::min<zip_uint64_t>(stat.size, INT64_MAX)) : 0;
@@ -261,15 +281,24 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& report
     return IdmlArchive(path, name, std::move(handle), std::move(entries));
 }
 
+const IdmlArchive::Entry* IdmlArchive::find(const QString& name) const
+{
+    const std::optional<QString> path = safeRelativeEntryPath(name);
+    if (!path)
+        return nullptr;
+    const auto it = m_indexByPath.constFind(*path);
+    return it == m_indexByPath.cend() ? nullptr : &m_entries[*it];
+}
+
 bool IdmlArchive::contains(const QString& name) const
 {
-    return std::any_of(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.name == name; });
+    return find(name) != nullptr;
 }
 
 Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) const
 {
-    const auto it = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& e) { return e.name == name; });
-    if (it == m_entries.end())
+    const Entry* it = find(name);
+    if (!it)
         return makeError(QStringLiteral("the archive holds no %1").arg(name), m_name);
     if (it->size > maxBytes)
         return makeError(QStringLiteral("the entry is too large to read (%1)").arg(app::fileSizeStrFromBytes(it->size)),
@@ -312,6 +341,8 @@ Status IdmlArchive::checkEntriesAreSafe(const UnpackLimits& limits) const
                              .arg(limits.maxEntries),
                          m_name);
     qint64 total = 0;
+    QHash<QString, const Entry*> seen;
+    seen.reserve(static_cast<qsizetype>(m_entries.size()));
     for (const Entry& entry : m_entries) {
         const quint32 type = entry.unixMode & kFileTypeMask;
         if (type == kSymbolicLink)
@@ -322,9 +353,19 @@ Status IdmlArchive::checkEntriesAreSafe(const UnpackLimits& limits) const
             return makeError(QStringLiteral("the archive holds a special file, which an IDML file never does; it was "
                                             "not unpacked"),
                              m_name, entry.name);
-        if (!safeRelativeEntryPath(entry.name))
+        if (entry.path.isEmpty() && namesTheFolderItself(entry.name))
+            continue; // "./" as written by some zip tools
+        if (entry.path.isEmpty())
             return makeError(QStringLiteral("the archive holds an entry whose path leads outside its folder (an "
                                             "absolute path or \"..\"); it was not unpacked"),
+                             m_name, entry.name);
+        const Entry*& first = seen[entry.path];
+        if (!first)
+            first = &entry;
+        else if (!(isFolder(*first) && isFolder(entry)))
+            return makeError(QStringLiteral("the archive holds two entries for one path (\"%1\" and \"%2\"), "
+                                            "which an IDML file never does; it was not unpacked")
+                                 .arg(first->name, entry.name),
                              m_name, entry.name);
         if (entry.size > limits.maxTotalBytes - total)
             return makeError(QStringLiteral("the archive would unpack to more than %1, far more than an IDML file "
@@ -353,8 +394,10 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     std::vector<FileJob> jobs;
     jobs.reserve(m_entries.size());
     for (const Entry& entry : m_entries) {
-        const QString relative = *safeRelativeEntryPath(entry.name);
-        if (isFolderEntry(entry.name) || (entry.unixMode & kFileTypeMask) == kDirectory) {
+        const QString& relative = entry.path;
+        if (relative.isEmpty())
+            continue; // the folder itself
+        if (isFolder(entry)) {
             if (Status made = folders.make(relative); !made)
                 return made;
             continue;

@@ -3,6 +3,7 @@
 #include "app/Result.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -24,6 +25,9 @@ class IdmlArchive {
 public:
     struct Entry {
         QString name; // as stored ("Spreads/Spread_u1.xml"; folders end in "/")
+        // The name as a path below the package ("./Stories//a.xml" is "Stories/a.xml"); empty
+        // when it would lead outside.
+        QString path;
         quint64 index = 0;
         qint64 size = 0;      // uncompressed, as declared
         quint32 unixMode = 0; // file type and permissions when the archive records them, else 0
@@ -42,13 +46,15 @@ public:
     // The file named in messages.
     const QString& name() const { return m_name; }
     const std::vector<Entry>& entries() const { return m_entries; }
+    // Entries are found by their path below the package, however the archive spells it.
     bool contains(const QString& name) const;
 
     // The entry's bytes; refused when it declares more than `maxBytes`.
     app::Result<QByteArray> readEntry(const QString& name, qint64 maxBytes = qint64(512) << 20) const;
 
     // Refuses an archive that could write outside its folder (absolute paths, "..", links or
-    // other special files) or that is too large, naming the first offending entry.
+    // other special files), that names one path twice (reading would see one entry and unpacking
+    // keep the other) or that is too large, naming the first offending entry.
     app::Status checkEntriesAreSafe(const UnpackLimits& limits = {}) const;
 
     // Unpacks every entry below `folder` (made when missing). Checks the whole archive first, so
@@ -59,11 +65,13 @@ public:
 private:
     struct Handle;
     IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries);
+    const Entry* find(const QString& name) const;
 
     QString m_path;
     QString m_name;
     std::unique_ptr<Handle> m_handle;
     std::vector<Entry> m_entries;
+    QHash<QString, size_t> m_indexByPath; // the first entry of each path
 };
 
 // The entry name as a relative path below the unpacked folder ("\" read as "/", "." parts

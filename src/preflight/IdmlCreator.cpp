@@ -114,21 +114,14 @@ QString QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath)
         return fail(kCannotPreflightAlertTitle,
                     app::makeError(QStringLiteral("the export left no IDML file at %1").arg(idmlPath), named));
 
-    app::Result<IdmlArchive> archive = IdmlArchive::open(idmlPath, named);
-    if (!archive) {
-        app::logLine(QStringLiteral("-> can't open zip, repairing: %1").arg(archive.error().text()));
-        const QString repairedPath = repairedArchivePathForIDMLPath(idmlPath);
-        const app::Result<QString> repair = repairArchiveWithZip(idmlPath, repairedPath, m_zipTool);
-        if (!repair)
-            return fail(kCannotRepairAlertTitle, app::makeError(repair.error().message, named));
-        app::logLine(QStringLiteral("zip fixed"));
-        archive = IdmlArchive::open(repairedPath, named);
-        if (!archive)
-            return fail(
-                kCannotRepairAlertTitle,
-                app::makeError(QStringLiteral("cannot be read as a zip archive, not even after repairing it"), named));
-        m_repaired = true;
-    }
+    ArchiveRepair repair;
+    repair.repairedPath = repairedArchivePathForIDMLPath(idmlPath);
+    repair.reportedName = named;
+    repair.zipTool = m_zipTool;
+    repair.cancel = m_cancel;
+    app::Result<IdmlArchive> archive = openArchiveRepairingIt(idmlPath, repair, &m_repaired);
+    if (!archive)
+        return fail(kCannotRepairAlertTitle, archive.error());
     if (const app::Status whole = checkIdmlStructure(*archive); !whole)
         return fail(kCannotPreflightAlertTitle, whole.error());
 

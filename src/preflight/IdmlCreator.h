@@ -9,7 +9,8 @@ class QObject;
 
 namespace quillon::app {
 class AlertSink;
-}
+class CancelFlag;
+} // namespace quillon::app
 
 namespace quillon::preflight {
 
@@ -37,7 +38,8 @@ public:
     // True when the host exported the open document `inddFileName` to the IDML path.
     bool exportDoc1ToIDMLAtPath(const QString& idmlPathForScript, const QString& idmlPathPOSIX,
                                 const QString& inddFileName);
-    // Unpacks the IDML (through a repaired copy when the archive is damaged); "" on failure.
+    // Unpacks the IDML (through a repaired copy when the archive is damaged: only this work copy
+    // is repaired, in its folder); "" on failure.
     QString unzipIDMLAtPath(const QString& idmlPath);
 
     // "<work folder>/<document name with the extension idml>".
@@ -54,6 +56,8 @@ public:
     // The folder the IDML is exported and unpacked into; empty: the system's work folder.
     void setWorkFolder(const QString& folder) { m_workFolder = folder; }
     void setUnpackLimits(const UnpackLimits& limits) { m_limits = limits; }
+    // Stops a repair of the archive when set.
+    void setCancelFlag(const app::CancelFlag* cancel) { m_cancel = cancel; }
 
 private:
     QString fail(const QString& title, const app::Error& error);
@@ -65,6 +69,7 @@ private:
     QString m_zipTool;
     QString m_workFolder;
     UnpackLimits m_limits;
+    const app::CancelFlag* m_cancel = nullptr;
     app::Error m_lastError;
     bool m_repaired = false;
 };

@@ -44,6 +44,9 @@ public:
 
     // The six-string record of the document (an empty list when the host answered with none).
     virtual app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) = 0;
+    // What went wrong, without failing, while the last record was made (parts of a package that
+    // could not be read); none for a host that asks InDesign.
+    virtual QList<app::Error> documentWarnings() const { return {}; }
     // The document's full path; fails for a new, unsaved or converted document.
     virtual app::Result<QString> fullNameOfDocument(const DocumentReference& document) = 0;
     virtual app::Status saveDocument(const DocumentReference& document, const QString& path) = 0;

@@ -25,6 +25,7 @@ LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
     for (const QStringList& size : geometry.docPageSizeOrder())
         outcome.pageSizes.append({size.value(0), size.value(1), geometry.docPageSizes().value(size)});
     outcome.linkData = processor.linkDataTree();
+    outcome.warnings = processor.warnings();
     return outcome;
 }
 

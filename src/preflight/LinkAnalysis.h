@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Result.h"
 #include "preflight/DocInfo.h"
 
 #include <QString>
@@ -36,6 +37,8 @@ struct LinkAnalysisOutcome {
     // What "qnf_tmpLinkData.plist" is to hold (the caller writes it); empty when the analysis was
     // cancelled.
     QVariantMap linkData;
+    // The parts that could not be read and were skipped, each named.
+    QList<app::Error> warnings;
 };
 
 // The analysis the driver runs; replaceable so that tests can make it fail.

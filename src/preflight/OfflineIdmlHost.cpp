@@ -4,6 +4,7 @@
 #include "app/FilePaths.h"
 #include "app/Log.h"
 #include "app/RegularFile.h"
+#include "links/XmlPart.h"
 #include "preflight/FontColorInspection.h"
 #include "preflight/IdmlPackage.h"
 #include "preflight/IdmlXml.h"
@@ -84,7 +85,7 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder)
+Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
     QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
@@ -101,19 +102,34 @@ Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& w
         return loaded.error();
     const QString version = QString::fromUtf8(designmap.document_element().attribute("DOMVersion").value());
 
+    // A part that cannot be read is left out of the counts and named; the rest still counts.
+    const links::XmlPartLimits limits;
+    auto skip = [&](const app::Error& why) {
+        app::logFailure(QStringLiteral("count pages and links: %1").arg(why.text()));
+        if (warnings)
+            warnings->append(why);
+    };
     qint64 pages = 0;
     qint64 links = 0;
     for (const IdmlArchive::Entry& entry : archive->entries()) {
-        const bool spread = isPart(entry.name, "Spreads/");
-        if (!spread && !isPart(entry.name, "MasterSpreads/") && !isPart(entry.name, "Stories/"))
+        const bool spread = isPart(entry.path, "Spreads/");
+        if (!spread && !isPart(entry.path, "MasterSpreads/") && !isPart(entry.path, "Stories/"))
             continue;
-        Result<QByteArray> bytes = archive->readEntry(entry.name);
-        if (!bytes)
-            return bytes.error();
-        pugi::xml_document part;
-        if (Status loaded = loadIdmlXml(part, *bytes, path, entry.name, pugi::parse_minimal); !loaded)
-            return loaded.error();
-        forEachElement(part, [&](const pugi::xml_node element) {
+        if (entry.size > limits.maxBytes) {
+            skip(links::partTooLarge(entry.path, entry.size, limits));
+            continue;
+        }
+        Result<QByteArray> bytes = archive->readEntry(entry.path, limits.maxBytes);
+        if (!bytes) {
+            skip(makeError(bytes.error().message, entry.path));
+            continue;
+        }
+        links::XmlPart part;
+        if (Status parsed = part.parse(std::move(*bytes), entry.path, pugi::parse_minimal, limits); !parsed) {
+            skip(parsed.error());
+            continue;
+        }
+        forEachElement(part.document(), [&](const pugi::xml_node element) {
             if (spread && std::strcmp(element.name(), "Page") == 0)
                 ++pages;
             else if (std::strcmp(element.name(), "Link") == 0 &&
@@ -168,10 +184,16 @@ Result<QString> OfflineIdmlHost::documentPath(const DocumentReference& document)
 
 Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
 {
+    m_recordWarnings.clear();
     Result<QString> path = documentPath(document);
     if (!path)
         return path.error();
-    return idmlDocumentRecord(*path, m_workFolder);
+    return idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
+}
+
+QList<app::Error> OfflineIdmlHost::documentWarnings() const
+{
+    return m_recordWarnings;
 }
 
 Result<QString> OfflineIdmlHost::fullNameOfDocument(const DocumentReference& document)

@@ -20,6 +20,8 @@ public:
     QString applicationName() const override;
 
     app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override;
+    // The parts the last record left out because they could not be read.
+    QList<app::Error> documentWarnings() const override;
     app::Result<QString> fullNameOfDocument(const DocumentReference& document) override;
     app::Status saveDocument(const DocumentReference& document, const QString& path) override;
     app::Result<QString> hostPathFromPath(const QString& posixPath) override;
@@ -53,10 +55,13 @@ private:
 
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;
+    QList<app::Error> m_recordWarnings;
 };
 
-// The six-string record of an IDML file, read from the archive (repaired in `workFolder`, the
-// system's work folder when empty, when it is damaged).
-app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {});
+// The six-string record of an IDML file, read from the archive (a copy repaired in `workFolder`,
+// the system's work folder when empty, when it is damaged). Parts that cannot be read are left
+// out of the counts and, with `warnings`, named there.
+app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
+                                            QList<app::Error>* warnings = nullptr);
 
 } // namespace quillon::preflight

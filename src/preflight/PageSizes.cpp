@@ -1,32 +1,34 @@
 #include "preflight/PageSizes.h"
 
-#include "app/XmlFile.h"
 #include "links/PageGeometry.h"
+#include "links/XmlPart.h"
 #include "preflight/IdmlArchive.h"
 
 #include <QDir>
-#include <QFile>
 
 #include <pugixml.hpp>
 
 namespace quillon::preflight {
 
-PageSizesDict pageSizesInIdmlFolder(const QString& folder)
+PageSizesDict pageSizesInIdmlFolder(const QString& folder, QList<app::Error>* warnings)
 {
     PageSizesDict sizes;
     const QDir root(folder);
-    const auto designmap = app::loadXmlFile(root.filePath(QStringLiteral("designmap.xml")));
-    if (!designmap)
+    links::XmlPart designmap;
+    if (!designmap.read(root.filePath(QStringLiteral("designmap.xml")), QStringLiteral("designmap.xml")))
         return sizes;
-    for (const pugi::xml_node part : (*designmap)->document_element().children("idPkg:Spread")) {
+    for (const pugi::xml_node part : designmap.root().children("idPkg:Spread")) {
         // Only parts inside the package are read, whatever designmap.xml says.
         const std::optional<QString> source = safeRelativeEntryPath(QString::fromUtf8(part.attribute("src").value()));
         if (!source)
             continue;
-        const auto spreadFile = app::loadXmlFile(root.filePath(*source));
-        if (!spreadFile)
+        links::XmlPart spreadFile;
+        if (const app::Status read = spreadFile.read(root.filePath(*source), *source); !read) {
+            if (warnings)
+                warnings->append(read.error());
             continue;
-        const pugi::xml_node spread = (*spreadFile)->document_element().child("Spread");
+        }
+        const pugi::xml_node spread = spreadFile.root().child("Spread");
         for (const pugi::xml_node page : spread.children("Page")) {
             const QStringList key = links::pageSizeKeyFromGeometricBounds(page.attribute("GeometricBounds").value());
             if (!key.isEmpty())

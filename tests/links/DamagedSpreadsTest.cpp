@@ -94,3 +94,33 @@ TEST(DamagedSpreads, RandomlyDamagedSpreadsNeverCrash)
         EXPECT_LE(recordsOfSpread(spread.package, damaged), 20) << round;
     }
 }
+
+TEST(DamagedSpreads, UnreadablePartsAreSkippedAndNamedWhileTheOthersAreRead)
+{
+    RealSpread spread;
+    test::writeAll(spread.package + QStringLiteral("/Spreads/Spread_u1.xml"), spread.bytes);
+    test::writeAll(spread.package + QStringLiteral("/Spreads/Spread_u2.xml"), "<Spread><Page></Spread>");
+    QDir().mkpath(spread.package + QStringLiteral("/Stories"));
+    test::writeAll(spread.package + QStringLiteral("/Stories/Story_u3.xml"), "\x89PNG garbage");
+    // Far larger than a part may be; refused by its size alone, without being read.
+    QFile huge(spread.package + QStringLiteral("/Stories/Story_u4.xml"));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(qint64(500) << 20));
+    huge.close();
+
+    static const DefaultApplications noApps({}, {}, {});
+    static const test::FakeLinkedFileReader reader;
+    LinksController controller;
+    controller.fileReader = &reader;
+    controller.defaultApps = &noApps;
+    QNIDMLLinksProcessor processor(controller); // the link count is not known: the stories are read too
+    EXPECT_EQ(processor.processLinksInIDMLFolder(spread.package, spread.package + QStringLiteral("/doc.idml")).size(),
+              6);
+    QStringList warnings;
+    for (const app::Error& warning : processor.warnings())
+        warnings << warning.text();
+    ASSERT_EQ(warnings.size(), 3) << warnings.join(u'\n').toStdString();
+    EXPECT_EQ(warnings[0], QStringLiteral("Spreads/Spread_u2.xml: not readable XML at byte 16"));
+    EXPECT_EQ(warnings[1], QStringLiteral("Stories/Story_u3.xml: not readable XML at byte 11"));
+    EXPECT_TRUE(warnings[2].startsWith(QStringLiteral("Stories/Story_u4.xml: too large to read (524.3 MB")))
+        << warnings[2].toStdString();
+}

@@ -2,8 +2,8 @@
 
 #include "IdmlFixtures.h"
 
-#include "preflight/DocInfo.h"
 #include "links/PageGeometry.h"
+#include "preflight/DocInfo.h"
 #include "preflight/PageSizes.h"
 
 #include "support/TestSupport.h"
@@ -160,7 +160,7 @@ TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)
     EXPECT_EQ(pages.value({QStringLiteral("595.2756"), QStringLiteral("841.8898")}), QStringList{QStringLiteral("1")});
 
     QNDocInfo info;
-    info.parseDocInfoInIDMLFolderAtPath(dir.path());
+    EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(dir.path()).ok());
     EXPECT_EQ(info.horizMeasurementUnits(), QStringLiteral("Inches"));
     EXPECT_EQ(info.vertMeasurementUnits(), QStringLiteral("Millimeters"));
     EXPECT_EQ(info.bleedStr(), QStringLiteral("0.13 in"));
@@ -168,13 +168,14 @@ TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)
 
     // Without the preferences: points, and no bleed or slug.
     QFile::remove(folder.filePath(QStringLiteral("Resources/Preferences.xml")));
-    info.parseDocInfoInIDMLFolderAtPath(dir.path());
+    EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(dir.path()).ok()); // some tools write none
     EXPECT_EQ(info.horizMeasurementUnits(), QStringLiteral("Points"));
     EXPECT_EQ(info.bleedStr(), QStringLiteral("-"));
     EXPECT_EQ(info.slugStr(), QStringLiteral("-"));
-    // Preferences that are not XML read the same way.
+    // Preferences that are not XML read the same way, and the part is named.
     test::writeAll(folder.filePath(QStringLiteral("Resources/Preferences.xml")), "<not xml");
-    info.parseDocInfoInIDMLFolderAtPath(dir.path());
+    EXPECT_EQ(info.parseDocInfoInIDMLFolderAtPath(dir.path()).error().text(),
+              QStringLiteral("Resources/Preferences.xml: not readable XML at byte 8"));
     EXPECT_EQ(info.vertMeasurementUnits(), QStringLiteral("Points"));
     EXPECT_EQ(info.slugStr(), QStringLiteral("-"));
 }

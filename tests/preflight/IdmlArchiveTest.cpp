@@ -1,6 +1,7 @@
 #include "IdmlFixtures.h"
 #include "QtPrinters.h"
 
+#include "app/Progress.h"
 #include "preflight/IdmlArchive.h"
 #include "preflight/IdmlArchiveWriter.h"
 #include "preflight/IdmlPackage.h"
@@ -9,11 +10,15 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
 
 using namespace quillon;
 using namespace quillon::preflight;
@@ -50,8 +55,49 @@ TEST(IdmlArchive, EntryPathsThatLeaveTheFolderAreRefused)
     EXPECT_EQ(safeRelativeEntryPath(QStringLiteral("Spreads/Spread_u1.xml")), QStringLiteral("Spreads/Spread_u1.xml"));
     EXPECT_EQ(safeRelativeEntryPath(QStringLiteral("./Stories\\Story_u2.xml")), QStringLiteral("Stories/Story_u2.xml"));
     EXPECT_EQ(safeRelativeEntryPath(QStringLiteral("a..b/c")), QStringLiteral("a..b/c"));
-    for (const char* bad : {"../x", "Spreads/../../x", "..\\x", "/etc/passwd", "\\x", "C:/x", "c:x", "./", ""})
+    for (const char* bad : {"../x", "Spreads/../../x", "..\\x", "/etc/passwd", "\\x", "C:/x", "c:x", ""})
         EXPECT_FALSE(safeRelativeEntryPath(QString::fromLatin1(bad)).has_value()) << bad;
+}
+
+TEST(IdmlArchive, OnePathTwiceIsRefusedAndDotSlashNamesAreRead)
+{
+    // The story designmap.xml lists is stored as "./Stories/Story_a.xml"; other entries beside it.
+    const QString story = QStringLiteral("Stories/Story_a.xml");
+    const QString twin = QStringLiteral("./Stories/Story_z.xml"); // renamed to the story's own name below
+    struct Case {
+        QStringList names;
+        bool refused;
+    };
+    const std::vector<Case> cases{
+        {{twin}, true},
+        {{story}, true},
+        {{QStringLiteral("Stories//Story_a.xml")}, true},
+        {{QStringLiteral("Stories/./Story_a.xml")}, true},
+        {{QStringLiteral("Stories/STORY_a.xml")}, false}, // another file on this system
+        {{QStringLiteral("./"), QStringLiteral("./Stories/"), QStringLiteral("Stories/Story_b.xml")}, false},
+    };
+    for (const Case& c : cases) {
+        const std::string label = c.names.join(u' ').toStdString();
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("doc.idml"));
+        test::ArchiveEntries entries{{QStringLiteral("designmap.xml"), test::designmapXml({story})},
+                                     {QStringLiteral("./") + story, "<Story n=\"first\"/>"}};
+        for (const QString& name : c.names)
+            entries.emplace_back(name, "<Story n=\"second\"/>");
+        test::writeIdml(path, entries);
+        QByteArray bytes = test::readAll(path);
+        test::writeAll(path, bytes.replace("Story_z.xml", "Story_a.xml"));
+
+        const auto archive = openIdmlPackage(path, dir.filePath(QStringLiteral("repaired.zip")));
+        ASSERT_EQ(archive.ok(), !c.refused) << label;
+        if (!archive.ok()) {
+            EXPECT_TRUE(archive.error().message.contains(QStringLiteral("two entries for one path"))) << label;
+            continue;
+        }
+        EXPECT_EQ(*archive->readEntry(story), QByteArray("<Story n=\"first\"/>")) << label;
+        ASSERT_TRUE(archive->extractTo(dir.filePath(QStringLiteral("out"))).ok()) << label;
+        EXPECT_EQ(test::readAll(dir.filePath(QStringLiteral("out/")) + story), "<Story n=\"first\"/>") << label;
+    }
 }
 
 TEST(IdmlArchive, UnpacksARealIdmlLikeUnzip)
@@ -248,4 +294,63 @@ TEST(IdmlArchive, ADamagedEntryAmongManyIsNamed)
     ASSERT_FALSE(unpacked.ok());
     EXPECT_EQ(unpacked.error().where, QStringLiteral("Stories/Story_217.xml"));
     EXPECT_TRUE(unpacked.error().message.contains(QStringLiteral("damaged")));
+}
+
+TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
+{
+    QTemporaryDir docs; // the user's folder
+    QTemporaryDir work;
+    const QByteArray whole = test::readAll(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
+    const QString damaged = docs.filePath(QStringLiteral("damaged.idml"));
+    test::writeAll(damaged, whole.left(whole.size() - 10));
+    ArchiveRepair repair;
+    repair.repairedPath = work.filePath(QStringLiteral("damaged.idml_tmp.zip"));
+    bool wasRepaired = false;
+    ASSERT_TRUE(openIdmlPackage(damaged, repair, &wasRepaired).ok());
+    EXPECT_TRUE(wasRepaired);
+    EXPECT_EQ(filesBelow(docs.path()), QStringList{QStringLiteral("damaged.idml")});
+    EXPECT_EQ(filesBelow(work.path()), QStringList{QStringLiteral("damaged.idml_tmp.zip")});
+
+    // A large file that is no zip archive at all fails at once, with nothing copied.
+    const QString huge = docs.filePath(QStringLiteral("huge.idml"));
+    {
+        QFile file(huge);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("GARBAGE!") == 8 && file.resize(qint64(3) << 30));
+    }
+    QElapsedTimer clock;
+    clock.start();
+    const auto notZip = openIdmlPackage(huge, repair);
+    EXPECT_LT(clock.elapsed(), 1000);
+    ASSERT_FALSE(notZip.ok());
+    EXPECT_TRUE(notZip.error().message.contains(QStringLiteral("not a zip archive")))
+        << notZip.error().text().toStdString();
+    QFile::remove(huge);
+
+    // A zip tool that would run long, leaving a temporary file and a process of its own, is
+    // stopped with everything it started when the run is cancelled.
+    const QString pids = work.filePath(QStringLiteral("pids"));
+    const QString slowZip = work.filePath(QStringLiteral("slowzip"));
+    test::writeAll(slowZip, "#!/bin/sh\ntouch zi12345\nsleep 30 &\necho $! > '" + pids.toUtf8() + "'\nwait\n");
+    QFile(slowZip).setPermissions(QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    app::CancelFlag cancel;
+    repair.zipTool = slowZip;
+    repair.cancel = &cancel;
+    QElapsedTimer sinceCancel;
+    std::thread canceller([&] {
+        while (!QFileInfo::exists(pids) || test::readAll(pids).isEmpty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        sinceCancel.start();
+        cancel.cancel();
+    });
+    const auto stopped = openIdmlPackage(damaged, repair);
+    const qint64 stopMs = sinceCancel.elapsed();
+    canceller.join();
+    ASSERT_FALSE(stopped.ok());
+    EXPECT_LT(stopMs, 500);
+    EXPECT_TRUE(stopped.error().message.contains(QStringLiteral("cancelled"))) << stopped.error().text().toStdString();
+    const QString sleeper = QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(test::readAll(pids).trimmed()));
+    EXPECT_TRUE(!QFileInfo::exists(sleeper) || test::readAll(sleeper).contains(") Z "))
+        << "the tool's child still runs";
+    EXPECT_EQ(filesBelow(docs.path()), QStringList{QStringLiteral("damaged.idml")});
+    EXPECT_EQ(filesBelow(work.path()), (QStringList{QStringLiteral("pids"), QStringLiteral("slowzip")}));
 }

@@ -93,7 +93,7 @@ TEST_F(OfflineIdmlHostTest, EverySampleGivesItsRecordAndDocumentInformation)
         const QString folder = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(path, host, alerts);
         ASSERT_FALSE(folder.isEmpty());
         QNDocInfo info = QNDocInfo::docInfoWithRecord(*record);
-        info.parseDocInfoInIDMLFolderAtPath(folder);
+        EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(folder).ok());
         info.setDocPageSizesDict(pageSizesInIdmlFolder(folder));
         EXPECT_EQ(info.docName(), QFileInfo(path).fileName());
         EXPECT_EQ(info.numberOfPagesStr(), QLatin1String(sample.pages));
