@@ -153,6 +153,8 @@ public:
 private:
     app::Settings settings() const;
     void addWarning(const QString& warning);
+    // The parts an inspection skipped, each named once however many inspections skipped it.
+    void addPartWarnings(const PartWarnings& skipped);
     // Waits for the link data file written in the background; its failure is a warning.
     void finishLinkDataFile();
     void showStage(const QString& stage);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "app/Result.h"
-
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -27,11 +25,8 @@ struct TextStyle {
 // cached, so one sheet serves one thread.
 class TextStyleSheet {
 public:
-    // Either path may be empty (a package without that part). Fails on a part that is missing or
-    // not well formed, naming it.
-    static app::Result<TextStyleSheet> load(const QString& stylesPath, const QString& preferencesPath);
-
-    // The same from parts already read; either may be null.
+    // From the parts Resources/Styles.xml and Resources/Preferences.xml; either may be null (a
+    // package without that part, or one that could not be read).
     static TextStyleSheet fromDocuments(std::shared_ptr<pugi::xml_document> styles,
                                         std::shared_ptr<pugi::xml_document> preferences);
 
@@ -43,6 +38,9 @@ public:
     // The value the style or the nearest style it is based on sets; empty when none does.
     QString paragraphValue(const QString& styleId, const char* property) const;
     QString characterValue(const QString& styleId, const char* property) const;
+    // The document's default: what the root style "[No paragraph style]" sets, else the text
+    // defaults. Text whose style chain breaks (a style based on nothing or on a missing style, a
+    // run outside any paragraph range) takes it.
     QString defaultValue(const char* property) const;
 
     // The <Properties> child element of that name in the paragraph style or the nearest style it
@@ -80,6 +78,7 @@ private:
     std::shared_ptr<pugi::xml_document> m_styles;
     std::shared_ptr<pugi::xml_document> m_preferences;
     pugi::xml_node m_textDefault;
+    QString m_rootParagraphStyleId;
     Kind m_paragraph;
     Kind m_character;
 };
