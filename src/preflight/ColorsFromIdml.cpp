@@ -13,6 +13,8 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -281,8 +283,12 @@ public:
         const pugi::xml_node range = characterRange ? characterRange : paragraphRange;
         if (!m_seen.insert(range.internal_object()).second)
             return;
-        if (m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "FillColor")) ||
-            m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "StrokeColor")))
+        auto [known, isNew] = m_setInRegistration.try_emplace(
+            TextStyleSheet::runKey(paragraphRange, characterRange, {"FillColor", "StrokeColor"}), false);
+        if (isNew)
+            known->second = m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "FillColor")) ||
+                            m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "StrokeColor"));
+        if (known->second)
             ++m_count;
     }
 
@@ -294,7 +300,8 @@ public:
 private:
     const TextStyleSheet& m_sheet;
     QSet<QString> m_swatches;
-    std::unordered_set<const void*> m_seen; // within one story only
+    std::unordered_set<const void*> m_seen;                    // within one story only
+    std::unordered_map<std::string, bool> m_setInRegistration; // by what decides the run's colours
 
     int m_count = 0;
 };

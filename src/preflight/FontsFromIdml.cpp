@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstring>
+#include <string>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -33,18 +34,21 @@ public:
 
     void characters(pugi::xml_node paragraphRange, pugi::xml_node characterRange) override
     {
-        const pugi::xml_node range = characterRange ? characterRange : paragraphRange;
-        if (!m_seenRanges.insert(range.internal_object()).second)
+        const bool newRun =
+            m_seenRuns.insert(TextStyleSheet::runKey(paragraphRange, characterRange, {"AppliedFont", "FontStyle"}))
+                .second;
+        const bool localExtras = setsParagraphExtras(paragraphRange);
+        if (!newRun && !localExtras)
             return;
-        add(m_sheet.runValue(paragraphRange, characterRange, "AppliedFont"),
-            m_sheet.runValue(paragraphRange, characterRange, "FontStyle"));
-
         const QString paragraphStyle = QString::fromUtf8(paragraphRange.attribute("AppliedParagraphStyle").value());
-        const QString characterStyle = QString::fromUtf8(characterRange.attribute("AppliedCharacterStyle").value());
-        addStyled(paragraphStyle, characterStyle);
-        // A paragraph range may set its list, bullet and nested styles itself, and its bullet takes
-        // the paragraph's face: each range counts, once.
-        if (paragraphRange) {
+        if (newRun) {
+            add(m_sheet.runValue(paragraphRange, characterRange, "AppliedFont"),
+                m_sheet.runValue(paragraphRange, characterRange, "FontStyle"));
+            addStyled(paragraphStyle, QString::fromUtf8(characterRange.attribute("AppliedCharacterStyle").value()));
+        }
+        // A paragraph range may set its list, bullet and nested styles itself, or a face its
+        // bullet takes: such a range counts on its own, once.
+        if (localExtras) {
             if (m_seenParagraphRanges.insert(paragraphRange.internal_object()).second)
                 addParagraphExtras(paragraphStyle, paragraphRange);
         } else if (!m_seenParagraphStyles.contains(paragraphStyle)) {
@@ -55,16 +59,28 @@ public:
 
     void paragraphEnded(std::string_view) override {}
 
-    // The ranges are keyed by their nodes, which go with their story.
-    void textEnded() override
-    {
-        m_seenRanges.clear();
-        m_seenParagraphRanges.clear();
-    }
+    // Paragraph ranges are keyed by their nodes, which go with their story.
+    void textEnded() override { m_seenParagraphRanges.clear(); }
 
 private:
     // The paragraph properties that apply character styles to parts of a paragraph.
     static constexpr std::array kExtraLists{"AllNestedStyles", "AllGREPStyles", "AllLineStyles"};
+    static constexpr std::array kExtraValues{
+        "BulletsAndNumberingListType", "BulletsFont", "BulletsFontStyle", "BulletsCharacterStyle",
+        "NumberingCharacterStyle",     "FontStyle"};
+
+    // Whether a paragraph range sets any of them, or the face a bullet takes, itself.
+    static bool setsParagraphExtras(pugi::xml_node paragraphRange)
+    {
+        const pugi::xml_node properties = paragraphRange.child("Properties");
+        for (const char* name : kExtraValues)
+            if (paragraphRange.attribute(name) || properties.child(name))
+                return true;
+        for (const char* name : kExtraLists)
+            if (properties.child(name))
+                return true;
+        return false;
+    }
 
     void add(const QString& family, const QString& style)
     {
@@ -142,9 +158,8 @@ private:
     QSet<QString> m_seenFonts;
     QSet<QString> m_seenStylePairs;
     QSet<QString> m_seenParagraphStyles;
-    // Within one story only (see textEnded).
-    std::unordered_set<const void*> m_seenRanges;
-    std::unordered_set<const void*> m_seenParagraphRanges;
+    std::unordered_set<std::string> m_seenRuns;
+    std::unordered_set<const void*> m_seenParagraphRanges; // within one story only (see textEnded)
 };
 
 // Resources/Fonts.xml: the document's description of each face, and its composite fonts.

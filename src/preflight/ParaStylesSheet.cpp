@@ -33,6 +33,25 @@ QString TextStyleSheet::localValue(pugi::xml_node node, const char* property)
     return {};
 }
 
+std::string TextStyleSheet::runKey(pugi::xml_node paragraphRange, pugi::xml_node characterRange,
+                                   std::initializer_list<const char*> properties)
+{
+    auto local = [](pugi::xml_node node, const char* property) {
+        if (const pugi::xml_attribute attr = node.attribute(property))
+            return attr.value();
+        return node.child("Properties").child(property).text().get();
+    };
+    std::string key = paragraphRange.attribute("AppliedParagraphStyle").value();
+    key += '\x1f';
+    key += characterRange.attribute("AppliedCharacterStyle").value();
+    for (const char* property : properties)
+        for (const pugi::xml_node range : {paragraphRange, characterRange}) {
+            key += '\x1f';
+            key += local(range, property);
+        }
+    return key;
+}
+
 QString TextStyleSheet::displayName(const QString& storedName)
 {
     if (storedName == kBasicParagraphName)

@@ -6,7 +6,9 @@
 
 #include <pugixml.hpp>
 
+#include <initializer_list>
 #include <memory>
+#include <string>
 
 namespace quillon::preflight {
 
@@ -55,6 +57,11 @@ public:
     // The same without the ranges' own overrides: what the applied styles alone give.
     QString styledRunValue(const QString& paragraphStyleId, const QString& characterStyleId,
                            const char* property) const;
+
+    // What decides a run's values of these properties: its two styles and what its ranges set
+    // themselves. Runs with equal keys take equal values, so a key stands for the lookup.
+    static std::string runKey(pugi::xml_node paragraphRange, pugi::xml_node characterRange,
+                              std::initializer_list<const char*> properties);
 
     // The value set on one element itself, attribute first; empty when it sets none.
     static QString localValue(pugi::xml_node node, const char* property);
