@@ -22,12 +22,8 @@ struct Fixture {
     QString data = dir.filePath(QStringLiteral("data"));
     bool ready = false;
 
-    Fixture()
+    explicit Fixture(const bench::IdmlShape& shape)
     {
-        bench::IdmlShape shape;
-        shape.paragraphStyles = 40;
-        shape.characterStyles = 15;
-        shape.swatches = 60;
         const bench::GeneratedIdml facts = bench::writeGeneratedIdml(document, shape);
         auto archive = preflight::IdmlArchive::open(document);
         ready = facts.entries > 0 && archive.ok() && archive->extractTo(package).ok();
@@ -37,7 +33,25 @@ struct Fixture {
 
 Fixture& fixture()
 {
-    static Fixture instance;
+    static Fixture instance([] {
+        bench::IdmlShape shape;
+        shape.paragraphStyles = 40;
+        shape.characterStyles = 15;
+        shape.swatches = 60;
+        return shape;
+    }());
+    return instance;
+}
+
+// A swatch list far longer than any document's: every step must stay linear in it.
+Fixture& manySwatches()
+{
+    static Fixture instance([] {
+        bench::IdmlShape shape;
+        shape.spreads = 10;
+        shape.swatches = 200000;
+        return shape;
+    }());
     return instance;
 }
 
@@ -68,6 +82,14 @@ void paragraphStyles(benchmark::State& state)
     }
 }
 
+void colorsOf200000Swatches(benchmark::State& state)
+{
+    const Fixture& f = manySwatches();
+    for (auto _ : state)
+        if (!f.ready || !preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok())
+            state.SkipWithError("colour inspection failed");
+}
+
 // The three together, as one preflight and its text report ask for them.
 void allThree(benchmark::State& state)
 {
@@ -87,5 +109,6 @@ BENCHMARK(fonts)->Unit(benchmark::kMillisecond);
 BENCHMARK(colors)->Unit(benchmark::kMillisecond);
 BENCHMARK(paragraphStyles)->Unit(benchmark::kMillisecond);
 BENCHMARK(allThree)->Unit(benchmark::kMillisecond);
+BENCHMARK(colorsOf200000Swatches)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 BENCHMARK_MAIN();

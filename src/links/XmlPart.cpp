@@ -1,6 +1,7 @@
 #include "links/XmlPart.h"
 
 #include "app/Numbers.h"
+#include "app/RegularFile.h"
 #include "links/XmlPath.h"
 
 #include <QDir>
@@ -105,28 +106,20 @@ Status XmlPart::read(const QString& path, const QString& partName, unsigned opti
 {
     m_document.reset();
     m_bytes = QByteArray();
-    QFile file(path);
-    if (!file.exists())
-        return makeError(QStringLiteral("missing"), partName);
-    if (file.size() > limits.maxBytes)
-        return partTooLarge(partName, file.size(), limits);
-    if (!file.open(QIODevice::ReadOnly))
-        return makeError(QStringLiteral("cannot be read (%1)").arg(file.errorString()), partName);
-    // One byte more than allowed, to notice a file that grew since its size was seen.
-    QByteArray bytes(std::min<qint64>(file.size(), limits.maxBytes) + 1, Qt::Uninitialized);
-    qint64 total = 0;
-    while (total < bytes.size()) {
-        const qint64 got = file.read(bytes.data() + total, bytes.size() - total);
-        if (got < 0)
-            return makeError(QStringLiteral("cannot be read (%1)").arg(file.errorString()), partName);
-        if (got == 0)
-            break;
-        total += got;
-    }
-    if (total > limits.maxBytes)
-        return partTooLarge(partName, total, limits);
-    bytes.truncate(total);
-    return parse(std::move(bytes), partName, options, limits);
+    // Opened as a regular file only, so a FIFO or a device in an unpacked package cannot stall or
+    // flood the read; the size is checked before anything is read.
+    Result<app::ReadableFile> file = app::openRegularFile(path);
+    if (!file)
+        return makeError(QFileInfo::exists(path) ? file.error().message : QStringLiteral("missing from the package"),
+                         partName);
+    if (file->size() > limits.maxBytes)
+        return partTooLarge(partName, file->size(), limits);
+    Result<QByteArray> bytes = app::readRegularFile(path, limits.maxBytes);
+    if (!bytes)
+        return bytes.error().message.startsWith(QLatin1String("is too large"))
+                   ? partTooLarge(partName, limits.maxBytes + 1, limits)
+                   : makeError(bytes.error().message, partName);
+    return parse(std::move(bytes).value(), partName, options, limits);
 }
 
 } // namespace quillon::links

@@ -41,6 +41,7 @@ public:
                      const XmlPartLimits& limits = {});
 
     const pugi::xml_document& document() const { return m_document; }
+    pugi::xml_document& document() { return m_document; }
     pugi::xml_node root() const { return m_document.document_element(); }
 
 private:

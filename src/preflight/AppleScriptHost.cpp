@@ -211,27 +211,44 @@ ScriptedDocument AppleScriptHost::scriptedDocument(const QString& documentName, 
     return {std::move(runText), m_applicationName, documentName, documentPath};
 }
 
-Status AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder)
+namespace {
+
+// InDesign reads the whole document itself: there are no parts to skip.
+Result<PartWarnings> noPartsSkipped(const Status& status)
+{
+    if (!status)
+        return status.error();
+    return PartWarnings{};
+}
+
+} // namespace
+
+Result<PartWarnings> AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder,
+                                                   const QString& dataFolder)
 {
     (void)idmlFolder; // InDesign answers for the open document itself
     if (record.size() < kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
-    return processFontsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder);
+    return noPartsSkipped(
+        processFontsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder));
 }
 
-Status AppleScriptHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
-                                      const QString& registrationInTextFlag)
+Result<PartWarnings> AppleScriptHost::processColors(const QStringList& record, const QString& idmlFolder,
+                                                    const QString& dataFolder, const QString& registrationInTextFlag)
 {
     (void)idmlFolder;
     if (record.size() < kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
-    return processColorsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder,
-                                    registrationInTextFlag);
+    return noPartsSkipped(processColorsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]),
+                                                   dataFolder, registrationInTextFlag));
 }
 
-Result<QString> AppleScriptHost::paraReport(const QString& docName)
+Result<Inspected<QString>> AppleScriptHost::paraReport(const QString& docName)
 {
-    return paraReportWithScripts(scriptedDocument(docName, {}));
+    Result<QString> report = paraReportWithScripts(scriptedDocument(docName, {}));
+    if (!report)
+        return report.error();
+    return Inspected<QString>{std::move(report).value(), {}};
 }
 
 } // namespace quillon::preflight

@@ -1,10 +1,8 @@
 #include "preflight/ColorsFromIdml.h"
 
 #include "app/Numbers.h"
-#include "app/XmlFile.h"
 #include "preflight/ColorRecordKeys.h"
 #include "preflight/FontColorParts.h"
-#include "preflight/IdmlXml.h"
 #include "preflight/ParaStylesSheet.h"
 #include "preflight/ParaStylesStories.h"
 
@@ -15,6 +13,8 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <string>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -71,32 +71,51 @@ QString text(const char* utf8)
     return QString::fromUtf8(utf8);
 }
 
-bool insideProperties(pugi::xml_node element, pugi::xml_node root)
+bool isProperties(pugi::xml_node node)
 {
-    for (pugi::xml_node n = element.parent(); n && n != root; n = n.parent())
-        if (std::strcmp(n.name(), "Properties") == 0)
-            return true;
-    return false;
+    return std::strcmp(node.name(), "Properties") == 0;
 }
 
 // The references an element and everything inside it make: attribute values, and texts of
 // <Properties> entries (where object-typed values live). Text content is never a reference.
+// One pass in document order, counting the <Properties> around the element as it goes.
 void collectReferences(pugi::xml_node root, QStringList& out)
 {
+    int inProperties = 0; // <Properties> elements around the next node visited, below `root`
     auto visit = [&](pugi::xml_node element) {
         for (const pugi::xml_attribute attr : element.attributes())
             if (isReference(attr.value()) && std::strcmp(attr.name(), "Self") != 0)
                 out.append(text(attr.value()));
         const pugi::xml_node value = element.first_child();
-        if (value.type() == pugi::node_pcdata && isReference(value.value()) && insideProperties(element, root))
+        if (inProperties > 0 && value.type() == pugi::node_pcdata && isReference(value.value()))
             out.append(text(value.value()));
     };
     visit(root);
-    forEachElement(root, visit);
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        if (node.type() == pugi::node_element)
+            visit(node);
+        if (node.first_child()) {
+            inProperties += isProperties(node) ? 1 : 0;
+            node = node.first_child();
+            continue;
+        }
+        while (node && node != root && !node.next_sibling()) {
+            node = node.parent();
+            if (node != root)
+                inProperties -= isProperties(node) ? 1 : 0;
+        }
+        if (!node || node == root)
+            return;
+        node = node.next_sibling();
+    }
 }
 
-// The swatches a graphic swatch is made of. List attributes ("MixedInkSpotColorList") hold
-// several, blank-separated and percent-encoded; others hold one, blanks and all.
+constexpr std::string_view kInkPrefix = "Ink/";
+
+// The swatches a graphic swatch is made of. List attributes ("MixedInkSpotColorList", "InkList")
+// hold several, blank-separated and percent-encoded; others hold one, blanks and all. A mixed
+// ink's inks ("Ink/PANTONE 130 U") are kept as they are: the swatch table finds their spot colours.
 QStringList builtOnReferences(pugi::xml_node node)
 {
     QStringList refs;
@@ -108,7 +127,8 @@ QStringList builtOnReferences(pugi::xml_node node)
             if (name.size() > 4 && name.substr(name.size() - 4) == "List") {
                 for (const QString& item : text(attr.value()).split(u' ', Qt::SkipEmptyParts)) {
                     const QString decoded = QUrl::fromPercentEncoding(item.toUtf8());
-                    if (isReference(decoded.toUtf8().constData()))
+                    const QByteArray utf8 = decoded.toUtf8();
+                    if (isReference(utf8.constData()) || utf8.startsWith(kInkPrefix.data()))
                         refs.append(decoded);
                 }
             } else if (isReference(attr.value())) {
@@ -152,8 +172,11 @@ public:
             if (kind != "Color" && kind != "Swatch")
                 swatch.builtOn = builtOnReferences(node);
             m_byId.insert(swatch.id, m_swatches.size());
+            if (kind == "Color")
+                m_colorByName.insert(text(node.attribute("Name").value()), swatch.id);
             m_swatches.append(swatch);
         }
+        resolveInks();
     }
 
     const Swatch* find(const QString& id) const
@@ -191,9 +214,20 @@ public:
     }
 
 private:
+    // A mixed ink is made of inks; a spot ink is the colour swatch of its name.
+    void resolveInks()
+    {
+        const QString inkPrefix = QString::fromLatin1(kInkPrefix);
+        for (Swatch& swatch : m_swatches)
+            for (QString& ref : swatch.builtOn)
+                if (ref.startsWith(inkPrefix))
+                    ref = m_colorByName.value(ref.mid(inkPrefix.size()));
+    }
+
     std::shared_ptr<pugi::xml_document> m_graphic;
     QList<Swatch> m_swatches;
     QHash<QString, qsizetype> m_byId;
+    QHash<QString, QString> m_colorByName;
 };
 
 // Styles.xml: every style's references, so that applying a style uses what it refers to.
@@ -249,17 +283,26 @@ public:
         const pugi::xml_node range = characterRange ? characterRange : paragraphRange;
         if (!m_seen.insert(range.internal_object()).second)
             return;
-        if (m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "FillColor")) ||
-            m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "StrokeColor")))
+        auto [known, isNew] = m_setInRegistration.try_emplace(
+            TextStyleSheet::runKey(paragraphRange, characterRange, {"FillColor", "StrokeColor"}), false);
+        if (isNew)
+            known->second = m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "FillColor")) ||
+                            m_swatches.contains(m_sheet.runValue(paragraphRange, characterRange, "StrokeColor"));
+        if (known->second)
             ++m_count;
     }
 
     void paragraphEnded(std::string_view) override {}
 
+    // The ranges are keyed by their nodes, which go with their story.
+    void textEnded() override { m_seen.clear(); }
+
 private:
     const TextStyleSheet& m_sheet;
     QSet<QString> m_swatches;
-    std::unordered_set<const void*> m_seen;
+    std::unordered_set<const void*> m_seen;                    // within one story only
+    std::unordered_map<std::string, bool> m_setInRegistration; // by what decides the run's colours
+
     int m_count = 0;
 };
 
@@ -341,41 +384,27 @@ QVariantMap colorRecord(const Swatch& swatch, const SwatchTable& table, bool use
 
 } // namespace
 
-app::Result<ColorInspection> colorInspectionFromIdml(const QString& idmlFolder, const QString& registrationInTextFlag)
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& idmlFolder,
+                                                                const QString& registrationInTextFlag)
 {
     auto parts = readIdmlParts(idmlFolder);
     if (!parts)
         return parts.error();
+    PartReader reader(*parts);
 
     SwatchTable swatches;
-    if (!parts->graphic.isEmpty()) {
-        auto graphic = app::loadXmlFile(parts->graphic);
-        if (!graphic)
-            return graphic.error();
-        swatches.load(std::move(graphic).value());
-    }
-    std::shared_ptr<pugi::xml_document> stylesDoc;
+    if (std::shared_ptr<pugi::xml_document> graphic = reader.read(parts->graphic))
+        swatches.load(std::move(graphic));
+    const std::shared_ptr<pugi::xml_document> stylesDoc = reader.read(parts->styles);
     StyleReferences styleRefs;
-    if (!parts->styles.isEmpty()) {
-        auto styles = app::loadXmlFile(parts->styles);
-        if (!styles)
-            return styles.error();
-        stylesDoc = std::move(styles).value();
+    if (stylesDoc)
         styleRefs.load(*stylesDoc);
-    }
 
     const bool countRegistration = countsRegistrationInText(registrationInTextFlag);
     std::optional<TextStyleSheet> sheet;
     QSet<QString> registration;
     if (countRegistration) {
-        std::shared_ptr<pugi::xml_document> preferences;
-        if (!parts->preferences.isEmpty()) {
-            auto loaded = app::loadXmlFile(parts->preferences);
-            if (!loaded)
-                return loaded.error();
-            preferences = std::move(loaded).value();
-        }
-        sheet = TextStyleSheet::fromDocuments(stylesDoc, preferences);
+        sheet = TextStyleSheet::fromDocuments(stylesDoc, reader.read(parts->preferences));
         const QString registrationId = swatches.registrationId();
         if (!registrationId.isEmpty()) {
             registration.insert(registrationId);
@@ -395,13 +424,12 @@ app::Result<ColorInspection> colorInspectionFromIdml(const QString& idmlFolder, 
     for (const QStringList* list : {&parts->spreads, &parts->masterSpreads, &parts->stories}) {
         const bool isStory = list == &parts->stories;
         for (const QString& path : *list) {
-            auto doc = app::loadXmlFile(path);
+            const std::shared_ptr<pugi::xml_document> doc = reader.read(path);
             if (!doc)
-                return doc.error();
-            collectReferences((*doc)->document_element(), pending);
+                continue;
+            collectReferences(doc->document_element(), pending);
             if (isStory && counter)
-                if (app::Status walked = walkStoryText((*doc)->document_element(), *counter, path); !walked)
-                    return walked.error();
+                walkStoryText(doc->document_element(), *counter);
         }
     }
 
@@ -417,7 +445,8 @@ app::Result<ColorInspection> colorInspectionFromIdml(const QString& idmlFolder, 
             pending += swatch->builtOn;
     }
 
-    ColorInspection inspection;
+    Inspected<ColorInspection> inspected;
+    ColorInspection& inspection = inspected.found;
     for (const Swatch* swatch : swatches.panelOrder(parts->designMap.get())) {
         const bool isUsed = swatch->special != Special::No || used.contains(swatch->id);
         QVariantMap record = colorRecord(*swatch, swatches, isUsed);
@@ -426,7 +455,8 @@ app::Result<ColorInspection> colorInspectionFromIdml(const QString& idmlFolder, 
         inspection.records.append(record);
     }
     inspection.registrationInTextCount = counter ? counter->count() : 0;
-    return inspection;
+    inspected.skipped = reader.warnings();
+    return inspected;
 }
 
 } // namespace quillon::preflight

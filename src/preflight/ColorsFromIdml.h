@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 #include "preflight/ColorInspection.h"
+#include "preflight/PartWarnings.h"
 
 #include <QString>
 
@@ -19,6 +20,10 @@ namespace quillon::preflight {
 //
 // With `registrationInTextFlag` "1" the text ranges whose fill or stroke, as set on the range or
 // by its styles, is the Registration swatch or a tint of it are counted.
-app::Result<ColorInspection> colorInspectionFromIdml(const QString& idmlFolder, const QString& registrationInTextFlag);
+//
+// A part that cannot be read is skipped with a warning; only a package without a readable
+// designmap.xml fails.
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& idmlFolder,
+                                                                const QString& registrationInTextFlag);
 
 } // namespace quillon::preflight

@@ -360,23 +360,27 @@ void QNControlCenter::processFonts()
 {
     if (doCancel())
         return;
-    const app::Status inspected = m_host.processFonts(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder);
+    const auto inspected = m_host.processFonts(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder);
     if (!inspected) {
         app::logFailure(QStringLiteral("processFonts: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(inspected.error().text()));
+        return;
     }
+    addWarnings(*inspected);
 }
 
 void QNControlCenter::processColors()
 {
     if (doCancel())
         return;
-    const app::Status inspected =
+    const auto inspected =
         m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder, m_registrationInTextFlag);
     if (!inspected) {
         app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()));
+        return;
     }
+    addWarnings(*inspected);
 }
 
 void QNControlCenter::finishLinkDataFile()
@@ -511,12 +515,13 @@ app::Result<QString> QNControlCenter::createTextReport(const QString& targetFold
 QString QNControlCenter::createParaStylesReport()
 {
     app::logEntry("createParaStylesReport");
-    const app::Result<QString> report = m_host.paraReport(m_currDocName);
+    const auto report = m_host.paraReport(m_currDocName);
     if (!report) {
         app::logFailure(QStringLiteral("make the paragraph-styles report: %1").arg(report.error().text()));
         return {};
     }
-    return *report;
+    addWarnings(report->skipped);
+    return report->found;
 }
 
 } // namespace quillon::preflight

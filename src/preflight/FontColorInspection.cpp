@@ -29,33 +29,38 @@ app::Result<QString> runScript(const ScriptedDocument& document, const QString& 
 
 } // namespace
 
-app::Status processFontsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder)
+app::Result<PartWarnings> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath,
+                                               const QString& dataFolder)
 {
     app::logEntry("processFonts");
     FontFileFinder finder(documentPath);
     auto fonts = fontRecordsFromIdml(idmlFolder, finder);
     if (!fonts)
         return fonts.error();
-    return writeFontDataFile(dataFolder, documentPath, *fonts);
+    if (app::Status written = writeFontDataFile(dataFolder, documentPath, fonts->found); !written)
+        return written.error();
+    return fonts->skipped;
 }
 
-app::Status processColorsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder,
-                                  const QString& registrationInTextFlag)
+app::Result<PartWarnings> processColorsFromIdml(const QString& idmlFolder, const QString& documentPath,
+                                                const QString& dataFolder, const QString& registrationInTextFlag)
 {
     app::logEntry("processColors");
     auto colors = colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
     if (!colors)
         return colors.error();
-    return writeColorDataFile(dataFolder, documentPath, *colors);
+    if (app::Status written = writeColorDataFile(dataFolder, documentPath, colors->found); !written)
+        return written.error();
+    return colors->skipped;
 }
 
-app::Result<QString> paraReportFromIdml(const QString& idmlFolder)
+app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder)
 {
     app::logEntry("paraReport");
     auto styles = paraStyleUsesFromIdml(idmlFolder);
     if (!styles)
         return styles.error();
-    return paraStylesReportText(*styles);
+    return Inspected<QString>{paraStylesReportText(styles->found), styles->skipped};
 }
 
 app::Status processFontsWithScripts(const ScriptedDocument& document, const QString& dataFolder)

@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 #include "preflight/FontColorScripts.h"
+#include "preflight/PartWarnings.h"
 
 #include <QString>
 
@@ -14,11 +15,13 @@ namespace quillon::preflight {
 // thread; errors name the file or the script that failed and leave the data file as it was.
 
 // The offline host: from the document's unpacked IDML. `documentPath` is the document's own file,
-// beside which a "Document fonts" folder may hold fonts of its own.
-app::Status processFontsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder);
-app::Status processColorsFromIdml(const QString& idmlFolder, const QString& documentPath, const QString& dataFolder,
-                                  const QString& registrationInTextFlag);
-app::Result<QString> paraReportFromIdml(const QString& idmlFolder);
+// beside which a "Document fonts" folder may hold fonts of its own. The parts that could not be
+// read were skipped: the answer names them.
+app::Result<PartWarnings> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath,
+                                               const QString& dataFolder);
+app::Result<PartWarnings> processColorsFromIdml(const QString& idmlFolder, const QString& documentPath,
+                                                const QString& dataFolder, const QString& registrationInTextFlag);
+app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder);
 
 // The AppleScript host: scripts sent to `inDesignName` about the open document `documentName`.
 struct ScriptedDocument {

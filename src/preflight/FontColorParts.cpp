@@ -1,8 +1,10 @@
 #include "preflight/FontColorParts.h"
 
 #include "app/XmlFile.h"
+#include "links/XmlPart.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace quillon::preflight {
@@ -67,6 +69,21 @@ app::Result<IdmlParts> readIdmlParts(const QString& folder)
             parts.preferences = path;
     }
     return parts;
+}
+
+std::shared_ptr<pugi::xml_document> PartReader::read(const QString& path)
+{
+    if (path.isEmpty())
+        return {};
+    const QString prefix = m_folder + u'/';
+    const QString partName = path.startsWith(prefix) ? path.mid(prefix.size()) : path;
+    auto part = std::make_shared<links::XmlPart>();
+    if (const app::Status read = part->read(path, partName); !read) {
+        m_warnings.append(read.error());
+        return {};
+    }
+    // The document shares the part's lifetime, which holds the text it was parsed in place from.
+    return std::shared_ptr<pugi::xml_document>(part, &part->document());
 }
 
 } // namespace quillon::preflight

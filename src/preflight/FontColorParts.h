@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/PartWarnings.h"
 
 #include <QString>
 #include <QStringList>
@@ -28,6 +29,24 @@ struct IdmlParts {
 // Reads designmap.xml of an unpacked package. Fails, naming the file, when the folder or its
 // designmap.xml is missing or broken, or when the map names a part outside the folder.
 app::Result<IdmlParts> readIdmlParts(const QString& folder);
+
+// Reads the parts of one package for one inspection. A part that cannot be read (missing, not a
+// regular file, beyond the part bounds, not well-formed XML) is skipped with a warning naming
+// it, so that the rest of the document is still inspected.
+class PartReader {
+public:
+    explicit PartReader(const IdmlParts& parts) : m_folder(parts.folder) {}
+
+    // The part parsed; null when `path` is empty (the package has no such part) or when the part
+    // cannot be read, the latter with a warning.
+    std::shared_ptr<pugi::xml_document> read(const QString& path);
+
+    const PartWarnings& warnings() const { return m_warnings; }
+
+private:
+    QString m_folder;
+    PartWarnings m_warnings;
+};
 
 // A name without the "$ID/" prefix IDML gives InDesign's own names ("$ID/Regular" gives "Regular").
 QString withoutIdPrefix(QString name);

@@ -1,6 +1,5 @@
 #include "preflight/FontsFromIdml.h"
 
-#include "app/XmlFile.h"
 #include "preflight/FontColorParts.h"
 #include "preflight/FontFiles.h"
 #include "preflight/FontRecordKeys.h"
@@ -11,6 +10,9 @@
 #include <QHash>
 #include <QSet>
 
+#include <array>
+#include <cstring>
+#include <string>
 #include <unordered_set>
 
 namespace quillon::preflight {
@@ -32,24 +34,54 @@ public:
 
     void characters(pugi::xml_node paragraphRange, pugi::xml_node characterRange) override
     {
-        const pugi::xml_node range = characterRange ? characterRange : paragraphRange;
-        if (!m_seenRanges.insert(range.internal_object()).second)
+        const bool newRun =
+            m_seenRuns.insert(TextStyleSheet::runKey(paragraphRange, characterRange, {"AppliedFont", "FontStyle"}))
+                .second;
+        const bool localExtras = setsParagraphExtras(paragraphRange);
+        if (!newRun && !localExtras)
             return;
-        add(m_sheet.runValue(paragraphRange, characterRange, "AppliedFont"),
-            m_sheet.runValue(paragraphRange, characterRange, "FontStyle"));
-
         const QString paragraphStyle = QString::fromUtf8(paragraphRange.attribute("AppliedParagraphStyle").value());
-        const QString characterStyle = QString::fromUtf8(characterRange.attribute("AppliedCharacterStyle").value());
-        addStyled(paragraphStyle, characterStyle);
-        if (!m_seenParagraphStyles.contains(paragraphStyle)) {
+        if (newRun) {
+            add(m_sheet.runValue(paragraphRange, characterRange, "AppliedFont"),
+                m_sheet.runValue(paragraphRange, characterRange, "FontStyle"));
+            addStyled(paragraphStyle, QString::fromUtf8(characterRange.attribute("AppliedCharacterStyle").value()));
+        }
+        // A paragraph range may set its list, bullet and nested styles itself, or a face its
+        // bullet takes: such a range counts on its own, once.
+        if (localExtras) {
+            if (m_seenParagraphRanges.insert(paragraphRange.internal_object()).second)
+                addParagraphExtras(paragraphStyle, paragraphRange);
+        } else if (!m_seenParagraphStyles.contains(paragraphStyle)) {
             m_seenParagraphStyles.insert(paragraphStyle);
-            addParagraphStyleExtras(paragraphStyle);
+            addParagraphExtras(paragraphStyle, {});
         }
     }
 
     void paragraphEnded(std::string_view) override {}
 
+    // Paragraph ranges are keyed by their nodes, which go with their story.
+    void textEnded() override { m_seenParagraphRanges.clear(); }
+
 private:
+    // The paragraph properties that apply character styles to parts of a paragraph.
+    static constexpr std::array kExtraLists{"AllNestedStyles", "AllGREPStyles", "AllLineStyles"};
+    static constexpr std::array kExtraValues{
+        "BulletsAndNumberingListType", "BulletsFont", "BulletsFontStyle", "BulletsCharacterStyle",
+        "NumberingCharacterStyle",     "FontStyle"};
+
+    // Whether a paragraph range sets any of them, or the face a bullet takes, itself.
+    static bool setsParagraphExtras(pugi::xml_node paragraphRange)
+    {
+        const pugi::xml_node properties = paragraphRange.child("Properties");
+        for (const char* name : kExtraValues)
+            if (paragraphRange.attribute(name) || properties.child(name))
+                return true;
+        for (const char* name : kExtraLists)
+            if (properties.child(name))
+                return true;
+        return false;
+    }
+
     void add(const QString& family, const QString& style)
     {
         const UsedFont font{withoutIdPrefix(family), withoutIdPrefix(style)};
@@ -72,27 +104,53 @@ private:
             m_sheet.styledRunValue(paragraphStyle, characterStyle, "FontStyle"));
     }
 
-    // Character styles a paragraph style applies to parts of its text, and its bullet font.
-    void addParagraphStyleExtras(const QString& paragraphStyle)
+    // A paragraph property as the range sets it, else as its style does.
+    QString paragraphValue(const QString& paragraphStyle, pugi::xml_node paragraphRange, const char* property) const
     {
-        for (const char* list : {"AllNestedStyles", "AllGREPStyles", "AllLineStyles"}) {
-            const pugi::xml_node element = m_sheet.paragraphPropertyElement(paragraphStyle, list);
-            for (const pugi::xml_node item : element.children("ListItem"))
+        QString value = TextStyleSheet::localValue(paragraphRange, property);
+        return value.isEmpty() ? m_sheet.paragraphValue(paragraphStyle, property) : value;
+    }
+
+    pugi::xml_node paragraphElement(const QString& paragraphStyle, pugi::xml_node paragraphRange,
+                                    const char* property) const
+    {
+        const pugi::xml_node local = paragraphRange.child("Properties").child(property);
+        return local ? local : m_sheet.paragraphPropertyElement(paragraphStyle, property);
+    }
+
+    // Character styles a paragraph applies to parts of its text, and its bullet font: set by its
+    // style, or by the range itself when it is given (null for the style alone).
+    void addParagraphExtras(const QString& paragraphStyle, pugi::xml_node paragraphRange)
+    {
+        for (const char* list : kExtraLists)
+            for (const pugi::xml_node item :
+                 paragraphElement(paragraphStyle, paragraphRange, list).children("ListItem"))
                 addStyled(paragraphStyle, QString::fromUtf8(item.child("AppliedCharacterStyle").text().get()));
-        }
-        const QString listType = m_sheet.paragraphValue(paragraphStyle, "BulletsAndNumberingListType");
+        const QString listType = paragraphValue(paragraphStyle, paragraphRange, "BulletsAndNumberingListType");
         if (listType == QLatin1String("BulletList")) {
-            addStyled(paragraphStyle, m_sheet.paragraphValue(paragraphStyle, "BulletsCharacterStyle"));
-            const QString bulletFont = withoutIdPrefix(m_sheet.paragraphValue(paragraphStyle, "BulletsFont"));
-            if (!bulletFont.isEmpty()) {
-                QString bulletStyle = withoutIdPrefix(m_sheet.paragraphValue(paragraphStyle, "BulletsFontStyle"));
-                if (bulletStyle.isEmpty())
-                    bulletStyle = m_sheet.styledRunValue(paragraphStyle, {}, "FontStyle");
-                add(bulletFont, bulletStyle);
-            }
+            addStyled(paragraphStyle, paragraphValue(paragraphStyle, paragraphRange, "BulletsCharacterStyle"));
+            const QString bulletFont = withoutIdPrefix(paragraphValue(paragraphStyle, paragraphRange, "BulletsFont"));
+            if (!bulletFont.isEmpty())
+                add(bulletFont, bulletFace(paragraphStyle, paragraphRange));
         } else if (listType == QLatin1String("NumberedList")) {
-            addStyled(paragraphStyle, m_sheet.paragraphValue(paragraphStyle, "NumberingCharacterStyle"));
+            addStyled(paragraphStyle, paragraphValue(paragraphStyle, paragraphRange, "NumberingCharacterStyle"));
         }
+    }
+
+    // The bullet font's face; none given ("$ID/", or the enumeration value "Nothing", which is no
+    // face name) means the paragraph's own face.
+    QString bulletFace(const QString& paragraphStyle, pugi::xml_node paragraphRange) const
+    {
+        QString face = paragraphValue(paragraphStyle, paragraphRange, "BulletsFontStyle");
+        const pugi::xml_node element = paragraphElement(paragraphStyle, paragraphRange, "BulletsFontStyle");
+        if (std::strcmp(element.attribute("type").value(), "enumeration") == 0 &&
+            face == QString::fromUtf8(element.text().get()))
+            face.clear();
+        face = withoutIdPrefix(face);
+        if (face.isEmpty())
+            face = paragraphRange ? m_sheet.runValue(paragraphRange, {}, "FontStyle")
+                                  : m_sheet.styledRunValue(paragraphStyle, {}, "FontStyle");
+        return face;
     }
 
     const TextStyleSheet& m_sheet;
@@ -100,20 +158,19 @@ private:
     QSet<QString> m_seenFonts;
     QSet<QString> m_seenStylePairs;
     QSet<QString> m_seenParagraphStyles;
-    std::unordered_set<const void*> m_seenRanges;
+    std::unordered_set<std::string> m_seenRuns;
+    std::unordered_set<const void*> m_seenParagraphRanges; // within one story only (see textEnded)
 };
 
 // Resources/Fonts.xml: the document's description of each face, and its composite fonts.
 class FontCatalog {
 public:
-    app::Status load(const QString& path)
+    // The part may be null (absent or unreadable): no face is then described.
+    void load(std::shared_ptr<pugi::xml_document> fonts)
     {
-        if (path.isEmpty())
-            return {};
-        auto doc = app::loadXmlFile(path);
-        if (!doc)
-            return doc.error();
-        m_doc = std::move(doc).value();
+        if (!fonts)
+            return;
+        m_doc = std::move(fonts);
         const pugi::xml_node root = m_doc->document_element();
         for (const pugi::xml_node family : root.children("FontFamily")) {
             for (const pugi::xml_node font : family.children("Font")) {
@@ -131,7 +188,6 @@ public:
                                       withoutIdPrefix(TextStyleSheet::localValue(entry, "FontStyle"))});
             m_composites.insert(withoutIdPrefix(QString::fromUtf8(composite.attribute("Name").value())), parts);
         }
-        return {};
     }
 
     pugi::xml_node face(const UsedFont& font) const { return m_faces.value(font.key()); }
@@ -207,23 +263,21 @@ QString fontTypeFromIdml(const QString& fontType)
     return fontType;
 }
 
-app::Result<QVariantList> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder)
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder)
 {
     auto parts = readIdmlParts(idmlFolder);
     if (!parts)
         return parts.error();
-    auto sheet = TextStyleSheet::load(parts->styles, parts->preferences);
-    if (!sheet)
-        return sheet.error();
+    PartReader reader(*parts);
+    const TextStyleSheet sheet =
+        TextStyleSheet::fromDocuments(reader.read(parts->styles), reader.read(parts->preferences));
     FontCatalog catalog;
-    if (app::Status loaded = catalog.load(parts->fonts); !loaded)
-        return loaded.error();
+    catalog.load(reader.read(parts->fonts));
 
-    UsedFontCollector collector(*sheet);
-    if (app::Status walked = walkStories(parts->stories, collector); !walked)
-        return walked.error();
+    UsedFontCollector collector(sheet);
+    walkStories(parts->stories, collector, reader);
 
-    QVariantList records;
+    Inspected<QVariantList> inspected;
     QSet<QString> names;
     for (const UsedFont& used : collector.fonts()) {
         for (const UsedFont& font : catalog.expand(used)) {
@@ -232,11 +286,12 @@ app::Result<QVariantList> fontRecordsFromIdml(const QString& idmlFolder, FontFil
             if (names.contains(name))
                 continue;
             names.insert(name);
-            records.append(record);
+            inspected.found.append(record);
         }
     }
-    sortFontRecordsByName(records);
-    return records;
+    sortFontRecordsByName(inspected.found);
+    inspected.skipped = reader.warnings();
+    return inspected;
 }
 
 } // namespace quillon::preflight

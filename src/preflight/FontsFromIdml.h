@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/PartWarnings.h"
 
 #include <QString>
 #include <QVariantList>
@@ -17,8 +18,9 @@ class FontFileFinder;
 //
 // One font record per font (keys in FontRecordKeys.h), sorted by name. The status is judged on
 // this machine with `finder`: a font whose file is found is "installed" ("fauxed" or "substituted"
-// when the IDML says so), any other "missing".
-app::Result<QVariantList> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder);
+// when the IDML says so), any other "missing". A part that cannot be read is skipped with a
+// warning; only a package without a readable designmap.xml fails.
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder);
 
 // The IDML's FontType in the words of the font record: "OpenTypeCFF" gives "OpenType CFF" (every
 // OpenType flavour keeps "OpenType"), "Type1" "type 1", "Bitmap" "bitmap", others as they are.

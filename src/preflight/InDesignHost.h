@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/PartWarnings.h"
 
 #include <QString>
 #include <QStringList>
@@ -86,13 +87,15 @@ public:
     // "qnf_tmpFontData.plist" and "qnf_tmpColorData.plist" into `dataFolder` for the document of
     // `record` (the six-string record). `idmlFolder` is the preflight's unpacked IDML export: a
     // host that reads the IDML uses it, or unpacks the document itself when it is empty.
-    // `registrationInTextFlag` "1" asks for Registration applied to text to be counted.
-    virtual app::Status processFonts(const QStringList& record, const QString& idmlFolder,
-                                     const QString& dataFolder) = 0;
-    virtual app::Status processColors(const QStringList& record, const QString& idmlFolder,
-                                      const QString& dataFolder, const QString& registrationInTextFlag) = 0;
-    // The paragraph-styles report of the open document `docName`.
-    virtual app::Result<QString> paraReport(const QString& docName) = 0;
+    // `registrationInTextFlag` "1" asks for Registration applied to text to be counted. The
+    // answer names the parts of the document that could not be read and were skipped.
+    virtual app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
+                                                   const QString& dataFolder) = 0;
+    virtual app::Result<PartWarnings> processColors(const QStringList& record, const QString& idmlFolder,
+                                                    const QString& dataFolder,
+                                                    const QString& registrationInTextFlag) = 0;
+    // The paragraph-styles report of the open document `docName`, with the parts it skipped.
+    virtual app::Result<Inspected<QString>> paraReport(const QString& docName) = 0;
 
     // Link actions and relinking; hosts that can do them override these.
     virtual app::Status showLinkID(const QString& linkId, const QString& docName);

@@ -311,27 +311,28 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                      docName);
 }
 
-Status OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder)
+Result<PartWarnings> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder,
+                                                   const QString& dataFolder)
 {
     if (Status checked = checkRecord(record); !checked)
-        return checked;
+        return checked.error();
     const QString path = record[kRecordPosixPath];
     return inspectUnpacked(path, idmlFolder, m_workFolder,
                            [&](const QString& folder) { return processFontsFromIdml(folder, path, dataFolder); });
 }
 
-Status OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
-                                      const QString& registrationInTextFlag)
+Result<PartWarnings> OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder,
+                                                    const QString& dataFolder, const QString& registrationInTextFlag)
 {
     if (Status checked = checkRecord(record); !checked)
-        return checked;
+        return checked.error();
     const QString path = record[kRecordPosixPath];
     return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
         return processColorsFromIdml(folder, path, dataFolder, registrationInTextFlag);
     });
 }
 
-Result<QString> OfflineIdmlHost::paraReport(const QString& docName)
+Result<Inspected<QString>> OfflineIdmlHost::paraReport(const QString& docName)
 {
     // Asked for after the preflight, when its export is gone: the document is unpacked again.
     Result<QString> path = documentPath(DocumentReference::named(docName));

@@ -39,10 +39,11 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder) override;
-    app::Status processColors(const QStringList& record, const QString& idmlFolder, const QString& dataFolder,
-                              const QString& registrationInTextFlag) override;
-    app::Result<QString> paraReport(const QString& docName) override;
+    app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
+                                           const QString& dataFolder) override;
+    app::Result<PartWarnings> processColors(const QStringList& record, const QString& idmlFolder,
+                                            const QString& dataFolder, const QString& registrationInTextFlag) override;
+    app::Result<Inspected<QString>> paraReport(const QString& docName) override;
 
     const QStringList& openDocuments() const { return m_documents; }
     // Where the host unpacks what it reads (a damaged archive's repaired copy); empty: the

@@ -1,6 +1,5 @@
 #include "preflight/ParaStylesFromIdml.h"
 
-#include "app/XmlFile.h"
 #include "preflight/FontColorParts.h"
 #include "preflight/FontRecords.h"
 #include "preflight/ParaStylesSheet.h"
@@ -65,37 +64,37 @@ QString nameFromReference(const QString& id)
 
 } // namespace
 
-app::Result<QList<ParaStyleUse>> paraStyleUsesFromIdml(const QString& idmlFolder)
+app::Result<Inspected<QList<ParaStyleUse>>> paraStyleUsesFromIdml(const QString& idmlFolder)
 {
     auto parts = readIdmlParts(idmlFolder);
     if (!parts)
         return parts.error();
-    auto sheet = TextStyleSheet::load(parts->styles, parts->preferences);
-    if (!sheet)
-        return sheet.error();
+    PartReader reader(*parts);
+    const auto sheet = TextStyleSheet::fromDocuments(reader.read(parts->styles), reader.read(parts->preferences));
 
     ParagraphCounter counter;
-    if (app::Status walked = walkStories(parts->stories, counter); !walked)
-        return walked.error();
+    walkStories(parts->stories, counter, reader);
 
-    QList<ParaStyleUse> uses;
-    for (const TextStyle& style : sheet->paragraphStyles()) {
+    Inspected<QList<ParaStyleUse>> inspected;
+    QList<ParaStyleUse>& uses = inspected.found;
+    for (const TextStyle& style : sheet.paragraphStyles()) {
         const int paragraphs = counter.counts().value(style.id);
         if (style.id == kNoParagraphStyleId && paragraphs == 0)
             continue;
-        ParaStyleUse use = describe(*sheet, style);
+        ParaStyleUse use = describe(sheet, style);
         use.paragraphs = paragraphs;
         uses.append(use);
     }
     for (const QString& id : counter.order()) {
-        if (sheet->paragraphStyle(id))
+        if (sheet.paragraphStyle(id))
             continue;
         ParaStyleUse use;
         use.name = nameFromReference(id);
         use.paragraphs = counter.counts().value(id);
         uses.append(use);
     }
-    return uses;
+    inspected.skipped = reader.warnings();
+    return inspected;
 }
 
 } // namespace quillon::preflight

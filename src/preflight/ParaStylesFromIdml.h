@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 #include "preflight/ParaStylesReport.h"
+#include "preflight/PartWarnings.h"
 
 #include <QList>
 #include <QString>
@@ -13,7 +14,7 @@ namespace quillon::preflight {
 // it is based on set them, down to the document's defaults) and the number of paragraphs of the
 // stories, table cells and footnotes that use it. "[No Paragraph Style]" is listed only when a
 // paragraph uses it; a paragraph whose style the document lacks is counted under the style's
-// reference.
-app::Result<QList<ParaStyleUse>> paraStyleUsesFromIdml(const QString& idmlFolder);
+// reference. A part that cannot be read is skipped with a warning.
+app::Result<Inspected<QList<ParaStyleUse>>> paraStyleUsesFromIdml(const QString& idmlFolder);
 
 } // namespace quillon::preflight

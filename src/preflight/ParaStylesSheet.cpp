@@ -1,7 +1,7 @@
 #include "preflight/ParaStylesSheet.h"
 
-#include "app/XmlFile.h"
 #include "preflight/FontColorParts.h"
+#include "preflight/IdmlXml.h"
 
 #include <vector>
 
@@ -12,8 +12,6 @@ namespace {
 const QString kNoParagraphStyleName = QStringLiteral("$ID/[No paragraph style]");
 const QString kBasicParagraphName = QStringLiteral("$ID/NormalParagraphStyle");
 
-// Style groups nest; a document with more levels than this is not one InDesign wrote.
-constexpr int kMaxGroupDepth = 64;
 // BasedOn chains longer than this are cycles or damage; the lookup stops there.
 constexpr int kMaxChain = 64;
 
@@ -35,6 +33,25 @@ QString TextStyleSheet::localValue(pugi::xml_node node, const char* property)
     return {};
 }
 
+std::string TextStyleSheet::runKey(pugi::xml_node paragraphRange, pugi::xml_node characterRange,
+                                   std::initializer_list<const char*> properties)
+{
+    auto local = [](pugi::xml_node node, const char* property) {
+        if (const pugi::xml_attribute attr = node.attribute(property))
+            return attr.value();
+        return node.child("Properties").child(property).text().get();
+    };
+    std::string key = paragraphRange.attribute("AppliedParagraphStyle").value();
+    key += '\x1f';
+    key += characterRange.attribute("AppliedCharacterStyle").value();
+    for (const char* property : properties)
+        for (const pugi::xml_node range : {paragraphRange, characterRange}) {
+            key += '\x1f';
+            key += local(range, property);
+        }
+    return key;
+}
+
 QString TextStyleSheet::displayName(const QString& storedName)
 {
     if (storedName == kBasicParagraphName)
@@ -46,25 +63,12 @@ QString TextStyleSheet::displayName(const QString& storedName)
 
 void TextStyleSheet::collect(pugi::xml_node group, const char* styleElement, Kind& kind)
 {
-    std::vector<std::pair<pugi::xml_node, int>> stack{{group, 0}};
+    // Depth-first in document order, however deep the groups nest; styles do not nest in styles.
     std::vector<pugi::xml_node> order;
-    // Depth-first in document order: children are pushed in reverse.
-    while (!stack.empty()) {
-        auto [node, depth] = stack.back();
-        stack.pop_back();
-        if (std::string_view(node.name()) == styleElement) {
+    forEachElement(group, [&](pugi::xml_node node) {
+        if (std::string_view(node.name()) == styleElement && std::string_view(node.parent().name()) != styleElement)
             order.push_back(node);
-            continue;
-        }
-        if (depth >= kMaxGroupDepth)
-            continue;
-        std::vector<pugi::xml_node> children;
-        for (pugi::xml_node child : node.children())
-            if (child.type() == pugi::node_element)
-                children.push_back(child);
-        for (auto it = children.rbegin(); it != children.rend(); ++it)
-            stack.emplace_back(*it, depth + 1);
-    }
+    });
     for (const pugi::xml_node node : order) {
         TextStyle style;
         style.id = QString::fromUtf8(node.attribute("Self").value());
@@ -93,25 +97,6 @@ void TextStyleSheet::resolveBasedOn(Kind& kind)
     }
 }
 
-app::Result<TextStyleSheet> TextStyleSheet::load(const QString& stylesPath, const QString& preferencesPath)
-{
-    std::shared_ptr<pugi::xml_document> styles;
-    std::shared_ptr<pugi::xml_document> preferences;
-    if (!stylesPath.isEmpty()) {
-        auto loaded = app::loadXmlFile(stylesPath);
-        if (!loaded)
-            return loaded.error();
-        styles = std::move(loaded).value();
-    }
-    if (!preferencesPath.isEmpty()) {
-        auto loaded = app::loadXmlFile(preferencesPath);
-        if (!loaded)
-            return loaded.error();
-        preferences = std::move(loaded).value();
-    }
-    return fromDocuments(std::move(styles), std::move(preferences));
-}
-
 TextStyleSheet TextStyleSheet::fromDocuments(std::shared_ptr<pugi::xml_document> styles,
                                              std::shared_ptr<pugi::xml_document> preferences)
 {
@@ -124,6 +109,9 @@ TextStyleSheet TextStyleSheet::fromDocuments(std::shared_ptr<pugi::xml_document>
         collect(root.child("RootCharacterStyleGroup"), "CharacterStyle", sheet.m_character);
         resolveBasedOn(sheet.m_paragraph);
         resolveBasedOn(sheet.m_character);
+        if (const auto root = sheet.m_paragraph.byName.constFind(kNoParagraphStyleName);
+            root != sheet.m_paragraph.byName.cend())
+            sheet.m_rootParagraphStyleId = sheet.m_paragraph.styles[*root].id;
     }
     if (sheet.m_preferences)
         sheet.m_textDefault = sheet.m_preferences->document_element().child("TextDefault");
@@ -191,7 +179,10 @@ QString TextStyleSheet::characterValue(const QString& styleId, const char* prope
 
 QString TextStyleSheet::defaultValue(const char* property) const
 {
-    return localValue(m_textDefault, property);
+    QString value = inheritedValue(m_paragraph, m_rootParagraphStyleId, property);
+    if (value.isEmpty())
+        value = localValue(m_textDefault, property);
+    return value;
 }
 
 QString TextStyleSheet::styledRunValue(const QString& paragraphStyleId, const QString& characterStyleId,

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "app/Result.h"
-
 #include <QHash>
 #include <QList>
 #include <QString>
 
 #include <pugixml.hpp>
 
+#include <initializer_list>
 #include <memory>
+#include <string>
 
 namespace quillon::preflight {
 
@@ -27,11 +27,8 @@ struct TextStyle {
 // cached, so one sheet serves one thread.
 class TextStyleSheet {
 public:
-    // Either path may be empty (a package without that part). Fails on a part that is missing or
-    // not well formed, naming it.
-    static app::Result<TextStyleSheet> load(const QString& stylesPath, const QString& preferencesPath);
-
-    // The same from parts already read; either may be null.
+    // From the parts Resources/Styles.xml and Resources/Preferences.xml; either may be null (a
+    // package without that part, or one that could not be read).
     static TextStyleSheet fromDocuments(std::shared_ptr<pugi::xml_document> styles,
                                         std::shared_ptr<pugi::xml_document> preferences);
 
@@ -43,6 +40,9 @@ public:
     // The value the style or the nearest style it is based on sets; empty when none does.
     QString paragraphValue(const QString& styleId, const char* property) const;
     QString characterValue(const QString& styleId, const char* property) const;
+    // The document's default: what the root style "[No paragraph style]" sets, else the text
+    // defaults. Text whose style chain breaks (a style based on nothing or on a missing style, a
+    // run outside any paragraph range) takes it.
     QString defaultValue(const char* property) const;
 
     // The <Properties> child element of that name in the paragraph style or the nearest style it
@@ -57,6 +57,11 @@ public:
     // The same without the ranges' own overrides: what the applied styles alone give.
     QString styledRunValue(const QString& paragraphStyleId, const QString& characterStyleId,
                            const char* property) const;
+
+    // What decides a run's values of these properties: its two styles and what its ranges set
+    // themselves. Runs with equal keys take equal values, so a key stands for the lookup.
+    static std::string runKey(pugi::xml_node paragraphRange, pugi::xml_node characterRange,
+                              std::initializer_list<const char*> properties);
 
     // The value set on one element itself, attribute first; empty when it sets none.
     static QString localValue(pugi::xml_node node, const char* property);
@@ -80,6 +85,7 @@ private:
     std::shared_ptr<pugi::xml_document> m_styles;
     std::shared_ptr<pugi::xml_document> m_preferences;
     pugi::xml_node m_textDefault;
+    QString m_rootParagraphStyleId;
     Kind m_paragraph;
     Kind m_character;
 };

@@ -1,15 +1,14 @@
 #include "preflight/ParaStylesStories.h"
 
-#include "app/XmlFile.h"
+#include "preflight/FontColorParts.h"
 
 #include <array>
 #include <cstring>
+#include <vector>
 
 namespace quillon::preflight {
 
 namespace {
-
-constexpr int kMaxDepth = 256;
 
 // Page items anchored in text: one character of their paragraph; their own content lies elsewhere.
 constexpr std::array kAnchoredItems{
@@ -24,16 +23,16 @@ bool isAnchoredItem(std::string_view name)
     return false;
 }
 
+// Walks with stacks of its own rather than by recursion, so that no nesting is too deep to follow.
 class Walker {
 public:
-    Walker(StoryTextVisitor& visitor) : m_visitor(visitor) {}
+    explicit Walker(StoryTextVisitor& visitor) : m_visitor(visitor) {}
 
-    bool walkFlow(pugi::xml_node root, int depth)
+    void walkFlow(pugi::xml_node root)
     {
-        Flow flow;
-        const bool ok = walk(root, Scope{}, flow, depth);
-        finish(flow);
-        return ok;
+        beginFlow(root);
+        while (!m_frames.empty())
+            step();
     }
 
 private:
@@ -46,13 +45,27 @@ private:
         bool pending = false; // characters since the last paragraph end
         std::string_view style;
     };
+    // An element whose children are being visited.
+    struct Frame {
+        pugi::xml_node next; // the next child to visit
+        Scope scope;
+        bool ownsFlow = false; // the element is a text flow of its own, which ends with it
+        bool cells = false;    // a table: each of its cells is a text flow of its own
+    };
+
+    void beginFlow(pugi::xml_node root)
+    {
+        m_flows.emplace_back();
+        m_frames.push_back({root.first_child(), Scope{}, true, false});
+    }
 
     // Something of a paragraph was met. Outside any paragraph range (a graphic cell's frame) there
     // is no paragraph to count.
-    void mark(Flow& flow, const Scope& scope)
+    void mark(const Scope& scope)
     {
         if (!scope.paragraphRange)
             return;
+        Flow& flow = m_flows.back();
         const std::string_view style = scope.style();
         if (flow.pending && style != flow.style)
             m_visitor.paragraphEnded(flow.style);
@@ -60,83 +73,89 @@ private:
         flow.style = style;
     }
 
-    void finish(Flow& flow)
+    void finish()
     {
+        Flow& flow = m_flows.back();
         if (flow.pending)
             m_visitor.paragraphEnded(flow.style);
         flow.pending = false;
     }
 
-    bool walk(pugi::xml_node node, const Scope& scope, Flow& flow, int depth)
+    void step()
     {
-        if (depth > kMaxDepth)
-            return false;
-        for (pugi::xml_node child : node.children()) {
-            if (child.type() != pugi::node_element)
-                continue;
-            const std::string_view name = child.name();
-            if (name == "ParagraphStyleRange") {
-                if (!walk(child, Scope{child, {}}, flow, depth + 1))
-                    return false;
-            } else if (name == "CharacterStyleRange") {
-                if (!walk(child, Scope{scope.paragraphRange, child}, flow, depth + 1))
-                    return false;
-            } else if (name == "Content") {
-                if (child.first_child()) {
-                    mark(flow, scope);
-                    m_visitor.characters(scope.paragraphRange, scope.characterRange);
-                }
-            } else if (name == "Br") {
-                mark(flow, scope);
-                m_visitor.characters(scope.paragraphRange, scope.characterRange);
-                finish(flow);
-            } else if (name == "TextVariableInstance") {
-                mark(flow, scope);
-                m_visitor.characters(scope.paragraphRange, scope.characterRange);
-            } else if (name == "Table") {
-                mark(flow, scope);
-                for (pugi::xml_node cell : child.children("Cell"))
-                    if (!walkFlow(cell, depth + 1))
-                        return false;
-            } else if (name == "Footnote") {
-                mark(flow, scope);
-                if (!walkFlow(child, depth + 1))
-                    return false;
-            } else if (isAnchoredItem(name)) {
-                mark(flow, scope);
-            } else if (name == "Properties" || name == "Note" ||
-                       (name == "Change" && std::strcmp(child.attribute("ChangeType").value(), "DeletedText") == 0)) {
-                continue;
-            } else if (!walk(child, scope, flow, depth + 1)) {
-                return false;
+        Frame& frame = m_frames.back();
+        const pugi::xml_node child = frame.next;
+        if (!child) {
+            if (frame.ownsFlow) {
+                finish();
+                m_flows.pop_back();
             }
+            m_frames.pop_back();
+            return;
         }
-        return true;
+        if (frame.cells) {
+            frame.next = child.next_sibling("Cell");
+            beginFlow(child);
+            return;
+        }
+        frame.next = child.next_sibling();
+        if (child.type() == pugi::node_element)
+            visit(child, Scope(frame.scope)); // a copy: pushing a frame moves the stack
+    }
+
+    void visit(pugi::xml_node child, const Scope& scope)
+    {
+        const std::string_view name = child.name();
+        if (name == "ParagraphStyleRange") {
+            m_frames.push_back({child.first_child(), Scope{child, {}}});
+        } else if (name == "CharacterStyleRange") {
+            m_frames.push_back({child.first_child(), Scope{scope.paragraphRange, child}});
+        } else if (name == "Content") {
+            if (child.first_child()) {
+                mark(scope);
+                m_visitor.characters(scope.paragraphRange, scope.characterRange);
+            }
+        } else if (name == "Br") {
+            mark(scope);
+            m_visitor.characters(scope.paragraphRange, scope.characterRange);
+            finish();
+        } else if (name == "TextVariableInstance") {
+            mark(scope);
+            m_visitor.characters(scope.paragraphRange, scope.characterRange);
+        } else if (name == "Table") {
+            mark(scope);
+            m_frames.push_back({child.child("Cell"), Scope{}, false, true});
+        } else if (name == "Footnote") {
+            mark(scope);
+            beginFlow(child);
+        } else if (isAnchoredItem(name)) {
+            mark(scope);
+        } else if (name == "Properties" || name == "Note" ||
+                   (name == "Change" && std::strcmp(child.attribute("ChangeType").value(), "DeletedText") == 0)) {
+            return;
+        } else {
+            m_frames.push_back({child.first_child(), scope});
+        }
     }
 
     StoryTextVisitor& m_visitor;
+    std::vector<Frame> m_frames;
+    std::vector<Flow> m_flows;
 };
 
 } // namespace
 
-app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const QString& sourceName)
+void walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor)
 {
-    Walker walker(visitor);
-    if (!walker.walkFlow(root, 0))
-        return app::makeError(QStringLiteral("the text is nested more than %1 levels deep").arg(kMaxDepth), sourceName);
-    return {};
+    Walker(visitor).walkFlow(root);
+    visitor.textEnded();
 }
 
-app::Status walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor)
+void walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor, PartReader& reader)
 {
-    for (const QString& path : storyPaths) {
-        auto story = app::loadXmlFile(path);
-        if (!story)
-            return story.error();
-        if (app::Status walked = walkStoryText((*story)->document_element(), visitor, path); !walked)
-            return walked;
-    }
-    return {};
+    for (const QString& path : storyPaths)
+        if (const std::shared_ptr<pugi::xml_document> story = reader.read(path))
+            walkStoryText(story->document_element(), visitor);
 }
 
 } // namespace quillon::preflight

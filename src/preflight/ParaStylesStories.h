@@ -1,7 +1,5 @@
 #pragma once
 
-#include "app/Result.h"
-
 #include <QString>
 #include <QStringList>
 
@@ -23,18 +21,23 @@ public:
     // A paragraph ended: at a paragraph return, where the paragraph style changes, or at the end of
     // its story, table cell or footnote. `paragraphStyle` is its style's Self as the range names it.
     virtual void paragraphEnded(std::string_view paragraphStyle) = 0;
+
+    // The walk of one part's text ended: the nodes handed over may be freed after this, so
+    // anything keyed by them must be forgotten here.
+    virtual void textEnded() {}
 };
+
+class PartReader;
 
 // Walks the text of one story part (its document element, or any element holding text ranges).
 // Paragraphs end at <Br/>; a style range may hold several and may sit inside XML elements. Table
 // cells and footnotes are walked as text flows of their own; anchored page items count as
 // characters of their paragraph and are not entered (the frame of a graphic cell makes no
-// paragraph); notes and deleted changes are skipped.
-// Fails, naming `sourceName`, on nesting deeper than any document holds.
-app::Status walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor, const QString& sourceName);
+// paragraph); notes and deleted changes are skipped. Any depth of nesting is followed.
+void walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor);
 
-// Reads each story part in turn and walks it; the first part that cannot be read or walked ends
-// the walk with its error.
-app::Status walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor);
+// Reads each story part in turn and walks it; a part that cannot be read is skipped with the
+// reader's warning.
+void walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor, PartReader& reader);
 
 } // namespace quillon::preflight

@@ -45,7 +45,7 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
     EXPECT_EQ(part.read(dir.filePath(QStringLiteral("big.xml")), name, kPartParseOptions, limits).error().message,
               QStringLiteral("too large to read (20 KB; a part may hold at most 10 KB)"));
     EXPECT_EQ(part.read(dir.filePath(QStringLiteral("none.xml")), name).error().text(),
-              name + QStringLiteral(": missing"));
+              name + QStringLiteral(": missing from the package"));
     EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/Spreads/Spread_u1a.xml")),
               QStringLiteral("Spreads/Spread_u1a.xml"));
     EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/designmap.xml")), QStringLiteral("designmap.xml"));

@@ -123,7 +123,7 @@ TEST(ColorsFromIdml, ListsThePanelsSwatchesInOrderWithTheirUse)
 
     QStringList order;
     QStringList used;
-    for (const QVariant& value : colors->records) {
+    for (const QVariant& value : colors->found.records) {
         order.append(value.toMap().value(kColorNameKey).toString());
         used.append(value.toMap().value(kColorUsedKey).toString());
     }
@@ -134,8 +134,8 @@ TEST(ColorsFromIdml, ListsThePanelsSwatchesInOrderWithTheirUse)
     const QString y = QStringLiteral("\u221A");
     const QString n = QStringLiteral("-");
     EXPECT_EQ(used, (QStringList{y, y, y, y, y, y, y, n, y, y, y, y, n, y, y, n, n}));
-    EXPECT_EQ(colors->namesOfUnusedColors, (QStringList{"Unapplied Blue", "Lonely", "Sky", "Mix"}));
-    EXPECT_EQ(colors->registrationInTextCount, 0); // not asked to count
+    EXPECT_EQ(colors->found.namesOfUnusedColors, (QStringList{"Unapplied Blue", "Lonely", "Sky", "Mix"}));
+    EXPECT_EQ(colors->found.registrationInTextCount, 0); // not asked to count
 }
 
 TEST(ColorsFromIdml, RecordsCarryModelSpaceAndValuesAsGiven)
@@ -143,26 +143,28 @@ TEST(ColorsFromIdml, RecordsCarryModelSpaceAndValuesAsGiven)
     test::FontColorFragment doc;
     const auto colors = colorInspectionFromIdml(buildFragment(doc), QStringLiteral("0"));
     ASSERT_TRUE(colors.ok());
-    const QVariantMap registration = recordNamed(colors->records, QStringLiteral("Registration"));
+    const QVariantMap registration = recordNamed(colors->found.records, QStringLiteral("Registration"));
     EXPECT_EQ(registration.value(kColorModelKey), QStringLiteral("registration"));
     EXPECT_EQ(registration.value(kColorSpaceKey), QStringLiteral("CMYK"));
     EXPECT_EQ(registration.value(kColorValuesListKey).toList(), numbers({100, 100, 100, 100}));
-    EXPECT_TRUE(recordNamed(colors->records, QStringLiteral("Passermarken")).isEmpty());
+    EXPECT_TRUE(recordNamed(colors->found.records, QStringLiteral("Passermarken")).isEmpty());
 
-    const QVariantMap spot = recordNamed(colors->records, QStringLiteral("PANTONE 130 U"));
+    const QVariantMap spot = recordNamed(colors->found.records, QStringLiteral("PANTONE 130 U"));
     EXPECT_EQ(spot.value(kColorModelKey), QStringLiteral("spot"));
     EXPECT_EQ(spot.value(kColorSpaceKey), QStringLiteral("LAB"));
     EXPECT_EQ(spot.value(kColorValuesListKey).toList(), numbers({72.94117647058823, 32, 68}));
-    const QVariantMap tint = recordNamed(colors->records, QStringLiteral("PANTONE 130 U 40%"));
+    const QVariantMap tint = recordNamed(colors->found.records, QStringLiteral("PANTONE 130 U 40%"));
     EXPECT_EQ(tint.value(kColorModelKey), QStringLiteral("spot"));
     EXPECT_EQ(tint.value(kColorValuesListKey), spot.value(kColorValuesListKey));
-    EXPECT_EQ(recordNamed(colors->records, QStringLiteral("Para Teal")).value(kColorSpaceKey), QStringLiteral("HSB"));
-    EXPECT_EQ(recordNamed(colors->records, QStringLiteral("Frame Red")).value(kColorSpaceKey), QStringLiteral("RGB"));
+    EXPECT_EQ(recordNamed(colors->found.records, QStringLiteral("Para Teal")).value(kColorSpaceKey),
+              QStringLiteral("HSB"));
+    EXPECT_EQ(recordNamed(colors->found.records, QStringLiteral("Frame Red")).value(kColorSpaceKey),
+              QStringLiteral("RGB"));
 
-    const QVariantMap mix = recordNamed(colors->records, QStringLiteral("Mix"));
+    const QVariantMap mix = recordNamed(colors->found.records, QStringLiteral("Mix"));
     EXPECT_EQ(mix.value(kColorModelKey), QStringLiteral("mixedinkmodel"));
     EXPECT_EQ(mix.value(kColorValuesListKey).toList(), numbers({25, 66}));
-    const QVariantMap sky = recordNamed(colors->records, QStringLiteral("Sky"));
+    const QVariantMap sky = recordNamed(colors->found.records, QStringLiteral("Sky"));
     EXPECT_EQ(sky.value(kColorModelKey), QStringLiteral("gradient"));
     EXPECT_EQ(sky.value(kColorSpaceKey), QStringLiteral("CMYK")); // both stops
     EXPECT_TRUE(sky.value(kColorValuesListKey).toList().isEmpty());
@@ -176,8 +178,35 @@ TEST(ColorsFromIdml, CountsTextSetInTheRegistrationSwatchWhenAsked)
     ASSERT_TRUE(counted.ok());
     // By character style, a tint as stroke, set on the paragraph; not the copy named
     // "Registration 2", not the empty range.
-    EXPECT_EQ(counted->registrationInTextCount, 3);
-    EXPECT_EQ(colorInspectionFromIdml(folder, QStringLiteral("yes"))->registrationInTextCount, 0);
+    EXPECT_EQ(counted->found.registrationInTextCount, 3);
+    EXPECT_EQ(colorInspectionFromIdml(folder, QStringLiteral("yes"))->found.registrationInTextCount, 0);
+}
+
+TEST(ColorsFromIdml, MixedInksUseTheirSpotInksHoweverListed)
+{
+    test::FontColorFragment doc;
+    doc.graphic(R"(
+<Color Self="Color/u1" Model="Spot" Space="LAB" ColorValue="50 10 10" Name="Ink A" Visible="true" />
+<Color Self="Color/u2" Model="Spot" Space="LAB" ColorValue="50 10 10" Name="Ink B" Visible="true" />
+<Color Self="Color/u3" Model="Spot" Space="LAB" ColorValue="50 10 10" Name="Ink C" Visible="true" />
+<MixedInk Self="MixedInk/One" Model="Mixedinkmodel" Space="MixedInk" InkList="Ink/Ink%20A Ink/$ID/Process%20Cyan" InkPercentages="25 66" Name="One" Visible="true" />
+<MixedInkGroup Self="MixedInkGroup/Two" Model="Mixedinkmodel" Space="MixedInk" InkList="Ink/Ink%20B" Name="Two" Visible="true" />)");
+    const auto colors = colorInspectionFromIdml(doc.write(), QStringLiteral("0"));
+    ASSERT_TRUE(colors.ok());
+    EXPECT_EQ(colors->found.namesOfUnusedColors, (QStringList{"Ink C", "One", "Two"}));
+}
+
+TEST(ColorsFromIdml, RegistrationIsCountedInEveryStory)
+{
+    test::FontColorFragment doc;
+    doc.graphic(
+        R"(<Color Self="Color/Registration" Model="Registration" Space="CMYK" ColorValue="100 100 100 100" ColorOverride="Specialregistration" Name="Registration" />)");
+    for (int i = 0; i < 20; ++i)
+        doc.story(
+            R"(<ParagraphStyleRange><CharacterStyleRange FillColor="Color/Registration"><Content>x</Content></CharacterStyleRange></ParagraphStyleRange>)");
+    const auto colors = colorInspectionFromIdml(doc.write(), QStringLiteral("1"));
+    ASSERT_TRUE(colors.ok());
+    EXPECT_EQ(colors->found.registrationInTextCount, 20);
 }
 
 TEST(ColorsFromIdml, RealDocuments)
@@ -215,7 +244,7 @@ TEST(ColorsFromIdml, RealDocuments)
             ASSERT_TRUE(unpacked);
             auto read = colorInspectionFromIdml(unpacked->path(), QStringLiteral("1"));
             ASSERT_TRUE(read.ok());
-            colors = *read;
+            colors = read->found;
         }
         const QVariantMap record = recordNamed(colors.records, QString::fromUtf8(c.swatch));
         ASSERT_FALSE(record.isEmpty());

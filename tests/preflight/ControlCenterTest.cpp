@@ -105,19 +105,30 @@ public:
             (*record)[kRecordLinkCount] = *linkCount;
         return record;
     }
-    app::Status processFonts(const QStringList& record, const QString& idmlFolder, const QString& dataFolder) override
+    app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
+                                           const QString& dataFolder) override
     {
         inspections << QStringLiteral("fonts ") + record.value(kRecordFileName);
         idmlFolderOfInspection = idmlFolder;
-        return app::writePropertyListFile(QVariantMap{}, QDir(dataFolder).filePath(app::kFontDataFileName));
+        if (app::Status written =
+                app::writePropertyListFile(QVariantMap{}, QDir(dataFolder).filePath(app::kFontDataFileName));
+            !written)
+            return written.error();
+        return PartWarnings{kSkippedStory, kSkippedStory};
     }
-    app::Status processColors(const QStringList& record, const QString&, const QString&,
-                              const QString& registrationInTextFlag) override
+    app::Result<PartWarnings> processColors(const QStringList& record, const QString&, const QString&,
+                                            const QString& registrationInTextFlag) override
     {
         inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
-    app::Result<QString> paraReport(const QString& docName) override { return QStringLiteral("styles of ") + docName; }
+    app::Result<Inspected<QString>> paraReport(const QString& docName) override
+    {
+        return Inspected<QString>{QStringLiteral("styles of ") + docName, {}};
+    }
+
+    inline static const app::Error kSkippedStory =
+        app::makeError(QStringLiteral("not readable XML at byte 14"), QStringLiteral("Stories/Story_u1a.xml"));
 
     std::optional<QString> linkCount;
     QStringList inspections;
@@ -221,13 +232,15 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
     EXPECT_EQ(app::readPropertyListDictionary(QDir(m_folders.dataFolder).filePath(app::kLinkDataFileName))->keys(),
               QStringList{m_doc});
 
-    // The inspections got the document record and the unpacked IDML; a failed one is a warning.
+    // The inspections got the document record and the unpacked IDML; a failed one is a warning, and
+    // so is each part skipped, named once.
     EXPECT_EQ(host.inspections,
               (QStringList{QStringLiteral("fonts Brochure.idml"), QStringLiteral("colors Brochure.idml 1")}));
     EXPECT_TRUE(host.idmlFolderOfInspection.startsWith(m_folders.workFolder + QStringLiteral("/Brochure.idml.folder")));
-    EXPECT_EQ(
-        warningTexts(center->warnings()),
-        QStringList{QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be read")});
+    EXPECT_EQ(warningTexts(center->warnings()),
+              (QStringList{QStringLiteral("Stories/Story_u1a.xml: not readable XML at byte 14"),
+                           QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be "
+                                          "read")}));
 
     // The document strings, the document information with the preferences and page sizes.
     EXPECT_EQ(center->currDocPath(), m_doc);

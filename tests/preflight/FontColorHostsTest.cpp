@@ -97,7 +97,7 @@ TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
     // Asked for by name after the preflight.
     const auto report = m_host.paraReport(QStringLiteral("Brochure.idml"));
     ASSERT_TRUE(report.ok()) << report.error().text().toStdString();
-    EXPECT_TRUE(report->startsWith(QStringLiteral("Paragraph styles in use"))) << report->toStdString();
+    EXPECT_TRUE(report->found.startsWith(QStringLiteral("Paragraph styles in use"))) << report->found.toStdString();
     EXPECT_FALSE(m_host.paraReport(QStringLiteral("Other.idml")).ok());
     EXPECT_TRUE(scratchLeft().isEmpty());
 }
@@ -114,7 +114,7 @@ TEST_F(OfflineHostInspections, ReadThePreflightsExportWhenGiven)
 
     EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), {}, m_data.path()).ok());
     test::writeAll(m_document, "not a zip");
-    const app::Status damaged = m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("0"));
+    const auto damaged = m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("0"));
     EXPECT_FALSE(damaged.ok());
     EXPECT_TRUE(scratchLeft().isEmpty());
 }
@@ -123,8 +123,11 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
 {
     RecordingScriptRunner scripts;
     AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
-    const QStringList record{QStringLiteral("Mac HD:Jobs:Ann \"Q\".indd"), QStringLiteral("/Jobs/Ann \"Q\".indd"),
-                             QStringLiteral("Ann \"Q\".indd"), QStringLiteral("4"), QStringLiteral("2"),
+    const QStringList record{QStringLiteral("Mac HD:Jobs:Ann \"Q\".indd"),
+                             QStringLiteral("/Jobs/Ann \"Q\".indd"),
+                             QStringLiteral("Ann \"Q\".indd"),
+                             QStringLiteral("4"),
+                             QStringLiteral("2"),
                              QStringLiteral("19.0")};
     const QString field{QChar(kScriptFieldSeparator)};
     const QString recordEnd{QChar(kScriptRecordSeparator)};
@@ -147,19 +150,21 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
                        sectionEnd + sectionEnd + QStringLiteral("2"));
     ASSERT_TRUE(host.processColors(record, {}, data.path(), QStringLiteral("1")).ok());
     EXPECT_TRUE(lastCall(scripts).source.contains(QStringLiteral("find text")));
-    EXPECT_EQ(dataEntry(data.path(), "qnf_tmpColorData.plist", record[1]).value(QStringLiteral("registrationInTextCount")),
-              QVariant(2));
+    EXPECT_EQ(
+        dataEntry(data.path(), "qnf_tmpColorData.plist", record[1]).value(QStringLiteral("registrationInTextCount")),
+        QVariant(2));
 
-    scripts.pushResult(QStringList{"7", "Body", "[Basic Paragraph]", "Minion Pro", "Regular", "10", "12", "120"}.join(field) +
-                       recordEnd + sectionEnd + QStringLiteral("7") + recordEnd);
+    scripts.pushResult(
+        QStringList{"7", "Body", "[Basic Paragraph]", "Minion Pro", "Regular", "10", "12", "120"}.join(field) +
+        recordEnd + sectionEnd + QStringLiteral("7") + recordEnd);
     const auto report = host.paraReport(record[2]);
     ASSERT_TRUE(report.ok());
-    EXPECT_TRUE(report->startsWith(QStringLiteral("Paragraph styles in use (1)\n\nBody: 1 paragraph\n")));
+    EXPECT_TRUE(report->found.startsWith(QStringLiteral("Paragraph styles in use (1)\n\nBody: 1 paragraph\n")));
 
     // InDesign's refusal is the error; nothing is written; an incomplete record sends no script.
     scripts.pushError(QStringLiteral("Can't get document \"Ann \\\"Q\\\".indd\"."), -1728);
     QTemporaryDir empty;
-    const app::Status refused = host.processFonts(record, {}, empty.path());
+    const auto refused = host.processFonts(record, {}, empty.path());
     ASSERT_FALSE(refused.ok());
     EXPECT_TRUE(refused.error().message.startsWith(QStringLiteral("Can't get document")));
     EXPECT_TRUE(QDir(empty.path()).isEmpty());

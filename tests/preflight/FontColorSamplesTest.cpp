@@ -32,8 +32,9 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
         FontFileFinder finder(path);
         const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
         ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
-        withFonts += fonts->isEmpty() ? 0 : 1;
-        for (const QVariant& value : *fonts) {
+        EXPECT_TRUE(fonts->skipped.isEmpty());
+        withFonts += fonts->found.isEmpty() ? 0 : 1;
+        for (const QVariant& value : fonts->found) {
             const QVariantMap record = value.toMap();
             for (const QString& key : {kFontNameKey, kFontTypeKey, kFontStatusKey, kFontPathKey, kFontEmbedKey})
                 EXPECT_FALSE(record.value(key).toString().isEmpty()) << key.toStdString();
@@ -44,9 +45,10 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
 
         const auto colors = colorInspectionFromIdml(unpacked->path(), QStringLiteral("1"));
         ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
+        EXPECT_TRUE(colors->skipped.isEmpty());
         QStringList names;
         QStringList unused;
-        for (const QVariant& value : colors->records) {
+        for (const QVariant& value : colors->found.records) {
             const QVariantMap record = value.toMap();
             const QString name = record.value(kColorNameKey).toString();
             names.append(name);
@@ -63,13 +65,13 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
             if (used == QLatin1String("-"))
                 unused.append(name);
         }
-        EXPECT_EQ(colors->namesOfUnusedColors, unused);
+        EXPECT_EQ(colors->found.namesOfUnusedColors, unused);
         for (const char* special : {"Paper", "Registration"})
             EXPECT_TRUE(names.contains(QLatin1String(special))) << special;
 
         const auto styles = paraStyleUsesFromIdml(unpacked->path());
         ASSERT_TRUE(styles.ok()) << styles.error().text().toStdString();
-        EXPECT_FALSE(styles->isEmpty());
+        EXPECT_FALSE(styles->found.isEmpty());
     }
     EXPECT_EQ(documents, 17);
     EXPECT_EQ(withFonts, 16); // placeholders.idml has no stories

@@ -108,9 +108,10 @@ TEST(FontsFromIdml, TakesTheFontsOfTextRunsAndTheStylesTheyApply)
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
     // Sorted by name; the unapplied styles' font and the empty range's font are not used. The
     // bullet font takes the paragraph's style; the nested style's font comes from its paragraph style.
-    EXPECT_EQ(names(*fonts), (QStringList{"Bullet Family Regular", "Default Family Italic", "Default Family Regular",
-                                          "Drop Family Bold", "Head Family Bold", "Local Family Bold"}));
-    const QVariantMap head = recordNamed(*fonts, QStringLiteral("Head Family Bold"));
+    EXPECT_EQ(names(fonts->found),
+              (QStringList{"Bullet Family Regular", "Default Family Italic", "Default Family Regular",
+                           "Drop Family Bold", "Head Family Bold", "Local Family Bold"}));
+    const QVariantMap head = recordNamed(fonts->found, QStringLiteral("Head Family Bold"));
     EXPECT_EQ(head.value(kFontStatusKey), QStringLiteral("missing"));
     EXPECT_EQ(head.value(kFontTypeKey), QStringLiteral("Unknown"));
     EXPECT_EQ(head.value(kFontPsFontKey), QString());
@@ -156,27 +157,27 @@ TEST(FontsFromIdml, StatusIsJudgedOnThisMachine)
     FontFileFinder finder(doc.documentPath());
     const auto fonts = fontRecordsFromIdml(doc.write(), finder);
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
-    ASSERT_EQ(names(*fonts), (QStringList{"Cloud Sans Regular", "DejaVu Sans Bold", "DejaVu Sans Book",
-                                          "DejaVu Serif Book", "Minion Pro Regular"}));
+    ASSERT_EQ(names(fonts->found), (QStringList{"Cloud Sans Regular", "DejaVu Sans Bold", "DejaVu Sans Book",
+                                                "DejaVu Serif Book", "Minion Pro Regular"}));
 
     // Found on the machine, but the document says it was substituted or fauxed.
-    const QVariantMap book = recordNamed(*fonts, QStringLiteral("DejaVu Sans Book"));
+    const QVariantMap book = recordNamed(fonts->found, QStringLiteral("DejaVu Sans Book"));
     EXPECT_EQ(book.value(kFontStatusKey), QStringLiteral("substituted"));
     EXPECT_EQ(book.value(kFontPathKey), sansPath);
     EXPECT_EQ(book.value(kFontPsFontKey), QStringLiteral("DejaVuSans"));
     EXPECT_EQ(book.value(kFontTypeKey), QStringLiteral("TrueType"));
     EXPECT_EQ(book.value(kFontEmbedKey), QStringLiteral("Yes"));
-    const QVariantMap bold = recordNamed(*fonts, QStringLiteral("DejaVu Sans Bold"));
+    const QVariantMap bold = recordNamed(fonts->found, QStringLiteral("DejaVu Sans Bold"));
     EXPECT_EQ(bold.value(kFontStatusKey), QStringLiteral("fauxed"));
     EXPECT_EQ(bold.value(kFontTypeKey), QStringLiteral("OpenType TT"));
 
     // Not available where it was made, but the Document fonts folder beside the document has it.
-    const QVariantMap serif = recordNamed(*fonts, QStringLiteral("DejaVu Serif Book"));
+    const QVariantMap serif = recordNamed(fonts->found, QStringLiteral("DejaVu Serif Book"));
     EXPECT_EQ(serif.value(kFontStatusKey), QStringLiteral("installed"));
     EXPECT_EQ(serif.value(kFontPathKey), local);
     EXPECT_EQ(serif.value(kFontTypeKey), QStringLiteral("type 1"));
 
-    const QVariantMap minion = recordNamed(*fonts, QStringLiteral("Minion Pro Regular"));
+    const QVariantMap minion = recordNamed(fonts->found, QStringLiteral("Minion Pro Regular"));
     if (installedPath(QStringLiteral("MinionPro-Regular")).isEmpty()) {
         EXPECT_EQ(minion.value(kFontStatusKey), QStringLiteral("missing"));
         EXPECT_EQ(minion.value(kFontPathKey), QStringLiteral("?"));
@@ -184,7 +185,7 @@ TEST(FontsFromIdml, StatusIsJudgedOnThisMachine)
     }
     EXPECT_EQ(minion.value(kFontTypeKey), QStringLiteral("OpenType CFF"));
 
-    const QVariantMap cloud = recordNamed(*fonts, QStringLiteral("Cloud Sans Regular"));
+    const QVariantMap cloud = recordNamed(fonts->found, QStringLiteral("Cloud Sans Regular"));
     EXPECT_EQ(cloud.value(kFontPathKey), QStringLiteral("Activated from Adobe Fonts"));
     EXPECT_EQ(cloud.value(kFontTypeKey), QStringLiteral("bitmap"));
 }
@@ -210,12 +211,12 @@ TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
     const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
     ASSERT_TRUE(fonts.ok());
     // Fonts.xml lists 250 faces of the families; the text uses eight.
-    EXPECT_EQ(names(*fonts),
+    EXPECT_EQ(names(fonts->found),
               (QStringList{"Flama Semicondensed Semibold", "Galaxie Polaris Book", "Kepler Std Black Semicondensed",
                            "Polaris Condensed Bold", "Polaris Condensed Heavy", "Polaris Condensed Light",
                            "Polaris Condensed Medium", "Publico Text Roman"}));
     // Substituted where the document was made, and not on this machine either: missing here.
-    const QVariantMap galaxie = recordNamed(*fonts, QStringLiteral("Galaxie Polaris Book"));
+    const QVariantMap galaxie = recordNamed(fonts->found, QStringLiteral("Galaxie Polaris Book"));
     EXPECT_EQ(galaxie.value(kFontPsFontKey), QStringLiteral("GalaxiePolaris-Book"));
     EXPECT_EQ(galaxie.value(kFontTypeKey), QStringLiteral("OpenType CFF"));
     if (installedPath(QStringLiteral("GalaxiePolaris-Book")).isEmpty()) {
@@ -229,7 +230,76 @@ TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
     FontFileFinder parserFinder(parser);
     const auto parserFonts = fontRecordsFromIdml(parserUnpacked->path(), parserFinder);
     ASSERT_TRUE(parserFonts.ok());
-    ASSERT_EQ(parserFonts->size(), 3);
-    for (const QVariant& record : *parserFonts)
+    ASSERT_EQ(parserFonts->found.size(), 3);
+    for (const QVariant& record : parserFonts->found)
         EXPECT_TRUE(record.toMap().value(kFontPathKey).toString().contains(QStringLiteral("from Adobe Fonts")));
+}
+
+// Ranges are remembered per story: a story read after another is freed may reuse its memory.
+TEST(FontsFromIdml, EveryStoryCountsHoweverMemoryIsReused)
+{
+    test::FontColorFragment doc;
+    doc.styles(kStyles);
+    QStringList expected{QStringLiteral("Default Family Regular")};
+    for (int i = 1; i <= 20; ++i) {
+        const QByteArray family = "Family " + QByteArray::number(i);
+        doc.story(R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/$ID/NormalParagraphStyle">
+<CharacterStyleRange AppliedCharacterStyle="CharacterStyle/$ID/[No character style]">
+<Properties><AppliedFont type="string">)" +
+                  family +
+                  "</AppliedFont></Properties><Content>x</Content></CharacterStyleRange></ParagraphStyleRange>");
+        expected.append(QString::fromLatin1(family + " Regular"));
+    }
+    FontFileFinder finder(doc.documentPath());
+    const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+    ASSERT_TRUE(fonts.ok());
+    QStringList found = names(fonts->found);
+    found.sort();
+    expected.sort();
+    EXPECT_EQ(found, expected);
+}
+
+TEST(FontsFromIdml, BrokenStyleChainsAndLocalParagraphSettingsKeepTheirFonts)
+{
+    // No Preferences.xml: the defaults come from the root paragraph style alone.
+    const QByteArray styles = QByteArray(kStyles).replace("</RootParagraphStyleGroup>", R"(
+  <ParagraphStyle Self="ParagraphStyle/Orphan" Name="Orphan" PointSize="9" />
+  <ParagraphStyle Self="ParagraphStyle/Lost" Name="Lost"><Properties><BasedOn type="object">ParagraphStyle/Gone</BasedOn></Properties></ParagraphStyle>
+  <ParagraphStyle Self="ParagraphStyle/Listed" Name="Listed" BulletsAndNumberingListType="BulletList">
+    <Properties><BasedOn type="object">ParagraphStyle/$ID/NormalParagraphStyle</BasedOn><BulletsFont type="string">Style Bullet</BulletsFont><BulletsFontStyle type="enumeration">Nothing</BulletsFontStyle></Properties>
+  </ParagraphStyle>
+</RootParagraphStyleGroup>)");
+    const struct {
+        const char* story;
+        const char* font; // the font the story must add to those of the styles
+    } cases[] = {
+        {R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/Orphan"><Content>a</Content></ParagraphStyleRange>)",
+         "Default Family Regular"},
+        {R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/Lost"><Content>a</Content></ParagraphStyleRange>)",
+         "Default Family Regular"},
+        {R"(<CharacterStyleRange AppliedCharacterStyle="CharacterStyle/Emph"><Content>outside</Content></CharacterStyleRange>)",
+         "Default Family Italic"},
+        {R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/$ID/NormalParagraphStyle" BulletsAndNumberingListType="BulletList">
+<Properties><BulletChar BulletCharacterType="UnicodeWithFont" BulletCharacterValue="9632" /><BulletsFont type="string">Local Bullet</BulletsFont><BulletsFontStyle type="string">Black</BulletsFontStyle></Properties>
+<Content>a</Content></ParagraphStyleRange>)",
+         "Local Bullet Black"},
+        {R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/$ID/NormalParagraphStyle">
+<Properties><AllNestedStyles type="list"><ListItem type="record"><AppliedCharacterStyle type="object">CharacterStyle/Drop</AppliedCharacterStyle></ListItem></AllNestedStyles></Properties>
+<Content>a</Content></ParagraphStyleRange>)",
+         "Drop Family Bold"},
+        {R"(<ParagraphStyleRange AppliedParagraphStyle="ParagraphStyle/Listed" FontStyle="Light"><Content>a</Content></ParagraphStyleRange>)",
+         "Style Bullet Light"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.story);
+        test::FontColorFragment doc;
+        doc.styles(styles).story(c.story);
+        FontFileFinder finder(doc.documentPath());
+        const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+        ASSERT_TRUE(fonts.ok());
+        EXPECT_TRUE(names(fonts->found).contains(QLatin1String(c.font)))
+            << names(fonts->found).join(", ").toStdString();
+        for (const QString& name : names(fonts->found))
+            EXPECT_FALSE(name.endsWith(QLatin1String("Nothing")));
+    }
 }

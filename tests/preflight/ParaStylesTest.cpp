@@ -83,7 +83,7 @@ TEST(ParaStyles, ParagraphsEndAtReturnsWhereverTheRangesSplit)
         .story((range("Gone%3aOld", "<Content>x</Content>") + range("Body", "<Content>y</Content>")).toUtf8());
     const auto uses = paraStyleUsesFromIdml(doc.write());
     ASSERT_TRUE(uses.ok()) << uses.error().text().toStdString();
-    const QHash<QString, int> found = counts(*uses);
+    const QHash<QString, int> found = counts(uses->found);
     EXPECT_EQ(found.value(QStringLiteral("Body")), 3 + 2 + 1);
     EXPECT_EQ(found.value(QStringLiteral("Heads:H1")), 1);
     EXPECT_EQ(found.value(QStringLiteral("Caption")), 1 + 2);
@@ -99,19 +99,19 @@ TEST(ParaStyles, StylesAreDescribedThroughTheirBasedOnChain)
     doc.styles(kStyles).story(range("Body", "<Content>x</Content>").toUtf8());
     const auto uses = paraStyleUsesFromIdml(doc.write());
     ASSERT_TRUE(uses.ok());
-    ASSERT_EQ(uses->size(), 4);
-    const ParaStyleUse& head = (*uses)[2];
+    ASSERT_EQ(uses->found.size(), 4);
+    const ParaStyleUse& head = uses->found[2];
     EXPECT_EQ(head.name, QStringLiteral("Heads:H1"));
     EXPECT_EQ(head.basedOn, QStringLiteral("Body"));
     EXPECT_EQ(head.font, QStringLiteral("Myriad Pro Bold"));
     EXPECT_EQ(head.size, QStringLiteral("24 pt"));
     EXPECT_EQ(head.leading, QStringLiteral("28.8 pt"));
-    const ParaStyleUse& caption = (*uses)[3];
+    const ParaStyleUse& caption = uses->found[3];
     EXPECT_EQ(caption.font, QStringLiteral("Minion Pro Regular"));
     EXPECT_EQ(caption.size, QStringLiteral("9.5 pt"));
     EXPECT_EQ(caption.leading, QStringLiteral("Auto (11.4 pt)"));
-    EXPECT_EQ((*uses)[0].name, QStringLiteral("[Basic Paragraph]"));
-    EXPECT_EQ((*uses)[0].basedOn, QStringLiteral("[No Paragraph Style]"));
+    EXPECT_EQ(uses->found[0].name, QStringLiteral("[Basic Paragraph]"));
+    EXPECT_EQ(uses->found[0].basedOn, QStringLiteral("[No Paragraph Style]"));
 
     EXPECT_EQ(leadingText(QStringLiteral("Auto"), {}, QStringLiteral("120")), QStringLiteral("Auto"));
     EXPECT_EQ(leadingText(QStringLiteral("auto"), QStringLiteral("10"), QStringLiteral("125")),
@@ -155,7 +155,7 @@ TEST(ParaStyles, RealDocument)
     ASSERT_TRUE(unpacked);
     const auto uses = paraStyleUsesFromIdml(unpacked->path());
     ASSERT_TRUE(uses.ok());
-    const QHash<QString, int> found = counts(*uses);
+    const QHash<QString, int> found = counts(uses->found);
     // Body text, table cells (two of them graphic cells), a footnote and an endnote story.
     EXPECT_EQ(found.value(QStringLiteral("[Basic Paragraph]")), 28);
     EXPECT_EQ(found.value(QStringLiteral("[No Paragraph Style]")), 1);
