@@ -9,6 +9,8 @@
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 
+#include <QSet>
+
 namespace quillon::results {
 
 namespace pf = quillon::preflight;
@@ -195,10 +197,12 @@ void assignUnusedStatusUsingUnusedNames(QVariantList& records, const QStringList
 {
     if (names.isEmpty())
         return;
+    // A set, not the list: a document may hold a hundred thousand swatches, most of them unused.
+    const QSet<QString> unused(names.cbegin(), names.cend());
     for (QVariant& item : records) {
         QVariantMap record = item.toMap();
         const QString name = record.value(pf::kColorNameKey).toString();
-        if (!name.isEmpty() && names.contains(name)) {
+        if (!name.isEmpty() && unused.contains(name)) {
             record.insert(pf::kColorUsedKey, pf::kColorUnused);
             item = record;
         }

@@ -3,6 +3,9 @@
 #include "support/TestSupport.h"
 
 #include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -20,6 +23,27 @@ constexpr int kRuns = 2;
 #else
 constexpr int kRuns = 10;
 #endif
+
+// The run's output without what is meant to change: a link whose import time cannot be read is
+// dated at the moment of the run.
+QByteArray withoutRunDates(const QByteArray& json)
+{
+    QJsonObject envelope = QJsonDocument::fromJson(json).object();
+    QJsonArray documents = envelope.value(QStringLiteral("documents")).toArray();
+    for (QJsonValueRef document : documents) {
+        QJsonObject object = document.toObject();
+        QJsonArray links = object.value(QStringLiteral("links")).toArray();
+        for (QJsonValueRef link : links) {
+            QJsonObject record = link.toObject();
+            record.remove(QStringLiteral("date"));
+            link = record;
+        }
+        object.insert(QStringLiteral("links"), links);
+        document = object;
+    }
+    envelope.insert(QStringLiteral("documents"), documents);
+    return QJsonDocument(envelope).toJson(QJsonDocument::Compact);
+}
 
 } // namespace
 
@@ -45,10 +69,11 @@ TEST(Repeatability, EverySampleGivesTheSameJsonRunAfterRun)
 
     const CliRun first = runQuillon(arguments, environment, 180000);
     ASSERT_TRUE(first.exitCode == 0 || first.exitCode == 1) << first.exitCode << first.err.toStdString();
-    ASSERT_FALSE(first.out.isEmpty());
+    const QByteArray expected = withoutRunDates(first.out);
+    ASSERT_GT(expected.size(), 1000);
     for (int run = 1; run < kRuns; ++run) {
         const CliRun again = runQuillon(arguments, environment, 180000);
         EXPECT_EQ(again.exitCode, first.exitCode) << "run " << run;
-        ASSERT_EQ(again.out, first.out) << "run " << run << " differs from the first";
+        ASSERT_EQ(withoutRunDates(again.out), expected) << "run " << run << " differs from the first";
     }
 }
