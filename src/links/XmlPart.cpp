@@ -108,13 +108,13 @@ Status XmlPart::read(const QString& path, const QString& partName, unsigned opti
     m_bytes = QByteArray();
     // Opened as a regular file only, so a FIFO or a device in an unpacked package cannot stall or
     // flood the read; the size is checked before anything is read.
-    Result<app::ReadableFile> file = app::openRegularFile(path);
+    app::Result<app::ReadableFile> file = app::openRegularFile(path);
     if (!file)
         return makeError(QFileInfo::exists(path) ? file.error().message : QStringLiteral("missing from the package"),
                          partName);
     if (file->size() > limits.maxBytes)
         return partTooLarge(partName, file->size(), limits);
-    Result<QByteArray> bytes = app::readRegularFile(path, limits.maxBytes);
+    app::Result<QByteArray> bytes = app::readRegularFile(path, limits.maxBytes);
     if (!bytes)
         return bytes.error().message.startsWith(QLatin1String("is too large"))
                    ? partTooLarge(partName, limits.maxBytes + 1, limits)
