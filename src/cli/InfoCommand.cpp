@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "app/RegularFile.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
@@ -110,7 +111,7 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     for (const std::string& document : documents) {
         if (Interruption::requested())
             break;
-        const QString path = QString::fromLocal8Bit(document.c_str());
+        const QString path = app::pathFromLocalBytes(document);
         app::Result<DocumentFacts> facts = readDocument(path, workFolder.path());
         if (!facts) {
             std::cerr << "quillon info: " << printableText(facts.error().text()) << std::endl;

@@ -1,5 +1,6 @@
 #include "cli/Interruption.h"
 
+#include "app/RegularFile.h"
 #include "cli/Commands.h"
 
 #include <QFile>
@@ -129,7 +130,7 @@ void removeTree(int parent, const char* name)
     {
         std::lock_guard lock(watch.mutex);
         for (const QString& folder : std::as_const(watch.folders))
-            folders.push_back(QFile::encodeName(folder).toStdString());
+            folders.push_back(app::localBytesOfPath(folder).toStdString());
     }
     freezeOtherThreads();
     for (const std::string& folder : folders)

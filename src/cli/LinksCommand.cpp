@@ -1,5 +1,6 @@
 #include "cli/LinksCommand.h"
 
+#include "app/RegularFile.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
@@ -90,7 +91,7 @@ int runLinks(const LinksOptions& options)
 {
     QStringList linkFolders;
     for (const std::string& folder : options.linkFolders)
-        linkFolders << QString::fromLocal8Bit(folder.c_str());
+        linkFolders << app::pathFromLocalBytes(folder);
     int status = kExitOk;
     const PrivateWorkFolder workFolder(QStringLiteral("links"));
     if (!workFolder.isValid())

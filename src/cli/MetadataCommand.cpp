@@ -51,10 +51,8 @@ int runMetadata(const MetadataOptions& options)
 {
     const QString path = app::pathFromLocalBytes(options.file);
     const auto fail = [](const app::Error& error) {
-        std::cerr << "quillon metadata: " << printableText(error.text())
-                  << "
-                     ";
-            return kExitFailure;
+        std::cerr << "quillon metadata: " << printableText(error.text()) << "\n";
+        return kExitFailure;
     };
     if (app::Status regular = app::checkRegularFile(path); !regular)
         return fail(regular.error());

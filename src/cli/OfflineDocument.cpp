@@ -1,6 +1,7 @@
 #include "cli/OfflineDocument.h"
 
 #include "app/Alerts.h"
+#include "app/AppPaths.h"
 #include "cli/Interruption.h"
 #include "cli/TerminalText.h"
 #include "preflight/DocumentWarnings.h"
@@ -60,11 +61,11 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString&
 }
 
 PrivateWorkFolder::PrivateWorkFolder(const QString& command)
-    : m_folder(QDir(QDir::tempPath()).filePath(QStringLiteral("quillon-%1-XXXXXX").arg(command)))
+    : m_folder(QDir(app::temporaryFolder()).filePath(QStringLiteral("quillon-%1-XXXXXX").arg(command)))
 {
     if (!m_folder.isValid())
         std::cerr << "quillon " << command.toStdString() << ": no temporary folder could be made in "
-                  << printableText(QDir::tempPath()) << ": " << printableText(m_folder.errorString()) << '\n';
+                  << printableText(app::temporaryFolder()) << ": " << printableText(m_folder.errorString()) << '\n';
     else
         Interruption::removeOnForcedExit(m_folder.path());
 }

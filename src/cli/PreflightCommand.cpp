@@ -4,6 +4,7 @@
 
 #include "app/FilePaths.h"
 #include "app/PropertyList.h"
+#include "app/RegularFile.h"
 #include "app/Settings.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
@@ -49,7 +50,7 @@ struct PreflightOptions {
 
 QString q(const std::string& text)
 {
-    return QString::fromLocal8Bit(text.c_str());
+    return app::pathFromLocalBytes(text);
 }
 
 void printError(const QString& about, const QString& message)

@@ -2,6 +2,7 @@
 
 #include "app/Log.h"
 #include "app/PathComponents.h"
+#include "app/RegularFile.h"
 #include "links/DefaultApplication.h"
 #include "links/LinkMetadata.h"
 #include "links/LinkPaths.h"
@@ -38,7 +39,7 @@ LinkRecordBuilder::FileStat LinkRecordBuilder::statPath(const QString& path)
 {
     // One system call for both answers: ten thousand links are ten thousand looks.
     struct stat buffer {};
-    if (::stat(QFile::encodeName(path).constData(), &buffer) != 0)
+    if (::stat(app::localBytesOfPath(path).constData(), &buffer) != 0)
         return {};
 #ifdef __APPLE__
     const timespec modified = buffer.st_mtimespec;

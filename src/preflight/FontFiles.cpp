@@ -1,6 +1,7 @@
 #include "preflight/FontFiles.h"
 
 #include "app/Log.h"
+#include "app/RegularFile.h"
 #include "preflight/FontRecordKeys.h"
 
 #include <QDir>
@@ -34,7 +35,7 @@ FacePtr openFace(void* library, const QString& path, FT_Long index)
     if (!library)
         return {};
     FT_Face face = nullptr;
-    if (FT_New_Face(static_cast<FT_Library>(library), QFile::encodeName(path).constData(), index, &face) != 0)
+    if (FT_New_Face(static_cast<FT_Library>(library), app::localBytesOfPath(path).constData(), index, &face) != 0)
         return {};
     return FacePtr(face);
 }

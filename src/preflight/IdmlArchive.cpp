@@ -1,6 +1,7 @@
 #include "preflight/IdmlArchive.h"
 
 #include "app/Numbers.h"
+#include "app/RegularFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -73,7 +74,7 @@ bool isFolder(const IdmlArchive::Entry& entry)
 Result<zip_t*> openZip(const QString& path, const QString& name)
 {
     int code = 0;
-    zip_t* zip = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &code);
+    zip_t* zip = zip_open(app::localBytesOfPath(path).constData(), ZIP_RDONLY, &code);
     if (!zip)
         return makeError(QStringLiteral("cannot be read as a zip archive (%1); an IDML file is a zip archive, so "
                                         "this one is damaged, truncated or not an IDML file at all")
@@ -110,7 +111,7 @@ public:
 
     Status make(const QString& relative)
     {
-        const fs::path folder = m_root / fs::path(QFile::encodeName(relative).toStdString());
+        const fs::path folder = m_root / fs::path(app::localBytesOfPath(relative).toStdString());
         if (!m_made.insert(folder.native()).second)
             return {};
         std::error_code ec;
@@ -382,7 +383,7 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     if (Status safe = checkEntriesAreSafe(limits); !safe)
         return safe;
     std::error_code ec;
-    const fs::path root(QFile::encodeName(folder).toStdString());
+    const fs::path root(app::localBytesOfPath(folder).toStdString());
     fs::create_directories(root, ec);
     if (ec)
         return makeError(
@@ -405,7 +406,7 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
         if (const qsizetype slash = relative.lastIndexOf(u'/'); slash > 0)
             if (Status made = folders.make(relative.left(slash)); !made)
                 return made;
-        jobs.push_back({&entry, root / fs::path(QFile::encodeName(relative).toStdString())});
+        jobs.push_back({&entry, root / fs::path(app::localBytesOfPath(relative).toStdString())});
     }
 
     // Inflating and writing the files is spread over a few threads, each with its own handle.

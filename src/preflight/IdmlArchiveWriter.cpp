@@ -1,5 +1,7 @@
 #include "preflight/IdmlArchiveWriter.h"
 
+#include "app/RegularFile.h"
+
 #include <QFile>
 
 #include <zip.h>
@@ -30,7 +32,7 @@ IdmlArchiveWriter::~IdmlArchiveWriter() = default;
 app::Result<IdmlArchiveWriter> IdmlArchiveWriter::create(const QString& path)
 {
     int code = 0;
-    zip_t* zip = zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
+    zip_t* zip = zip_open(app::localBytesOfPath(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
     if (!zip) {
         zip_error_t error;
         zip_error_init_with_code(&error, code);

@@ -2,6 +2,7 @@
 
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "app/RegularFile.h"
 #include "app/ToolRunner.h"
 #include "preflight/IdmlXml.h"
 
@@ -52,7 +53,7 @@ QString defaultZipTool()
 
 Status checkStartsLikeZip(const QString& path, const QString& reportedName)
 {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int fd = ::open(app::localBytesOfPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
         if (errno == EACCES || errno == EPERM)
             return makeError(QStringLiteral("the file cannot be read: permission denied"), reportedName);

@@ -2,6 +2,7 @@
 
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "app/RegularFile.h"
 #include "app/Strings.h"
 #include "preflight/InDesignHost.h"
 
@@ -44,7 +45,7 @@ QString QNPDFIDMLController::selectedPdfPreset() const
 void QNPDFIDMLController::removeTarget(const QString& target) const
 {
     std::error_code ec;
-    std::filesystem::remove_all(std::filesystem::path(QFile::encodeName(target).toStdString()), ec);
+    std::filesystem::remove_all(std::filesystem::path(app::localBytesOfPath(target).toStdString()), ec);
 }
 
 bool QNPDFIDMLController::exportDocToPDF()

@@ -7,6 +7,7 @@
 #include "app/NumericText.h"
 #include "app/PathComponents.h"
 #include "app/PropertyList.h"
+#include "app/RegularFile.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
 #include "results/PresetKeys.h"
@@ -342,7 +343,7 @@ bool isAscii(const QString& text)
 // The longest file name, in bytes, the folder's file system takes.
 qsizetype fileNameMaxBytes(const QString& folder)
 {
-    const long max = ::pathconf(QFile::encodeName(folder).constData(), _PC_NAME_MAX);
+    const long max = ::pathconf(app::localBytesOfPath(folder).constData(), _PC_NAME_MAX);
     return max > 0 ? max : 255;
 }
 
@@ -365,7 +366,7 @@ std::optional<PresetNameProblem> presetNameProblem(const QString& name, const QS
     if (std::any_of(name.cbegin(), name.cend(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; }))
         return PresetNameProblem{error, QStringLiteral("Preset names cannot contain control characters."), false, true};
     // Files are written through a temporary one named "<file>.XXXXXX", which must fit too.
-    const qsizetype bytes = QFile::encodeName(name + u'.' + kPresetExtension).size();
+    const qsizetype bytes = app::localBytesOfPath(name + u'.' + kPresetExtension).size();
     const qsizetype max = fileNameMaxBytes(folder) - 7;
     if (bytes > max)
         return PresetNameProblem{error,
