@@ -74,4 +74,18 @@ QVariant valueForKeyAtPath(const QVariantMap& record, const QString& keyPath)
     return current;
 }
 
+bool isNumberValue(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace quillon::app

@@ -32,4 +32,7 @@ void setObjectForKeyValueIfNil(QVariantMap& record, const QString& key, const QV
 // then a again inside it, then b. A missing step gives a null QVariant (logged).
 QVariant valueForKeyAtPath(const QVariantMap& record, const QString& keyPath);
 
+// Whether a record value holds a number (an integer of any width or a double); a flag is not one.
+bool isNumberValue(const QVariant& value);
+
 } // namespace quillon::app

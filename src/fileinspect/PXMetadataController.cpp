@@ -2,6 +2,7 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
+#include "app/Records.h"
 #include "app/Settings.h"
 #include "fileinspect/PXEXIFData.h"
 #include "fileinspect/PdfPages.h"
@@ -27,25 +28,11 @@ QVariantMap headerRow(const QString& section)
     return row(section, QStringLiteral(" "));
 }
 
-bool isNumber(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
-}
-
 // The tag's value as a whole number, when it is a number.
 std::optional<qlonglong> codeOf(const PropertyDictionary& tags, const QString& key)
 {
     const QVariant value = tags.value(key);
-    if (!isNumber(value))
+    if (!app::isNumberValue(value))
         return std::nullopt;
     return value.toLongLong();
 }

@@ -2,6 +2,7 @@
 
 #include "app/NumericText.h"
 #include "app/PropertyList.h"
+#include "app/Records.h"
 #include "results/PresetKeys.h"
 
 #include <QFileInfo>
@@ -10,19 +11,11 @@ namespace quillon::results {
 
 namespace {
 
+// Check boxes and limits are stored as numbers, or as true and false by property-list writers that
+// keep flags as such; both read as numbers.
 bool isNumber(const QVariant& value)
 {
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
+    return app::isNumberValue(value) || value.typeId() == QMetaType::Bool;
 }
 
 bool isText(const QVariant& value)
