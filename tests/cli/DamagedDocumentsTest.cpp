@@ -62,7 +62,8 @@ TEST(DamagedDocuments, UnreadablePartsAreSkippedNamedAndNeverPass)
     // Freshers has 24 links, one of them on this spread.
     const QString freshers = rewritten(dir, QStringLiteral("idml/freshers.idml"),
                                        {QStringLiteral("Spreads/Spread_uc7f.xml"), QStringLiteral("<Spread><Page></x>"),
-                                        QStringLiteral("Stories/Story_u100e.xml"), QStringLiteral("garbage")});
+                                        QStringLiteral("Stories/Story_u100e.xml"), QStringLiteral("garbage"),
+                                        QStringLiteral("Resources/Styles.xml"), QStringLiteral("<Styles><")});
     const QStringList expected{QStringLiteral("Spreads/Spread_uc7f.xml: not readable XML at byte 16"),
                                QStringLiteral("Stories/Story_u100e.xml: not readable XML at byte 6")};
     auto expectNamed = [&](const QStringList& warnings, const char* command) {
@@ -88,7 +89,13 @@ TEST(DamagedDocuments, UnreadablePartsAreSkippedNamedAndNeverPass)
     EXPECT_EQ(preflight.exitCode, 1) << preflight.err.toStdString();
     const QJsonObject preflighted = jsonOf(preflight.out, QStringLiteral("documents")).at(0).toObject();
     EXPECT_EQ(preflighted.value(QStringLiteral("links")).toArray().size(), 23);
-    expectNamed(texts(preflighted.value(QStringLiteral("warnings"))), "preflight");
+    const QStringList preflightWarnings = texts(preflighted.value(QStringLiteral("warnings")));
+    expectNamed(preflightWarnings, "preflight");
+    // The styles are read by the inspections alone; the fonts and colours of the rest still come.
+    EXPECT_EQ(preflightWarnings.filter(QStringLiteral("Resources/Styles.xml: not readable XML at byte")).size(), 1)
+        << preflightWarnings.join(u'\n').toStdString();
+    EXPECT_GT(preflighted.value(QStringLiteral("fonts")).toArray().size(), 10);
+    EXPECT_GT(preflighted.value(QStringLiteral("colors")).toArray().size(), 3);
 
     // A document that is otherwise clean does not pass either, and its summary says why.
     const QString placeholders =
