@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
+#include "app/RegularFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,15 +17,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// The bytes the system sees, so that a name that is not UTF-8 is found.
+fs::path toFs(const QString& path)
+{
+    return fs::path(localBytesOfPath(path).toStdString());
+}
+
 bool pathExists(const QString& path)
 {
     std::error_code ec;
-    return fs::exists(fs::symlink_status(path.toStdString(), ec));
-}
-
-fs::path toFs(const QString& path)
-{
-    return fs::path(path.toStdString());
+    return fs::exists(fs::symlink_status(toFs(path), ec));
 }
 
 Error fsError(const QString& action, const QString& path, const std::error_code& ec)
@@ -60,8 +62,7 @@ QString finalPathByAppendingNumberToFileName(const QString& fileName, const QStr
     return candidate;
 }
 
-SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError,
-                               bool canCancel)
+SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError, bool canCancel)
 {
     if (path.isEmpty())
         return SlashCheck::Clean;
@@ -69,20 +70,23 @@ SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QSt
     for (const QString& component : components) {
         if (!component.contains(u':'))
             continue;
-        const QString reason = appSpecificError.isEmpty()
-            ? QStringLiteral("Forward slash \"/\" found in a path component. Please replace it with another "
-                             "character to ensure reliable processing.")
-            : appSpecificError;
+        const QString reason =
+            appSpecificError.isEmpty()
+                ? QStringLiteral("Forward slash \"/\" found in a path component. Please replace it with another "
+                                 "character to ensure reliable processing.")
+                : appSpecificError;
         QString shownComponent = component;
         QString shownPath = path;
         shownComponent.replace(u':', u'/');
         shownPath.replace(u':', u'/');
-        const QString message = QStringLiteral("%1\n\nUnsafe name: %2\n\nFile path: %3").arg(reason, shownComponent, shownPath) +
-                                supportContactLine() + u'\n';
+        const QString message =
+            QStringLiteral("%1\n\nUnsafe name: %2\n\nFile path: %3").arg(reason, shownComponent, shownPath) +
+            supportContactLine() + u'\n';
         QStringList buttons{QStringLiteral("OK")};
         if (canCancel)
             buttons << QStringLiteral("Cancel");
-        const int answer = runAlert(alerts, QStringLiteral("Error: Unsafe character in file path"), message, buttons, true);
+        const int answer =
+            runAlert(alerts, QStringLiteral("Error: Unsafe character in file path"), message, buttons, true);
         return (canCancel && answer == kAlertSecondButton) ? SlashCheck::Cancelled : SlashCheck::Confirmed;
     }
     return SlashCheck::Clean;
