@@ -10,6 +10,10 @@
 
 #include <filesystem>
 #include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace quillon::app {
 
@@ -120,12 +124,52 @@ Status checkReplaceable(const QString& source, const QString& destination)
 
 } // namespace
 
+// A regular file copied by plain reads and writes: the library's copy reports a full disk or a
+// file-size limit as "Input/output error"; this gives the failing call's own reason.
+Status copyRegularFile(const ReadableFile& in, const QString& source, const QString& destination)
+{
+    const QByteArray target = localBytesOfPath(destination);
+    const auto failed = [&](int errorNumber) {
+        return makeError(QStringLiteral("could not copy %1: %2").arg(source, systemErrorText(errorNumber)),
+                         destination);
+    };
+    const int out = ::open(target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (out < 0)
+        return failed(errno);
+    std::vector<char> buffer(1 << 20);
+    int errorNumber = 0;
+    while (errorNumber == 0) {
+        const ssize_t got = ::read(in.descriptor(), buffer.data(), buffer.size());
+        if (got == 0)
+            break;
+        if (got < 0) {
+            errorNumber = errno == EINTR ? 0 : errno;
+            continue;
+        }
+        for (ssize_t done = 0; done < got && errorNumber == 0;) {
+            const ssize_t put = ::write(out, buffer.data() + done, static_cast<size_t>(got - done));
+            if (put >= 0)
+                done += put;
+            else if (errno != EINTR)
+                errorNumber = errno;
+        }
+    }
+    if (::close(out) != 0 && errorNumber == 0)
+        errorNumber = errno;
+    if (errorNumber == 0)
+        return {};
+    ::unlink(target.constData());
+    return failed(errorNumber);
+}
+
 Status copyPathReplacingIt(const QString& source, const QString& destination)
 {
     if (Status ok = checkReplaceable(source, destination); !ok)
         return ok;
     if (Status ok = removeExisting(destination); !ok)
         return ok;
+    if (Result<ReadableFile> file = openRegularFile(source))
+        return copyRegularFile(*file, source, destination);
     std::error_code ec;
     fs::copy(toFs(source), toFs(destination), fs::copy_options::recursive | fs::copy_options::copy_symlinks, ec);
     if (ec)
