@@ -36,6 +36,10 @@ std::atomic<int> g_received{0}; // how many arrived
 static_assert(std::atomic<int>::is_always_lock_free, "set from a signal handler");
 
 struct sigaction g_previous[std::size(kSignals)];
+// A file-size limit (ulimit -f) would kill the process in the middle of a write, leaving its
+// temporary folders and a half-written file; ignored, the write fails with "File too large" and
+// the command reports it like a full disk.
+struct sigaction g_previousFileSizeAction;
 
 void onSignal(int signal)
 {
@@ -173,6 +177,10 @@ Interruption::Interruption()
     sigemptyset(&action.sa_mask);
     for (size_t i = 0; i < std::size(kSignals); ++i)
         sigaction(kSignals[i], &action, &g_previous[i]);
+    struct sigaction ignore = {};
+    ignore.sa_handler = SIG_IGN;
+    sigemptyset(&ignore.sa_mask);
+    sigaction(SIGXFSZ, &ignore, &g_previousFileSizeAction);
 }
 
 Interruption::~Interruption()
@@ -185,6 +193,7 @@ Interruption::~Interruption()
     g_watch->thread.join();
     for (size_t i = 0; i < std::size(kSignals); ++i)
         sigaction(kSignals[i], &g_previous[i], nullptr);
+    sigaction(SIGXFSZ, &g_previousFileSizeAction, nullptr);
     delete std::exchange(g_watch, nullptr);
 }
 

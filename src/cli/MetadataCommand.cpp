@@ -65,6 +65,10 @@ int runMetadata(const MetadataOptions& options)
         rows = std::move(pdf).value();
     } else {
         rows = controller.readFromURL(path, QFileInfo(path).suffix());
+        // No rows from a file that is not what its name says is no image without metadata.
+        if (rows.isEmpty())
+            if (const fileinspect::FileFacts facts = fileinspect::inspectFile(path); !facts.error.isEmpty())
+                return fail(app::makeError(facts.error, path));
     }
     if (options.format == "json") {
         QJsonArray array;

@@ -52,12 +52,14 @@ public:
     }
 
     bool reported() const { return m_reported; }
+    // The folder where the names clash, named in the conflict message.
+    void setTargetFolder(const QString& folder) { m_targetFolder = folder; }
 
 private:
     void reportConflict()
     {
-        std::cerr << "Some presets already exist there. Add --replace to replace them or --keep-both to keep both."
-                  << std::endl;
+        std::cerr << "Some presets already exist in " << printableText(m_targetFolder)
+                  << ". Add --replace to replace them or --keep-both to keep both." << std::endl;
         m_reported = true;
     }
 
@@ -82,6 +84,7 @@ private:
     }
 
     ConflictChoice m_choice;
+    QString m_targetFolder;
     bool m_reported = false;
 };
 
@@ -282,12 +285,14 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
                             if (exportCmd->parsed()) {
                                 const rs::QNPresetsTable table =
                                     loadTable(); // makes "[Default].qnfp" in an empty folder
-                                return transferOutcome(rs::exportAllPresets(
-                                    table.presetsFolder(), QDir(q(options->folder)).absolutePath(), alerts));
+                                const QString folder = QDir(q(options->folder)).absolutePath();
+                                alerts.setTargetFolder(folder);
+                                return transferOutcome(rs::exportAllPresets(table.presetsFolder(), folder, alerts));
                             }
                             QStringList files;
                             for (const std::string& file : options->files)
                                 files.append(QFileInfo(q(file)).absoluteFilePath());
+                            alerts.setTargetFolder(rs::presetsFolderPath());
                             return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
                         }});
 }

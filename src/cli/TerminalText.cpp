@@ -1,5 +1,7 @@
 #include "cli/TerminalText.h"
 
+#include "app/RegularFile.h"
+
 #include <algorithm>
 
 namespace quillon::cli {
@@ -29,14 +31,15 @@ QString escaped(const QString& text, bool keepLayout)
 
 } // namespace
 
+// Stray bytes of a name that is not UTF-8 are shown as "\xNN" too, as in messages about files.
 QString printable(const QString& text)
 {
-    return escaped(text, false);
+    return escaped(app::displayPath(text), false);
 }
 
 QString printableLines(const QString& text)
 {
-    return escaped(text, true);
+    return escaped(app::displayPath(text), true);
 }
 
 std::string printableText(const QString& text)

@@ -115,11 +115,12 @@ QStringList readerList(const QString& list)
     return list == u"-" || list == u"?" ? QStringList() : listItems(list);
 }
 
-void addImageProperties(FileFacts& facts, const ByteSource& file)
+// False when the file's header could not be read.
+bool addImageProperties(FileFacts& facts, const ByteSource& file)
 {
     const std::optional<ImageProperties> properties = readImageProperties(file);
     if (!properties)
-        return;
+        return false;
     facts.pixelWidth = properties->pixelWidth;
     facts.pixelHeight = properties->pixelHeight;
     facts.colorMode = properties->colorMode;
@@ -128,11 +129,16 @@ void addImageProperties(FileFacts& facts, const ByteSource& file)
         facts.tiffCompression = properties->tiffCompression;
         facts.tiffCompressionName = QNPreflightMethods::tiffCompressionName(*properties->tiffCompression);
     }
+    return true;
 }
 
 void inspectPhotoshop(FileFacts& facts, const ByteSource& file, QNPreflightMethods& reader)
 {
-    addImageProperties(facts, file);
+    // The signature alone ("8BPS" and nothing after it) is no Photoshop file to report on.
+    if (!addImageProperties(facts, file)) {
+        facts.error = QStringLiteral("is a Photoshop file whose header is cut short or damaged");
+        return;
+    }
     facts.profile = reader.psdPropsFromData(file).value(0);
     if (facts.colorMode == u"Duotone") {
         facts.duotoneInks = reader.psdDuotoneColors(file).split(QStringLiteral("\r\n"));

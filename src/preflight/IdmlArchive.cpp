@@ -4,11 +4,11 @@
 #include "app/RegularFile.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <zip.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -240,14 +240,16 @@ IdmlArchive::~IdmlArchive() = default;
 Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& reportedName)
 {
     const QString name = reportedName.isEmpty() ? path : reportedName;
-    const QFileInfo info(path);
-    if (!info.exists())
-        return makeError(QStringLiteral("the file does not exist"), name);
-    if (info.isDir())
+    // By the name's bytes, so that a name that is not UTF-8 is found.
+    const QByteArray local = app::localBytesOfPath(path);
+    struct stat info {};
+    if (::stat(local.constData(), &info) != 0)
+        return app::openError(name, errno);
+    if (S_ISDIR(info.st_mode))
         return makeError(QStringLiteral("is a folder, not an IDML file"), name);
-    if (info.size() == 0)
+    if (info.st_size == 0)
         return makeError(QStringLiteral("the file is empty (0 bytes), so it is not an IDML file"), name);
-    if (!info.isReadable())
+    if (::access(local.constData(), R_OK) != 0)
         return makeError(QStringLiteral("the file cannot be read: permission denied"), name);
 
     Result<zip_t*> zip = openZip(path, name);

@@ -152,6 +152,12 @@ Status OfflineIdmlHost::checkDocumentPath(const QString& path)
                          path);
     if (Status regular = app::checkRegularFile(path); !regular)
         return regular;
+    // The document is copied, unpacked and looked up through the file APIs of Qt, which take
+    // names as UTF-8 only: refused now, rather than lost in the work folder.
+    if (app::displayPath(path) != path)
+        return makeError(QStringLiteral("the path is not valid UTF-8, and Quillon reads only documents whose paths "
+                                        "are: rename the file or its folder"),
+                         path);
     const QString suffix = info.suffix().toLower();
     if (suffix == QLatin1String("idml"))
         return {};

@@ -5,8 +5,6 @@
 #include "app/Records.h"
 #include "results/PresetKeys.h"
 
-#include <QFileInfo>
-
 namespace quillon::results {
 
 namespace {
@@ -124,17 +122,8 @@ app::Status checkPresetTypes(const QVariantMap& preset, const QString& path)
 
 app::Result<QVariantMap> readPresetFile(const QString& path)
 {
-    const QFileInfo file(path);
-    if (!file.exists())
-        return app::makeError(QStringLiteral("the preset file does not exist"), path);
-    if (!file.isFile())
-        return app::makeError(QStringLiteral("not a regular file"), path);
-    if (file.size() > kPresetFileSizeLimit)
-        return app::makeError(QStringLiteral("%1 bytes is larger than a preset can be (%2 bytes)")
-                                  .arg(file.size())
-                                  .arg(kPresetFileSizeLimit),
-                              path);
-    app::Result<QVariantMap> preset = app::readPropertyListDictionary(path);
+    // Opened as bytes with a bound: a symlink loop, a FIFO or a device is told as what it is.
+    app::Result<QVariantMap> preset = app::readPropertyListDictionary(path, kPresetFileSizeLimit);
     if (!preset)
         return preset;
     if (const app::Status typed = checkPresetTypes(*preset, path); !typed)

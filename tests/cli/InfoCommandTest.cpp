@@ -110,4 +110,22 @@ TEST(InfoCommand, RefusesPathsThatAreNotIdmlFiles)
     EXPECT_TRUE(run.err.contains("Book.indd: is an InDesign file")) << run.err.toStdString();
     EXPECT_TRUE(run.err.contains("InDesign Markup (IDML)"));
     EXPECT_TRUE(run.err.contains(docs.path().toUtf8() + ": is a folder"));
+
+    // A name that is not UTF-8 is refused as such, with its bytes shown, and no work copy is left.
+    QTemporaryDir tmp;
+    QProcess process;
+    process.setProcessEnvironment([&] {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("TMPDIR"), tmp.path());
+        return env;
+    }());
+    process.start(QStringLiteral("bash"),
+                  {QStringLiteral("-c"),
+                   QStringLiteral("f=\"$2/caf$(printf '\\351').idml\"; cp \"$1\" \"$f\"; \"$0\" info \"$f\""),
+                   QStringLiteral(QUILLON_CLI_PATH), samplePath(QStringLiteral("idml/helloworld-1.idml")),
+                   docs.path()});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 2);
+    EXPECT_TRUE(process.readAllStandardError().contains("caf\\xE9.idml: the path is not valid UTF-8"));
+    EXPECT_TRUE(QDir(tmp.path()).isEmpty());
 }

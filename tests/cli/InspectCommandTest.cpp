@@ -1,5 +1,7 @@
 #include "CliRunner.h"
 
+#include "support/TestSupport.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -54,6 +56,16 @@ TEST(InspectCommand, UnreadableFilesFailTheRunButNotTheOthers)
     EXPECT_EQ(empty.exitCode, 2);
     EXPECT_TRUE(empty.err.contains("empty.psd: not a Photoshop file (no 8BPS signature)")) << empty.err.toStdString();
     EXPECT_FALSE(empty.out.contains("Kind: Photoshop"));
+    // The signature alone is no Photoshop file either, and has no metadata to show.
+    const QString signatureOnly = dir.filePath(QStringLiteral("short.psd"));
+    quillon::test::writeAll(signatureOnly, "8BPS");
+    for (const char* command : {"inspect", "metadata"}) {
+        const auto cut = runQuillon({QLatin1String(command), signatureOnly});
+        EXPECT_EQ(cut.exitCode, 2) << command;
+        EXPECT_TRUE(cut.err.contains("short.psd: is a Photoshop file whose header is cut short"))
+            << cut.err.toStdString();
+    }
+    EXPECT_EQ(runQuillon({QStringLiteral("metadata"), psd}).exitCode, 2);
     EXPECT_NE(runQuillon({QStringLiteral("inspect")}).exitCode, 0);
     EXPECT_NE(runQuillon({QStringLiteral("inspect"), QStringLiteral("--format"), QStringLiteral("xml"),
                           sample("jpeg/GPS.jpg")})

@@ -245,6 +245,12 @@ TEST_F(PreflightCommand, AStaleOrBrokenPresetJudgesNothingAndSaysSo)
         EXPECT_TRUE(run.err.contains((path + QLatin1String(" ") + QLatin1String(b.key)).toUtf8()))
             << run.err.toStdString();
     }
+    // A symlink loop is said to be one, not a file that does not exist.
+    const QString loop = m_out.filePath(QStringLiteral("loop.qnfp"));
+    ASSERT_TRUE(QFile::link(loop, loop));
+    run = preflight({interview, QStringLiteral("--preset-file"), loop});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("too many levels of symbolic links")) << run.err.toStdString();
 }
 
 TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)

@@ -144,6 +144,7 @@ TEST_F(PresetsCommand, NoUserFileIsLostOrHalfRenamed)
     CliRun run = presets({QStringLiteral("export"), m_target.path()});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("--replace")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(m_target.path().toUtf8())) << "the message names the folder";
     EXPECT_EQ(app::readPropertyListDictionary(theirs)->value(QStringLiteral("name")).toString(),
               QStringLiteral("theirs"));
 

@@ -88,4 +88,25 @@ TEST(CliSignals, AReaderThatGoesAwayEndsTheRunCleanlyWithStatus2)
     }
 }
 
+TEST(CliSignals, AFileSizeLimitFailsTheWriteInsteadOfKillingTheRun)
+{
+    // Under "ulimit -f" a write past the limit raises SIGXFSZ, whose default ends the process
+    // without removing its work folder; the command reports the write instead.
+    QTemporaryDir tmp;
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("TMPDIR"), tmp.path());
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral("bash"), {QStringLiteral("-c"), QStringLiteral("ulimit -f 100; exec \"$0\" \"$@\""),
+                                           QStringLiteral(QUILLON_CLI_PATH), QStringLiteral("preflight"),
+                                           samplePath(QStringLiteral("idml/tripple.idml"))});
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    const QByteArray err = process.readAllStandardError();
+    EXPECT_EQ(process.exitCode(), 2) << err.toStdString();
+    // The copy's own reason, not the library's "Input/output error".
+    EXPECT_TRUE(err.contains("tripple.idml") && err.toLower().contains("file too large")) << err.toStdString();
+    EXPECT_TRUE(leftIn(tmp).isEmpty()) << leftIn(tmp).join(u' ').toStdString();
+}
+
 } // namespace
