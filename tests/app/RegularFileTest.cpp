@@ -86,7 +86,7 @@ TEST(RegularFile, EveryKindOfNonFileIsNamedAndRefusedAtOnce)
         QElapsedTimer timer;
         timer.start();
         const Result<QVariantMap> preset = readPropertyListDictionary(c.path);
-        EXPECT_LT(timer.elapsed(), 500);
+        EXPECT_LT(timer.elapsed(), 3000);
         ASSERT_FALSE(preset.ok());
         EXPECT_EQ(preset.error().message, checked.error().message);
         EXPECT_FALSE(readRegularFile(c.path, 1 << 20).ok());
@@ -175,7 +175,7 @@ TEST(RegularFile, SettingsAndTemporaryFolderSurviveOddPlaces)
     QElapsedTimer timer;
     timer.start();
     Settings settings(fifo);
-    EXPECT_LT(timer.elapsed(), 500);
+    EXPECT_LT(timer.elapsed(), 3000);
     ASSERT_TRUE(settings.error().has_value());
     EXPECT_EQ(settings.error()->message, u"is not a regular file (a FIFO)");
     EXPECT_EQ(settings.value(QStringLiteral("key"), 7).toInt(), 7);

@@ -166,7 +166,7 @@ TEST(FileFacts, UnreadableFilesSayWhy)
         QElapsedTimer timer;
         timer.start();
         EXPECT_FALSE(inspectFile(huge).error.isEmpty());
-        EXPECT_LT(timer.elapsed(), 2000) << head.toStdString();
+        EXPECT_LT(timer.elapsed(), 5000) << head.toStdString();
     }
 }
 

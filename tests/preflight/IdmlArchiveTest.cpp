@@ -320,7 +320,7 @@ TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
     QElapsedTimer clock;
     clock.start();
     const auto notZip = openIdmlPackage(huge, repair);
-    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_LT(clock.elapsed(), 5000);
     ASSERT_FALSE(notZip.ok());
     EXPECT_TRUE(notZip.error().message.contains(QStringLiteral("not a zip archive")))
         << notZip.error().text().toStdString();
@@ -346,7 +346,7 @@ TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
     const qint64 stopMs = sinceCancel.elapsed();
     canceller.join();
     ASSERT_FALSE(stopped.ok());
-    EXPECT_LT(stopMs, 500);
+    EXPECT_LT(stopMs, 3000);
     EXPECT_TRUE(stopped.error().message.contains(QStringLiteral("cancelled"))) << stopped.error().text().toStdString();
     // The kill is sent at once, but the child dies on the kernel's time: give it a moment.
     const QString sleeper = QStringLiteral("/proc/%1/stat").arg(QString::fromLatin1(test::readAll(pids).trimmed()));
