@@ -21,11 +21,9 @@ bool isJson(const QString& format)
 }
 
 // A document's object as an item of the envelope's "documents" array.
-std::string nestedJson(const QJsonObject& object)
+std::string nestedJson(const PreflightedDocument& document)
 {
-    QByteArray text = QJsonDocument(object).toJson(QJsonDocument::Indented).trimmed();
-    text.replace('\n', "\n        "); // JSON strings hold no raw line breaks
-    return "        " + text.toStdString();
+    return documentJsonText(document, 2);
 }
 
 // The envelope up to its documents: "quillonVersion" and "preset", then the opened array.
@@ -54,7 +52,7 @@ RenderedDocument renderDocument(const PreflightedDocument& document, const QStri
     for (const QString& warning : document.warnings)
         rendered.problems << QStringLiteral("warning: ") + warning;
     if (isJson(format))
-        rendered.out = nestedJson(documentJson(document));
+        rendered.out = nestedJson(document);
     else if (document.preflighted)
         rendered.out = printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName)
                                                                              : document.reportText + u'\n');
@@ -90,7 +88,7 @@ void OrderedPrinter::finish(const QStringList& paths)
             cancelled.path = paths.at(static_cast<qsizetype>(m_next));
             cancelled.name = QFileInfo(cancelled.path).fileName();
             cancelled.error = QStringLiteral("the preflight was cancelled");
-            std::cout << (m_printedOne ? ",\n" : "") << nestedJson(documentJson(cancelled));
+            std::cout << (m_printedOne ? ",\n" : "") << nestedJson(cancelled);
             m_printedOne = true;
         }
     }
