@@ -11,6 +11,7 @@
 #include <QJsonDocument>
 
 #include <map>
+#include <ostream>
 #include <string>
 
 namespace quillon::cli {
@@ -212,10 +213,10 @@ QJsonObject documentJson(const PreflightedDocument& document)
 
 } // namespace
 
-std::string documentJsonText(const PreflightedDocument& document, int depth)
+void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document, int depth)
 {
-    // The record lists are written one record at a time: as one JSON tree, 200,000 links cost
-    // gigabytes and their text was re-indented in a quadratic pass.
+    // The record lists are written one record at a time: as one JSON tree, or one text, 200,000
+    // links cost gigabytes.
     const QJsonObject small = documentJson(document);
     std::map<QString, const QVariantList*> members;
     for (auto it = small.constBegin(); it != small.constEnd(); ++it)
@@ -227,6 +228,12 @@ std::string documentJsonText(const PreflightedDocument& document, int depth)
             members.emplace(key, records);
 
     std::string out = indentation(depth) + "{\n";
+    const auto flush = [&stream, &out](size_t above) {
+        if (out.size() > above) {
+            stream.write(out.data(), static_cast<std::streamsize>(out.size()));
+            out.clear();
+        }
+    };
     bool first = true;
     for (const auto& [key, records] : members) {
         out += first ? "" : ",\n";
@@ -247,10 +254,12 @@ std::string documentJsonText(const PreflightedDocument& document, int depth)
                                                                  : jsonValue(record),
                        depth + 2);
             out += i + 1 < records->size() ? ",\n" : "\n";
+            flush(1 << 16);
         }
         out += indentation(depth + 1) + "]";
     }
-    return out + "\n" + indentation(depth) + "}";
+    out += "\n" + indentation(depth) + "}";
+    flush(0);
 }
 
 QString summaryText(const PreflightedDocument& document, const QString& presetName)
