@@ -124,16 +124,23 @@ void links(benchmark::State& state)
     state.counters["links"] = count;
 }
 
-// Swatches in the swatch part; the frames and styles use some of them.
-void swatches(benchmark::State& state)
+// Twenty spreads with styled text, so that the parts themselves cost little.
+bench::IdmlShape smallStyledShape()
 {
-    const int count = static_cast<int>(state.range(0));
     bench::IdmlShape shape;
     shape.spreads = 20;
     shape.linksPerSpread = 2;
     shape.paragraphsPerStory = 10;
     shape.paragraphStyles = 40;
     shape.characterStyles = 15;
+    return shape;
+}
+
+// Swatches in the swatch part; the frames and styles use some of them.
+void swatches(benchmark::State& state)
+{
+    const int count = static_cast<int>(state.range(0));
+    bench::IdmlShape shape = smallStyledShape();
     shape.swatches = count;
     preflight(state, document(QStringLiteral("swatches%1").arg(count), shape), formatOf(state));
     state.counters["swatches"] = count;
@@ -143,12 +150,7 @@ void swatches(benchmark::State& state)
 void fonts(benchmark::State& state)
 {
     const int count = static_cast<int>(state.range(0));
-    bench::IdmlShape shape;
-    shape.spreads = 20;
-    shape.linksPerSpread = 2;
-    shape.paragraphsPerStory = 10;
-    shape.paragraphStyles = 40;
-    shape.characterStyles = 15;
+    bench::IdmlShape shape = smallStyledShape();
     shape.extraFonts = count;
     preflight(state, document(QStringLiteral("fonts%1").arg(count), shape), formatOf(state));
     state.counters["fonts"] = count;
