@@ -198,10 +198,18 @@ QByteArray styles(const IdmlShape& shape)
     return part("Styles", xml + "</RootParagraphStyleGroup>\n");
 }
 
-// Every face of the families the styles use, as InDesign lists them.
-QByteArray fonts()
+// Every face of the families the styles use, as InDesign lists them, after the extra fonts.
+QByteArray fonts(const IdmlShape& shape)
 {
     QByteArray xml;
+    for (int i = 0; i < shape.extraFonts; ++i) {
+        const QByteArray family = "Family " + QByteArray::number(i);
+        xml += "<FontFamily Self=\"fx" + QByteArray::number(i) + "\" Name=\"" + family + "\">\n<Font Self=\"fx" +
+               QByteArray::number(i) + "r\" FontFamily=\"" + family + "\" Name=\"" + family +
+               " Regular\" PostScriptName=\"Family" + QByteArray::number(i) +
+               "-Regular\" Status=\"Installed\" FontStyleName=\"Regular\" FontType=\"OpenTypeCFF\" "
+               "TypekitID=\"$ID/\"/>\n</FontFamily>\n";
+    }
     for (const char* family : kFamilies) {
         xml += QByteArray("<FontFamily Self=\"ff") + family + "\" Name=\"" + family + "\">\n";
         for (const char* face : kFaces)
@@ -307,7 +315,8 @@ GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
     };
 
     QStringList parts{QStringLiteral("Resources/Preferences.xml")};
-    const bool styled = shape.paragraphStyles > 0 || shape.characterStyles > 0 || shape.swatches > 0;
+    const bool styled =
+        shape.paragraphStyles > 0 || shape.characterStyles > 0 || shape.swatches > 0 || shape.extraFonts > 0;
     if (styled)
         parts << QStringLiteral("Resources/Styles.xml") << QStringLiteral("Resources/Fonts.xml")
               << QStringLiteral("Resources/Graphic.xml");
@@ -333,7 +342,7 @@ GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
     bool ok = add(QStringLiteral("designmap.xml"), designmap) && add(parts.at(0), preferences());
     if (ok && styled)
         ok = add(QStringLiteral("Resources/Styles.xml"), styles(shape)) &&
-             add(QStringLiteral("Resources/Fonts.xml"), fonts()) &&
+             add(QStringLiteral("Resources/Fonts.xml"), fonts(shape)) &&
              add(QStringLiteral("Resources/Graphic.xml"), graphic(shape));
     const int firstMaster = styled ? 4 : 1;
     for (int m = 0; ok && m < shape.masterSpreads; ++m)

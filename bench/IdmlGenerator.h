@@ -17,6 +17,9 @@ struct IdmlShape {
     int paragraphStyles = 0;
     int characterStyles = 0;
     int swatches = 0;
+    // Fonts listed in the font part besides the families the styles use, each a family of its own
+    // with one face; with 0 only those families are listed (a styled document lists them always).
+    int extraFonts = 0;
     // When set, a small TIFF file for every link is written into this folder under the link's
     // file name, so that the link analysis finds them (it looks in the "Links" folder beside
     // the document by name).

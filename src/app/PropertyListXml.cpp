@@ -279,6 +279,10 @@ private:
 // the key path of a value is only spelled out when it has to be named in an error.
 class XmlWriter {
 public:
+    // With a sink, the text is handed to it in pieces as it is made (a data file of 200,000 records
+    // is hundreds of megabytes of XML) and write() returns what is left over.
+    explicit XmlWriter(const ChunkWriter* sink = nullptr) : m_sink(sink) {}
+
     Result<QByteArray> write(const QVariant& root)
     {
         m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -290,6 +294,8 @@ public:
         m_out += "</plist>\n";
         return m_out;
     }
+
+    bool sinkFailed() const { return m_sinkFailed; }
 
 private:
     // One step of the path to the value being written: a dictionary key or an array index.
@@ -394,6 +400,14 @@ private:
 
     Status value(const QVariant& v, int depth)
     {
+        constexpr qsizetype kPieceBytes = 1 << 20;
+        if (m_sink && m_out.size() > kPieceBytes) {
+            if (!(*m_sink)(m_out)) {
+                m_sinkFailed = true;
+                return makeError(QStringLiteral("the text could not be written"));
+            }
+            m_out.resize(0); // keeps its capacity for the next piece
+        }
         if (depth > kMaxDepth)
             return makeError(QStringLiteral("values nested more than %1 deep at %2").arg(kMaxDepth).arg(path()));
         switch (v.typeId()) {
@@ -513,6 +527,8 @@ private:
         return {};
     }
 
+    const ChunkWriter* m_sink = nullptr;
+    bool m_sinkFailed = false;
     QByteArray m_out;
     std::vector<Step> m_path;
 };
@@ -553,10 +569,15 @@ Result<QByteArray> toXmlPropertyList(const QVariant& root)
 
 Status writePropertyListFile(const QVariant& root, const QString& path)
 {
-    Result<QByteArray> xml = toXmlPropertyList(root);
-    if (!xml)
-        return makeError(xml.error().message, path);
-    return writeFileReplacing(path, *xml);
+    return writeFileReplacing(path, [&root, &path](const ChunkWriter& write) -> Status {
+        XmlWriter writer(&write);
+        const Result<QByteArray> rest = writer.write(root);
+        if (writer.sinkFailed() || (rest && !write(*rest)))
+            return {}; // the file's own error is reported
+        if (!rest)
+            return makeError(rest.error().message, path);
+        return {};
+    });
 }
 
 } // namespace quillon::app

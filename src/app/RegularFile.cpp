@@ -256,6 +256,14 @@ Result<QByteArray> readRegularFile(const QString& path, qint64 maxBytes)
 
 Status writeFileReplacing(const QString& path, QByteArrayView bytes)
 {
+    return writeFileReplacing(path, [bytes](const ChunkWriter& write) {
+        write(bytes);
+        return Status();
+    });
+}
+
+Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce)
+{
     const QByteArray target = localBytesOfPath(path);
     struct stat existing {};
     const bool replacing = ::stat(target.constData(), &existing) == 0;
@@ -276,10 +284,17 @@ Status writeFileReplacing(const QString& path, QByteArrayView bytes)
     }
     if (fd < 0)
         return failed(EEXIST);
-    bool ok = writeAll(fd, bytes) && ::fsync(fd) == 0;
+    int writeError = 0;
+    const ChunkWriter write = [fd, &writeError](QByteArrayView bytes) {
+        if (writeError == 0 && !writeAll(fd, bytes))
+            writeError = errno != 0 ? errno : EIO;
+        return writeError == 0;
+    };
+    const Status produced = produce(write);
+    bool ok = produced && writeError == 0 && ::fsync(fd) == 0;
     if (ok && replacing)
         ok = ::fchmod(fd, existing.st_mode & 07777) == 0;
-    int errorNumber = ok ? 0 : errno;
+    int errorNumber = ok ? 0 : (writeError != 0 ? writeError : errno);
     if (::close(fd) != 0 && ok) {
         ok = false;
         errorNumber = errno;
@@ -290,7 +305,7 @@ Status writeFileReplacing(const QString& path, QByteArrayView bytes)
     }
     if (!ok) {
         ::unlink(temporary.constData());
-        return failed(errorNumber);
+        return produced ? failed(errorNumber) : produced;
     }
     return {};
 }

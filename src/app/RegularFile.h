@@ -6,6 +6,8 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <functional>
+
 namespace quillon::app {
 
 // Every file the program reads (documents, presets, settings, property lists, linked files) is
@@ -64,5 +66,11 @@ Result<QByteArray> readRegularFile(const QString& path, qint64 maxBytes);
 // failed write (a full disk, a size limit) leaves the old file as it was, and the message gives
 // the failing call's own reason ("No space left on device", "File too large").
 Status writeFileReplacing(const QString& path, QByteArrayView bytes);
+
+// Hands bytes to the file being written; false once a write has failed.
+using ChunkWriter = std::function<bool(QByteArrayView bytes)>;
+// The same for text made in pieces, so that it is never held whole: `produce` hands each piece to
+// `write`. When it returns an error, or a write fails, the file is left as it was.
+Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce);
 
 } // namespace quillon::app

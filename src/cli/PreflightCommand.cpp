@@ -214,7 +214,7 @@ int runPreflight(const PreflightOptions& options)
             if (Interruption::requested() && !document.preflighted)
                 break; // a document cut short is not reported
             progress.documentDone();
-            printer.deliver(index, renderDocument(document, format, preset->name));
+            printer.deliver(index, renderDocument(std::move(document), format, preset->name));
         }
         std::lock_guard lock(doneMutex);
         --workersLeft;

@@ -8,6 +8,11 @@
 
 #include <QDateTime>
 #include <QJsonArray>
+#include <QJsonDocument>
+
+#include <map>
+#include <ostream>
+#include <string>
 
 namespace quillon::cli {
 
@@ -99,6 +104,36 @@ QString listSection(const QString& title, const QVariantList& rows, bool isLink)
     return text;
 }
 
+std::string indentation(int depth)
+{
+    return std::string(static_cast<size_t>(depth) * 4, ' ');
+}
+
+// A JSON value as QJsonDocument's indented form writes it, its lines after the first indented
+// `depth` levels further, so that it can stand as a member at that depth.
+void appendJson(std::string& out, const QJsonValue& value, int depth)
+{
+    if (!value.isObject() && !value.isArray()) {
+        // A document holds only objects and arrays: the value is written as the single item of one.
+        const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+        out.append(text.constData() + 1, static_cast<size_t>(text.size() - 2));
+        return;
+    }
+    const QByteArray text = value.isObject() ? QJsonDocument(value.toObject()).toJson(QJsonDocument::Indented)
+                                             : QJsonDocument(value.toArray()).toJson(QJsonDocument::Indented);
+    const std::string prefix = indentation(depth);
+    const qsizetype end = text.endsWith('\n') ? text.size() - 1 : text.size();
+    for (qsizetype start = 0; start < end;) {
+        qsizetype stop = text.indexOf('\n', start);
+        if (stop < 0 || stop > end)
+            stop = end;
+        if (start > 0)
+            out += "\n" + prefix;
+        out.append(text.constData() + start, static_cast<size_t>(stop - start));
+        start = stop + 1;
+    }
+}
+
 QString orDash(const QString& text)
 {
     return text.isEmpty() ? QStringLiteral("-") : text;
@@ -155,6 +190,11 @@ QJsonArray jsonRecords(const QVariantList& records)
     return array;
 }
 
+namespace {
+
+// The members of a document's object other than its record lists: "path", "name", "warnings"
+// (always a list), then "info", "summary", "status" and "errorCount", or "error" when it could not
+// be preflighted.
 QJsonObject documentJson(const PreflightedDocument& document)
 {
     QJsonObject object{{QStringLiteral("path"), document.path},
@@ -165,13 +205,61 @@ QJsonObject documentJson(const PreflightedDocument& document)
         return object;
     }
     object.insert(QStringLiteral("info"), infoJson(document.info));
-    object.insert(QStringLiteral("links"), jsonRecords(document.links));
-    object.insert(QStringLiteral("fonts"), jsonRecords(document.fonts));
-    object.insert(QStringLiteral("colors"), jsonRecords(document.colors));
     object.insert(QStringLiteral("summary"), jsonObject(document.summary, false));
     object.insert(QStringLiteral("status"), document.status.text);
     object.insert(QStringLiteral("errorCount"), document.status.total);
     return object;
+}
+
+} // namespace
+
+void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document, int depth)
+{
+    // The record lists are written one record at a time: as one JSON tree, or one text, 200,000
+    // links cost gigabytes.
+    const QJsonObject small = documentJson(document);
+    std::map<QString, const QVariantList*> members;
+    for (auto it = small.constBegin(); it != small.constEnd(); ++it)
+        members.emplace(it.key(), nullptr);
+    if (document.preflighted)
+        for (const auto& [key, records] :
+             {std::pair{QStringLiteral("links"), &document.links}, std::pair{QStringLiteral("fonts"), &document.fonts},
+              std::pair{QStringLiteral("colors"), &document.colors}})
+            members.emplace(key, records);
+
+    std::string out = indentation(depth) + "{\n";
+    const auto flush = [&stream, &out](size_t above) {
+        if (out.size() > above) {
+            stream.write(out.data(), static_cast<std::streamsize>(out.size()));
+            out.clear();
+        }
+    };
+    bool first = true;
+    for (const auto& [key, records] : members) {
+        out += first ? "" : ",\n";
+        first = false;
+        out += indentation(depth + 1);
+        appendJson(out, key, depth + 1);
+        out += ": ";
+        if (!records) {
+            appendJson(out, small.value(key), depth + 1);
+            continue;
+        }
+        out += "[\n";
+        for (qsizetype i = 0; i < records->size(); ++i) {
+            const QVariant& record = records->at(i);
+            out += indentation(depth + 2);
+            appendJson(out,
+                       record.typeId() == QMetaType::QVariantMap ? QJsonValue(jsonObject(record.toMap(), true))
+                                                                 : jsonValue(record),
+                       depth + 2);
+            out += i + 1 < records->size() ? ",\n" : "\n";
+            flush(1 << 16);
+        }
+        out += indentation(depth + 1) + "]";
+    }
+    out += "\n" + indentation(depth) + "}";
+    flush(0);
 }
 
 QString summaryText(const PreflightedDocument& document, const QString& presetName)

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <iosfwd>
+
 namespace quillon::cli {
 
 // A record value in JSON: numbers as numbers, booleans as booleans, dates as ISO-8601 text in
@@ -17,10 +19,12 @@ QJsonValue jsonValue(const QVariant& value);
 // desktop's picture of the file); document groups keep their children.
 QJsonArray jsonRecords(const QVariantList& records);
 
-// One document of the JSON envelope: "path", "name", "warnings" (always a list), then "info",
-// "links", "fonts", "colors", "summary", "status" and "errorCount", or "error" when it could not be
-// preflighted.
-QJsonObject documentJson(const PreflightedDocument& document);
+// Writes one document of the JSON envelope: "path", "name", "warnings" (always a list), then
+// "info", "links", "fonts", "colors", "summary", "status" and "errorCount", or "error" when it
+// could not be preflighted; laid out as QJsonDocument's indented form lays it out `depth` levels
+// deep (its first line indented too, no line break at the end). Made and written a record at a
+// time, so that a document of many links never has its whole text in memory.
+void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document, int depth);
 
 // The summary for a terminal: the document information, the status line and the warnings under
 // it, then the fonts, colours and links that raised alerts, each with its alert texts. Ends with a

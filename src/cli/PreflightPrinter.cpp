@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 
 #include <iostream>
+#include <memory>
 
 namespace quillon::cli {
 
@@ -20,13 +21,8 @@ bool isJson(const QString& format)
     return format == QLatin1String("json");
 }
 
-// A document's object as an item of the envelope's "documents" array.
-std::string nestedJson(const QJsonObject& object)
-{
-    QByteArray text = QJsonDocument(object).toJson(QJsonDocument::Indented).trimmed();
-    text.replace('\n', "\n        "); // JSON strings hold no raw line breaks
-    return "        " + text.toStdString();
-}
+// The depth of a document's object: an item of the envelope's "documents" array.
+constexpr int kDocumentDepth = 2;
 
 // The envelope up to its documents: "quillonVersion" and "preset", then the opened array.
 std::string envelopeOpening(const QString& presetName)
@@ -40,7 +36,7 @@ std::string envelopeOpening(const QString& presetName)
 
 } // namespace
 
-RenderedDocument renderDocument(const PreflightedDocument& document, const QString& format, const QString& presetName)
+RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName)
 {
     RenderedDocument rendered;
     rendered.path = document.path;
@@ -53,11 +49,13 @@ RenderedDocument renderDocument(const PreflightedDocument& document, const QStri
         rendered.problems << document.outputError;
     for (const QString& warning : document.warnings)
         rendered.problems << QStringLiteral("warning: ") + warning;
-    if (isJson(format))
-        rendered.out = nestedJson(documentJson(document));
-    else if (document.preflighted)
+    if (isJson(format)) {
+        auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
+        rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
+    } else if (document.preflighted) {
         rendered.out = printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName)
                                                                              : document.reportText + u'\n');
+    }
     return rendered;
 }
 
@@ -90,7 +88,8 @@ void OrderedPrinter::finish(const QStringList& paths)
             cancelled.path = paths.at(static_cast<qsizetype>(m_next));
             cancelled.name = QFileInfo(cancelled.path).fileName();
             cancelled.error = QStringLiteral("the preflight was cancelled");
-            std::cout << (m_printedOne ? ",\n" : "") << nestedJson(documentJson(cancelled));
+            std::cout << (m_printedOne ? ",\n" : "");
+            writeDocumentJson(std::cout, cancelled, kDocumentDepth);
             m_printedOne = true;
         }
     }
@@ -111,9 +110,13 @@ void OrderedPrinter::print(const RenderedDocument& document)
     for (const QString& problem : document.problems)
         std::cerr << "quillon preflight: " << printableText(document.path + QStringLiteral(": ") + problem) << '\n';
     std::cerr << std::flush;
-    if (!document.out.empty()) {
-        const char* separator = isJson(m_format) ? ",\n" : "\n";
-        std::cout << (m_printedOne ? separator : "") << document.out << std::flush;
+    if (document.writeJson) {
+        std::cout << (m_printedOne ? ",\n" : "");
+        document.writeJson(std::cout);
+        std::cout << std::flush;
+        m_printedOne = true;
+    } else if (!document.out.empty()) {
+        std::cout << (m_printedOne ? "\n" : "") << document.out << std::flush;
         m_printedOne = true;
     }
     m_progress.redraw();

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -20,11 +21,14 @@ struct RenderedDocument {
     QStringList problems; // lines for standard error: why it failed, then its warnings
     bool failed = false;
     bool alerted = false;
-    std::string out; // its part of standard output: the summary, the report or the JSON object
+    std::string out; // its part of standard output: the summary or the report
+    // Writes its JSON object in place of `out`; made as it is written, so that the text of a
+    // document of many links is never held whole.
+    std::function<void(std::ostream&)> writeJson;
 };
 
 // The output formats: "summary", "text", "tab", "json".
-RenderedDocument renderDocument(const PreflightedDocument& document, const QString& format, const QString& presetName);
+RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName);
 
 // Prints each document when it and every document before it are done, so that the output keeps
 // the order of the command line whatever order the jobs end in. JSON is written as it comes: the

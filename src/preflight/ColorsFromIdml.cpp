@@ -421,17 +421,23 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& i
     std::optional<RegistrationTextCounter> counter;
     if (sheet && !registration.isEmpty())
         counter.emplace(*sheet, registration);
+    // Each reference once: a large document makes millions, of a few hundred names.
+    QSet<QString> referenced;
     for (const QStringList* list : {&parts->spreads, &parts->masterSpreads, &parts->stories}) {
         const bool isStory = list == &parts->stories;
         for (const QString& path : *list) {
             const std::shared_ptr<pugi::xml_document> doc = reader.read(path);
             if (!doc)
                 continue;
-            collectReferences(doc->document_element(), pending);
+            QStringList refs;
+            collectReferences(doc->document_element(), refs);
+            for (const QString& ref : std::as_const(refs))
+                referenced.insert(ref);
             if (isStory && counter)
                 walkStoryText(doc->document_element(), *counter);
         }
     }
+    pending += referenced.values();
 
     QSet<QString> used;
     while (!pending.isEmpty()) {

@@ -194,7 +194,18 @@ Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentRefere
     Result<QString> path = documentPath(document);
     if (!path)
         return path.error();
-    return idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
+    // A file changed since (its size or time) is read again.
+    const QFileInfo file(*path);
+    if (m_lastRecord && m_lastRecord->path == *path && m_lastRecord->size == file.size() &&
+        m_lastRecord->modified == file.lastModified()) {
+        m_recordWarnings = m_lastRecord->warnings;
+        return m_lastRecord->record;
+    }
+    m_lastRecord.reset();
+    Result<QStringList> record = idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
+    if (record)
+        m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), *record, m_recordWarnings};
+    return record;
 }
 
 QList<app::Error> OfflineIdmlHost::documentWarnings() const

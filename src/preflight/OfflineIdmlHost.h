@@ -2,6 +2,10 @@
 
 #include "preflight/InDesignHost.h"
 
+#include <QDateTime>
+
+#include <optional>
+
 namespace quillon::preflight {
 
 // Stands in for InDesign where there is none: the documents are exported IDML files. The record
@@ -57,6 +61,16 @@ private:
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;
     QList<app::Error> m_recordWarnings;
+    // The last record read and what it depends on: reading it means inflating and parsing every
+    // spread and story, and a preflight asks for it more than once.
+    struct ReadRecord {
+        QString path;
+        qint64 size = -1;
+        QDateTime modified;
+        QStringList record;
+        QList<app::Error> warnings;
+    };
+    std::optional<ReadRecord> m_lastRecord;
 };
 
 // The six-string record of an IDML file, read from the archive (a copy repaired in `workFolder`,

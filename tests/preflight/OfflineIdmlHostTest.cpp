@@ -190,6 +190,12 @@ TEST_F(OfflineIdmlHostTest, RecordCountsPagesOfSpreadsAndFileLinksEverywhere)
     EXPECT_EQ(record->at(kRecordPageCount), QStringLiteral("3")); // master pages are not counted
     EXPECT_EQ(record->at(kRecordLinkCount), QStringLiteral("6")); // two file links in each of three parts
     EXPECT_EQ(record->at(kRecordInDesignVersion), QStringLiteral("19.5"));
+
+    // The record is kept between asks, but a file changed since is read again.
+    test::writeIdml(path, test::minimalIdml());
+    const auto changed = host.pathsAndNameOfDocument(DocumentReference::active());
+    ASSERT_TRUE(changed.ok()) << changed.error().text().toStdString();
+    EXPECT_EQ(changed->at(kRecordLinkCount), QStringLiteral("0"));
 }
 
 TEST_F(OfflineIdmlHostTest, WhatOnlyInDesignDoesFailsWithItsOwnWords)
