@@ -82,6 +82,7 @@ bool isNumberValue(const QVariant& value)
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
     case QMetaType::Double:
+    case QMetaType::Float:
         return true;
     default:
         return false;

@@ -5,6 +5,7 @@
 #include "app/PathComponents.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
+#include "app/Records.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
 #include "results/ResultKeys.h"
@@ -145,18 +146,7 @@ namespace {
 
 bool isNumber(const QVariant& v)
 {
-    switch (v.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::Bool:
-        return true;
-    default:
-        return false;
-    }
+    return app::isNumberValue(v) || v.typeId() == QMetaType::Bool;
 }
 
 int compareValues(const QVariant& a, const QVariant& b, SortDescriptor::Comparison comparison)
