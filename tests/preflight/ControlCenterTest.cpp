@@ -282,8 +282,7 @@ TEST_F(ControlCenterTest, NoDocumentGivesOneCriticalAlertAndNoStages)
     EXPECT_TRUE(dataFiles().isEmpty());
     EXPECT_TRUE(center->dataFilesWereDeleted());
     ASSERT_EQ(scripts.sources().size(), 1);
-    EXPECT_TRUE(scripts.sources().front().startsWith(
-        QStringLiteral("tell app \"Adobe InDesign 2024\" \n tell active document \n set res to {}")));
+    EXPECT_TRUE(scripts.sources().front().contains(QStringLiteral("tell active document")));
 
     // A converted or unsaved document has InDesign say "no full name": the message explains.
     scripts.pushError(QStringLiteral("Can't get full name of document 1: it has no full name."));
@@ -447,10 +446,7 @@ TEST_F(ControlCenterTest, ABatchDocumentThatCannotBeResavedStopsTheBatch)
     EXPECT_FALSE(center->preflightActiveDoc(&batch));
     QStringList sources = scripts.sources();
     ASSERT_EQ(sources.size(), 2);
-    EXPECT_EQ(sources.at(0), QStringLiteral("tell app \"Adobe InDesign 2024\" to return full name of document "
-                                            "\"Old \\\"v1\\\".indd\""));
-    EXPECT_EQ(sources.at(1), QStringLiteral("tell app \"Adobe InDesign 2024\" to save document \"Old \\\"v1\\\".indd\" "
-                                            "to \"/Jobs/Old.indd\""));
+    EXPECT_TRUE(sources.at(1).contains(QStringLiteral("save document \"Old \\\"v1\\\".indd\" to \"/Jobs/Old.indd\"")));
     ASSERT_EQ(m_alerts.requests().size(), 1U);
     EXPECT_EQ(m_alerts.requests().back().title,
               QStringLiteral("Cannot resave active document from the current InDesign version"));
@@ -510,12 +506,9 @@ TEST_F(ControlCenterTest, CommandsOnTheLastPreflightedDocument)
     scripts.pushError(QStringLiteral("File not found."));
     scripts.pushError(QStringLiteral("A dialog is open."));
     center->packageWithInDesign();
-    EXPECT_EQ(scripts.sources(),
-              (QStringList{
-                  QStringLiteral("tell app \"Adobe InDesign 2024\" \n activate \n open \"/Jobs/Say \\\"hi\\\".indd\" "
-                                 "\n end"),
-                  QStringLiteral("tell application \"Adobe InDesign 2024\" to invoke menu action "
-                                 "\"$ID/Packa&ge...\"")}));
+    ASSERT_EQ(scripts.sources().size(), 2);
+    EXPECT_TRUE(scripts.sources().at(0).contains(QStringLiteral("open \"/Jobs/Say \\\"hi\\\".indd\"")));
+    EXPECT_TRUE(scripts.sources().at(1).contains(QStringLiteral("Packa&ge")));
     ASSERT_EQ(m_alerts.requests().size(), 3U);
     EXPECT_EQ(m_alerts.requests().at(1).title, QStringLiteral("Cannot open document"));
     EXPECT_EQ(m_alerts.requests().at(2).title, QStringLiteral("Cannot invoke the Package command in InDesign"));

@@ -214,11 +214,8 @@ TEST_F(IdmlCreatorTest, PackageExportsReplaceTheTargetAndUseThePresetDefault)
     EXPECT_EQ(controller.lastErrorMsg(), QString(""));
     EXPECT_TRUE(controller.exportDocToPDF());
     EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Book.pdf")));
-    EXPECT_EQ(scripts.lastSource(),
-              QStringLiteral("tell application \"Adobe InDesign 2024\" \n set page range of PDF export preferences to "
-                             "all pages \n export document \"Book.indd\" format PDF type to \"%1/Book.pdf\" using PDF "
-                             "export preset \"[Smallest File Size]\" without showing options \n end tell")
-                  .arg(folder));
+    EXPECT_TRUE(scripts.lastSource().contains(
+        QStringLiteral("to \"%1/Book.pdf\" using PDF export preset \"[Smallest File Size]\"").arg(folder)));
 
     settings.setValue(QStringLiteral("selectedPDFPreset"), QStringLiteral("[PDF/X-4:2008]"));
     EXPECT_TRUE(controller.exportDocToPDF());
@@ -226,10 +223,7 @@ TEST_F(IdmlCreatorTest, PackageExportsReplaceTheTargetAndUseThePresetDefault)
 
     EXPECT_TRUE(controller.exportDocToIDML());
     EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Book.idml")));
-    EXPECT_EQ(scripts.lastSource(), QStringLiteral("tell application \"Adobe InDesign 2024\" to export document "
-                                                   "\"Book.indd\" format InDesign markup to \"%1/Book.idml\" without "
-                                                   "showing options")
-                                        .arg(folder));
+    EXPECT_TRUE(scripts.lastSource().contains(QStringLiteral("markup to \"%1/Book.idml\"").arg(folder)));
 
     scripts.pushError(QStringLiteral("Invalid preset."));
     EXPECT_FALSE(controller.exportDocToPDF());
