@@ -258,19 +258,22 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
         ->add_option("--format", options->format,
                      "summary (the default), text (the report), tab (the tab-delimited report) or json")
         ->check(CLI::IsMember({"summary", "text", "tab", "json"}));
-    preflight
-        ->add_option("--report-dir", options->reportDir,
-                     "Also write each document's report file (<name>_Quillon_Report.txt) into this folder, made "
-                     "when missing; a file already there is kept (see --overwrite)")
-        ->check(nonEmpty("a folder name"));
+    CLI::Option* reportDir =
+        preflight
+            ->add_option("--report-dir", options->reportDir,
+                         "Also write each document's report file (<name>_Quillon_Report.txt) into this folder, made "
+                         "when missing; a file already there is kept (see --overwrite)")
+            ->check(nonEmpty("a folder name"));
     preflight
         ->add_option("--links-dir", options->linkDirs,
                      "Folder searched by file name for links missing where the document recorded them "
                      "(may be given several times)")
         ->allow_extra_args(false); // one folder each time, so that documents may follow
-    preflight->add_flag("--overwrite", options->overwrite,
-                        "Replace a report file of the same name in the report folder (without it the new report "
-                        "is numbered: <name>_Quillon_Report_1.txt)");
+    preflight
+        ->add_flag("--overwrite", options->overwrite,
+                   "Replace a report file of the same name in the report folder (without it the new report "
+                   "is numbered: <name>_Quillon_Report_1.txt)")
+        ->needs(reportDir); // alone it would promise a replacement that never happens
     preflight
         ->add_option("--jobs", options->jobs,
                      "Documents preflighted at the same time, 1 to 64 (default: the number of cores)")

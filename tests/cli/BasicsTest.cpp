@@ -40,6 +40,7 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         {{"preflight", "--jobs", "65", "a.idml"}, "--jobs"},
         {{"preflight", "--format", "xml", "a.idml"}, "--format"},
         {{"preflight", "--report-dir", "", "a.idml"}, "--report-dir"},
+        {{"preflight", "--overwrite", "a.idml"}, "--overwrite requires --report-dir"},
         {{"preflight", "--preset", "a", "--preset-file", "b", "a.idml"}, "--preset excludes --preset-file"},
         {{"preflight", "a.idml", "--preset"}, "--preset"},
         {{"links"}, "documents is required"},
