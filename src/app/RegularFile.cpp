@@ -224,14 +224,19 @@ Result<QByteArray> readRegularFile(const QString& path, qint64 maxBytes)
     Result<ReadableFile> file = openRegularFile(path);
     if (!file)
         return file.error();
+    return readOpenedFile(*file, path, maxBytes);
+}
+
+Result<QByteArray> readOpenedFile(const ReadableFile& file, const QString& path, qint64 maxBytes)
+{
     const auto tooLarge = [&](qint64 size) {
         return makeError(
             QStringLiteral("is too large (%1; at most %2 are read)").arg(sizeText(size), sizeText(maxBytes)), path);
     };
-    if (file->size() > maxBytes)
-        return tooLarge(file->size());
+    if (file.size() > maxBytes)
+        return tooLarge(file.size());
     // One byte more than the bound, so a file that grew since the stat is still caught.
-    QByteArray bytes(file->size() + 1, Qt::Uninitialized);
+    QByteArray bytes(file.size() + 1, Qt::Uninitialized);
     qint64 done = 0;
     while (true) {
         if (done == bytes.size()) {
@@ -239,7 +244,7 @@ Result<QByteArray> readRegularFile(const QString& path, qint64 maxBytes)
                 return tooLarge(done);
             bytes.resize(std::min<qint64>(done * 2 + 4096, maxBytes + 1));
         }
-        const ssize_t got = ::read(file->descriptor(), bytes.data() + done, static_cast<size_t>(bytes.size() - done));
+        const ssize_t got = ::read(file.descriptor(), bytes.data() + done, static_cast<size_t>(bytes.size() - done));
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)

@@ -61,6 +61,8 @@ Status checkRegularFile(const QString& path);
 
 // The whole file, refused when it is larger than `maxBytes` (the message names both).
 Result<QByteArray> readRegularFile(const QString& path, qint64 maxBytes);
+// The same for a file already opened (and its size seen) as `path`.
+Result<QByteArray> readOpenedFile(const ReadableFile& file, const QString& path, qint64 maxBytes);
 
 // Writes `bytes` to a temporary file beside `path`, flushed to disk, and renames it into place: a
 // failed write (a full disk, a size limit) leaves the old file as it was, and the message gives

@@ -114,8 +114,8 @@ Status XmlPart::read(const QString& path, const QString& partName, unsigned opti
                          partName);
     if (file->size() > limits.maxBytes)
         return partTooLarge(partName, file->size(), limits);
-    app::Result<QByteArray> bytes = app::readRegularFile(path, limits.maxBytes);
-    if (!bytes)
+    app::Result<QByteArray> bytes = app::readOpenedFile(*file, path, limits.maxBytes);
+    if (!bytes) // a file that grew past the bound since its size was seen is refused the same way
         return bytes.error().message.startsWith(QLatin1String("is too large"))
                    ? partTooLarge(partName, limits.maxBytes + 1, limits)
                    : makeError(bytes.error().message, partName);
