@@ -15,7 +15,6 @@ TEST(NumericText, IntegersFromTheStartOfTheText)
     EXPECT_EQ(intValueOfText(u"-12dpi"), -12);
     EXPECT_EQ(intValueOfText(u"+7"), 7);
     EXPECT_EQ(intValueOfText(u"-"), 0);
-    EXPECT_EQ(intValueOfText(u"   -"), 0);
     EXPECT_EQ(intValueOfText(u""), 0);
     EXPECT_EQ(intValueOfText(u"x12"), 0);
     EXPECT_EQ(intValueOfText(u"99999999999999999999"), std::numeric_limits<int>::max());
@@ -73,8 +72,6 @@ TEST(NumericText, DoublesFromTheFrontOfAText)
     EXPECT_EQ(doubleValueOfText(u"12.5mm"), 12.5);
     EXPECT_EQ(doubleValueOfText(u"  -3e2 and more"), -300.0);
     EXPECT_EQ(doubleValueOfText(u".5"), 0.5);
-    EXPECT_EQ(doubleValueOfText(u"2e"), 2.0);
     EXPECT_EQ(doubleValueOfText(u"abc"), 0.0);
-    EXPECT_EQ(doubleValueOfText(u"-"), 0.0);
     EXPECT_EQ(doubleValueOfText(u"1e400"), std::numeric_limits<double>::infinity());
 }

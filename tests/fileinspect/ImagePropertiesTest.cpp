@@ -50,11 +50,9 @@ TEST(ImageProperties, TiffCompressionAndProfile)
         {"tiff/ExifTool.tif", "sRGB IEC61966-2.1", QStringLiteral("LZW")},
         {"tiff/tiff_adobe_deflate.tif", "sRGB IEC61966-2.1", QStringLiteral("ZIP")},
         {"tiff/hopper_jpg.tif", "", QStringLiteral("JPEG")},
-        {"tiff/tiff_strip_cmyk_jpeg.tif", "", QStringLiteral("JPEG")},
         {"tiff/hopper.tif", "", QString()},       // uncompressed: the empty name
         {"tiff/copyleft.tiff", "", std::nullopt}, // PackBits is outside the table
         {"tiff/hopper_lzma.tif", "", std::nullopt},
-        {"tiff/hopper_g4.tif", "", std::nullopt},
     };
     for (const Expected& expected : files) {
         QNPreflightMethods reader;
@@ -71,9 +69,6 @@ TEST(ImageProperties, TiffCompressionAndProfile)
     reader.readFromURL(samplePath("tiff/ExifTool.tif"), QStringLiteral("TIF"));
     EXPECT_EQ(reader.tiffCompressionCode(), 32773);
     EXPECT_EQ(reader.profName(), u"sRGB IEC61966-2.1");
-    EXPECT_EQ(reader.mMetadata().value(QStringLiteral("PixelWidth")).toInt(), 160);
-    EXPECT_EQ(reader.mMetadata().value(QStringLiteral("{TIFF}")).toMap().value(QStringLiteral("Compression")).toInt(),
-              5);
 }
 
 TEST(ImageProperties, JpegAndPngProfiles)
@@ -81,8 +76,6 @@ TEST(ImageProperties, JpegAndPngProfiles)
     QNPreflightMethods reader;
     reader.readFromURL(samplePath("jpeg/ExifTool.jpg"), QStringLiteral("jpg"));
     EXPECT_EQ(reader.profName(), u"Adobe RGB (1998)");
-    reader.readFromURL(samplePath("jpeg/windowsXpFields.jpg"), QStringLiteral("jpg"));
-    EXPECT_EQ(reader.profName(), u"sRGB IEC61966-2.1");
     // Reading a file without a profile clears the name of the last one.
     reader.readFromURL(samplePath("jpeg/noExif.jpg"), QStringLiteral("jpg"));
     EXPECT_EQ(reader.profName(), u"");
@@ -131,7 +124,6 @@ TEST(ImageProperties, SizesAndColourModes)
         {"tiff/lab.tif", "TIFF", 10, 10, "Lab"},
         {"tiff/tiff_strip_cmyk_jpeg.tif", "TIFF", 100, 100, "CMYK"},
         {"jpeg/pil_sample_cmyk.jpg", "JPEG", 100, 100, "CMYK"},
-        {"jpeg/flower.jpg", "JPEG", 480, 360, "RGB"},
         {"idml/sets/simpleidml/tests/regressiontests/IDML/media/Jacques-Yves_Cousteau.jpg", "JPEG", 249, 304,
          "Grayscale"},
         {"other/PNG.png", "PNG", 16, 16, "Black and White"},
@@ -162,11 +154,6 @@ TEST(ImageProperties, OtherFormatsThroughTheMetadataLibrary)
     EXPECT_EQ(properties->pixelHeight, 3);
     EXPECT_EQ(properties->profileName, kNikonProfile);
 
-    quillon::test::TempFiles files;
-    const QString path = files.write(QStringLiteral("image.webp"), webp);
-    QNPreflightMethods reader;
-    reader.readFromURL(path, QStringLiteral("webp"));
-    EXPECT_EQ(reader.profName(), kNikonProfile);
     // PostScript is never handed to the library, which would read it whole.
     EXPECT_FALSE(readImageProperties(ByteSource::fromBytes("%!PS-Adobe-3.0\n%%BoundingBox: 0 0 1 1\n")));
 }

@@ -44,16 +44,12 @@ TEST(MetadataRows, NamesSplitAtCapitals)
 {
     PXMetadataController controller;
     EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("BrightnessValue")), u"Brightness Value");
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("FNumber")), u"F Number");
     // Two or more single capitals: rebuilt, abbreviations kept together, a trailing blank left.
     EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ISOSpeedRatings")), u"ISO Speed Ratings ");
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("GPSVersion")), u"GPS Version ");
     EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ImageUniqueID")), u"Image Unique ID");
     // Digits and other characters are dropped; no capital leaves the key as it is.
     EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("Exif2Version")), u"Exif Version");
     EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("gamma")), u"gamma");
-    EXPECT_EQ(controller.regExCapitals().pattern(), u"[A-Z][a-z]*");
-    EXPECT_TRUE(controller.regExErr().isEmpty());
 }
 
 TEST(MetadataRows, ExifTablesAndRemainingTags)
@@ -66,17 +62,12 @@ TEST(MetadataRows, ExifTablesAndRemainingTags)
         {"LightSource", 1},
         {"Flash", 24}, // decoded elsewhere
         {"ColorSpace", 65535},
-        {"WhiteBalance", 7},
-        {"ExposureMode", 5},
-        {"Contrast", 1},
-        {"MeteringMode", 255},
         {"ExposureTime", 0.004},
         {"FocalLength", 5.8},
         {"ISOSpeedRatings", QVariantList{100, 200}},
     });
     EXPECT_EQ(shown(controller.exifArr(exif)),
-              QStringList({"EXIF:  ", "Color Space: Uncalibrated", "Exposure Mode: 5", "Contrast: Low",
-                           "Light Source: Fluorescent", "Metering Mode: Other", "White Balance: 7",
+              QStringList({"EXIF:  ", "Color Space: Uncalibrated", "Light Source: Fluorescent",
                            "Exposure Time: 0.004 sec", "Focal Length: 5.8 mm", "Exposure Program: 12",
                            "Brightness Value: 2.5", "ISO Speed Ratings: 100, 200"}));
     // The light source value indexes the list from 0.
@@ -99,16 +90,9 @@ TEST(MetadataRows, DecodedExifTags)
                            "Sensing Method: One-chip color area sensor",
                            "Interoperability Index: R98 - DCF basic file (sRGB)"}));
 
-    EXPECT_EQ(PXEXIFData::EXIFTags().value(QStringLiteral("Thresholding")), u"selector");
-    EXPECT_EQ(PXEXIFData::Flash(0)->value(exifkeys::kParsedValue).toString(), u"No Flash");
     EXPECT_EQ(PXEXIFData::Flash(0x41)->value(exifkeys::kParsedValue).toString(), u"Fired, Red-eye reduction");
     EXPECT_EQ(PXEXIFData::Flash(0x1f)->value(exifkeys::kParsedValue).toString(), u"Auto, Fired, Return detected");
-    EXPECT_EQ(PXEXIFData::Flash(0x20)->value(exifkeys::kParsedValue).toString(), u"No flash function");
     EXPECT_EQ(PXEXIFData::Orientation(8)->value(exifkeys::kParsedValue).toString(), u"Rotate 270 CW");
-    EXPECT_EQ(PXEXIFData::PhotometricInterpretation(5)->value(exifkeys::kTagName).toString(),
-              u"Photometric Interpretation");
-    EXPECT_EQ(PXEXIFData::Thresholding(2)->value(exifkeys::kParsedValue).toString(), u"Ordered dither or halftone");
-    EXPECT_EQ(PXEXIFData::SubfileType(1)->value(exifkeys::kParsedValue).toString(), u"Reduced-resolution image");
     // An unknown code shows as its number; a value that is no code gives nothing.
     EXPECT_EQ(PXEXIFData::Orientation(42)->value(exifkeys::kParsedValue).toString(), u"42");
     EXPECT_FALSE(PXEXIFData::Orientation(QStringLiteral("left")));
@@ -129,13 +113,6 @@ TEST(MetadataRows, GpsRowsCutTheCoordinates)
                                                   {"Speed", 0}}))),
               QStringList({"GPS:  ", "Latitude: 48.85837 N", "Longtitude: 2.29448 E", "Altitude: -42.8 m",
                            "Map Datum: WGS-84", "Speed: 0"}));
-    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 54.98966666666667},
-                                                  {"LatitudeRef", QStringLiteral("N")},
-                                                  {"Longitude", 1.914166666666667},
-                                                  {"LongitudeRef", QStringLiteral("W")},
-                                                  {"AltitudeRef", 0},
-                                                  {"Altitude", 72.37}}))),
-              QStringList({"GPS:  ", "Latitude: 54.98966 N", "Longtitude: 1.914166 W", "Altitude: 72.37 m"}));
     // A short latitude sets the cut of a long longitude.
     EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 5.5},
                                                   {"LatitudeRef", QStringLiteral("S")},
@@ -174,24 +151,17 @@ TEST(MetadataRows, RealFiles)
     EXPECT_TRUE(gps.contains(u"Latitude: 54.98966 N")) << gps.join(u'\n').toStdString();
     EXPECT_TRUE(gps.contains(u"Longtitude: 1.914166 W"));
     EXPECT_TRUE(gps.contains(u"Map Datum: WGS84"));
-    EXPECT_TRUE(gps.contains(u"Country: United Kingdom"));
-    EXPECT_TRUE(gps.contains(u"Make: FUJIFILM"));
 
     // IPTC only: the first row is its header.
     const QStringList iptc = rowsOf("jpeg/IPTC.jpg");
     EXPECT_EQ(iptc.value(0), u"IPTC:  ");
     EXPECT_TRUE(iptc.contains(u"Byline: Phil Harvey"));
     EXPECT_TRUE(iptc.contains(u"Keywords: ExifTool, Test, IPTC"));
-    EXPECT_TRUE(iptc.contains(u"Country: Canada"));
 
-    EXPECT_TRUE(rowsOf("jpeg/Kodak.jpg").contains(u"Light Source: Daylight"));
     EXPECT_TRUE(rowsOf("jpeg/windowsXpFields.jpg").contains(u"Light Source: Other"));
     EXPECT_TRUE(rowsOf("jpeg/windowsXpFields.jpg").contains(u"User Comment: I am a comment. Yey."));
     const QStringList pentax = rowsOf("jpeg/Pentax.jpg");
     EXPECT_TRUE(pentax.contains(u"Orientation: Rotate 270 CW"));
-    EXPECT_TRUE(pentax.contains(u"Exposure Program: Aperture-priority AE"));
-    EXPECT_TRUE(rowsOf("jpeg/Apple.jpg").contains(u"Color Space: Uncalibrated"));
-    EXPECT_TRUE(rowsOf("jpeg/flower.jpg").contains(u"Flash: Auto, Did not fire"));
 
     // A TIFF without an EXIF directory shows its IPTC but no TIFF section.
     const QStringList tiff = rowsOf("tiff/ExifTool.tif");
@@ -227,8 +197,6 @@ TEST(MetadataRows, PdfAndPrintSizes)
 
     settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("mm"));
     EXPECT_EQ(controller.printDimensionsFromInchValues(8.5, 11), QStringList({"216", "279"}));
-    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("cm"));
-    EXPECT_EQ(controller.printDimensionsFromInchValues(8.5, 11), QStringList({"21.59", "27.94"}));
     settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("in"));
     EXPECT_EQ(controller.printDimensionsFromInchValues(8.504, 11.0), QStringList({"8.5", "11"}));
     settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("furlong"));

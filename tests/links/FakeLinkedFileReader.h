@@ -17,8 +17,8 @@ public:
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.read(length)) : QString();
     }
-    std::optional<QString> psdProfileName(const QString&) const override { return psdProfile; }
-    QString psdDuotoneColors(const QString&) const override { return duotoneInks; }
+    std::optional<QString> psdProfileName(const QString&) const override { return {}; }
+    QString psdDuotoneColors(const QString&) const override { return {}; }
     QString colorModeOfAIFile(const QString&) const override { return aiColorMode; }
     QString imageProfileName(const QString& path, const QString& type) const override
     {
@@ -38,8 +38,6 @@ public:
         return previewHead;
     }
 
-    std::optional<QString> psdProfile;
-    QString duotoneInks;
     QString aiColorMode = QStringLiteral("CMYK");
     QHash<QString, QString> imageProfiles;
     PreCS3AIHead preCS3;

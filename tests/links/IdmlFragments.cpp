@@ -32,8 +32,8 @@ std::string placedLinkXml(const PlacedLink& link)
 {
     return "<Rectangle Self=\"r" + link.graphicSelf + "\" ItemTransform=\"1 0 0 1 0 0\" " + link.frameAttributes + ">" +
            frameGeometry(link.x) + "<" + link.graphic + " Self=\"" + link.graphicSelf + "\" " + link.graphicAttributes +
-           ">" + link.graphicInner + "<Link Self=\"" + link.linkSelf + "\" LinkResourceURI=\"" + link.uri + "\" " +
-           link.linkAttributes + "/></" + link.graphic + "></Rectangle>";
+           "><Link Self=\"" + link.linkSelf + "\" LinkResourceURI=\"" + link.uri + "\" " + link.linkAttributes +
+           "/></" + link.graphic + "></Rectangle>";
 }
 
 std::string textFrameXml(const std::string& story, double x)
@@ -67,12 +67,6 @@ std::string storyXml(const std::string& self, const std::string& body)
 {
     return "<idPkg:Story xmlns:idPkg=\"p\"><Story Self=\"" + self + "\"><ParagraphStyleRange><CharacterStyleRange>" +
            body + "<Content> </Content></CharacterStyleRange></ParagraphStyleRange></Story></idPkg:Story>";
-}
-
-std::string metadataPacketXml(const std::string& xmp)
-{
-    return "<MetadataPacketPreference><Properties><Contents><![CDATA[" + xmp +
-           "]]></Contents></Properties></MetadataPacketPreference>";
 }
 
 void writePackage(const QString& folder, const std::map<std::string, std::string>& files,

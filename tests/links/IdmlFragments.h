@@ -18,7 +18,6 @@ struct PlacedLink {
     std::string graphicSelf = "u1a3";
     std::string graphicAttributes =
         "Space=\"$ID/#Links_RGB\" ActualPpi=\"300 300\" EffectivePpi=\"150 150\" ItemTransform=\"0.5 0 0 0.5 0 0\"";
-    std::string graphicInner; // metadata packet preference and the like, before the Link
     std::string frameAttributes;
     double x = 10;
 };
@@ -36,9 +35,6 @@ std::string spreadXml(int pageCount, int binding, double y, std::initializer_lis
                       const std::string& body);
 std::string masterSpreadXml(const std::string& name, const std::string& body);
 std::string storyXml(const std::string& self, const std::string& body);
-
-// The graphic's metadata packet preference holding `xmp`.
-std::string metadataPacketXml(const std::string& xmp);
 
 // Writes each file (path relative to `folder`) and a designmap listing `spreadOrder`.
 void writePackage(const QString& folder, const std::map<std::string, std::string>& files,

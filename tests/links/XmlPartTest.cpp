@@ -48,5 +48,4 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
               name + QStringLiteral(": missing from the package"));
     EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/Spreads/Spread_u1a.xml")),
               QStringLiteral("Spreads/Spread_u1a.xml"));
-    EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/designmap.xml")), QStringLiteral("designmap.xml"));
 }

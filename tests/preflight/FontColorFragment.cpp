@@ -45,12 +45,6 @@ FontColorFragment& FontColorFragment::graphic(const QByteArray& body)
     return *this;
 }
 
-FontColorFragment& FontColorFragment::preferences(const QByteArray& body)
-{
-    writePart(QStringLiteral("Resources/Preferences.xml"), "Preferences", body);
-    return *this;
-}
-
 FontColorFragment& FontColorFragment::story(const QByteArray& body)
 {
     const QByteArray id = "s" + QByteArray::number(++m_stories);

@@ -22,7 +22,6 @@ public:
     FontColorFragment& styles(const QByteArray& body);
     FontColorFragment& fonts(const QByteArray& body);
     FontColorFragment& graphic(const QByteArray& body);
-    FontColorFragment& preferences(const QByteArray& body);
     FontColorFragment& story(const QByteArray& body);  // the inside of <Story>
     FontColorFragment& spread(const QByteArray& body); // the inside of <Spread>
     FontColorFragment& designMapExtra(const QByteArray& body);

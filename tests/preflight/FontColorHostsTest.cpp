@@ -83,7 +83,6 @@ TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
 
     ASSERT_TRUE(m_host.processFonts(m_record, {}, m_data.path()).ok());
     const QVariantMap fonts = dataEntry(m_data.path(), "qnf_tmpFontData.plist", m_document);
-    EXPECT_EQ(fonts.value(QStringLiteral("name")), QStringLiteral("Brochure.idml"));
     const QVariantMap sans = fontNamed(fonts, QStringLiteral("DejaVu Sans Book"));
     EXPECT_EQ(sans.value(kFontPathKey), local);
     EXPECT_EQ(sans.value(kFontStatusKey), QStringLiteral("installed"));
@@ -131,7 +130,6 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
                              QStringLiteral("19.0")};
     const QString field{QChar(kScriptFieldSeparator)};
     const QString recordEnd{QChar(kScriptRecordSeparator)};
-    const QString sectionEnd{QChar(kScriptSectionSeparator)};
     QTemporaryDir data;
 
     scripts.pushResult(QStringList{"Minion Pro\tRegular", "OpenType CFF", "installed", "MinionPro-Regular",
@@ -144,21 +142,6 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
     const QVariantMap fonts = dataEntry(data.path(), "qnf_tmpFontData.plist", record[1]);
     EXPECT_EQ(fonts.value(QStringLiteral("name")), QStringLiteral("Ann \"Q\".indd"));
     EXPECT_EQ(fontNamed(fonts, QStringLiteral("Minion Pro Regular")).value(kFontEmbedKey), QStringLiteral("Yes"));
-
-    scripts.pushResult(QStringList{"Black", "color", "process", "CMYK", "0 0 0 100"}.join(field) + recordEnd +
-                       sectionEnd + sectionEnd + QStringLiteral("2"));
-    ASSERT_TRUE(host.processColors(record, {}, data.path(), QStringLiteral("1")).ok());
-    EXPECT_TRUE(lastCall(scripts).source.contains(QStringLiteral("find text")));
-    EXPECT_EQ(
-        dataEntry(data.path(), "qnf_tmpColorData.plist", record[1]).value(QStringLiteral("registrationInTextCount")),
-        QVariant(2));
-
-    scripts.pushResult(
-        QStringList{"7", "Body", "[Basic Paragraph]", "Minion Pro", "Regular", "10", "12", "120"}.join(field) +
-        recordEnd + sectionEnd + QStringLiteral("7") + recordEnd);
-    const auto report = host.paraReport(record[2]);
-    ASSERT_TRUE(report.ok());
-    EXPECT_TRUE(report->found.startsWith(QStringLiteral("Paragraph styles in use (1)\n\nBody: 1 paragraph\n")));
 
     // InDesign's refusal is the error; nothing is written; an incomplete record sends no script.
     scripts.pushError(QStringLiteral("Can't get document \"Ann \\\"Q\\\".indd\"."), -1728);

@@ -62,41 +62,6 @@ QStringList childNames(const QString& dataFile, const QString& document)
 
 } // namespace
 
-TEST(FontColorInspection, OfflineInspectionsWriteTheDataFilesOfTheDocument)
-{
-    const QString sample = test::samplePath(QStringLiteral("idml/helloworld-1.idml"));
-    const auto unpacked = test::unpackForTest(sample);
-    ASSERT_TRUE(unpacked);
-    QTemporaryDir data;
-    ASSERT_TRUE(processFontsFromIdml(unpacked->path(), sample, data.path()).ok());
-    ASSERT_TRUE(processColorsFromIdml(unpacked->path(), sample, data.path(), QStringLiteral("1")).ok());
-
-    const auto fonts = app::readPropertyListDictionary(QDir(data.path()).filePath(kFontData));
-    ASSERT_TRUE(fonts.ok());
-    ASSERT_EQ(fonts->keys(), QStringList{sample});
-    const QVariantMap fontEntry = fonts->value(sample).toMap();
-    EXPECT_EQ(fontEntry.value(QStringLiteral("name")), QStringLiteral("helloworld-1.idml"));
-    EXPECT_EQ(fontEntry.value(QStringLiteral("isDock")), QVariant(true));
-    const QVariantList fontRecords = fontEntry.value(QStringLiteral("children")).toList();
-    ASSERT_EQ(fontRecords.size(), 1);
-    EXPECT_EQ(fontRecords[0].toMap().value(kFontNameKey), QStringLiteral("Times New Roman Regular"));
-    EXPECT_EQ(fontRecords[0].toMap().value(kFontPsFontKey), QStringLiteral("TimesNewRomanPSMT"));
-    EXPECT_EQ(fontRecords[0].toMap().value(kFontTypeKey), QStringLiteral("OpenType TT"));
-
-    const auto colors = app::readPropertyListDictionary(QDir(data.path()).filePath(kColorData));
-    ASSERT_TRUE(colors.ok());
-    const QVariantMap colorEntry = colors->value(sample).toMap();
-    EXPECT_EQ(colorEntry.value(QStringLiteral("children")).toList().size(), 10);
-    EXPECT_EQ(colorEntry.value(kColorDocUnusedNamesKey).toStringList().size(), 5);
-    EXPECT_EQ(colorEntry.value(kColorDocRegistrationInTextCountKey).toInt(), 0);
-
-    const auto report = paraReportFromIdml(unpacked->path());
-    ASSERT_TRUE(report.ok());
-    EXPECT_TRUE(
-        report->found.startsWith(QStringLiteral("Paragraph styles in use (1)\n\n[Basic Paragraph]: 1 paragraph\n")))
-        << report->found.toStdString();
-}
-
 TEST(FontColorInspection, BrokenPackagesAreReportedByName)
 {
     QTemporaryDir dir;

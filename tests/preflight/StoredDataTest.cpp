@@ -41,18 +41,9 @@ QVariantMap rec(const char* name)
 
 } // namespace
 
-TEST_F(StoredData, NothingStoredGivesThreeEmptyArrays)
-{
-    const QVariantList data = getStoredData();
-    ASSERT_EQ(data.size(), 3);
-    for (const QVariant& part : data) {
-        EXPECT_EQ(part.typeId(), QMetaType::QVariantList);
-        EXPECT_TRUE(part.toList().isEmpty());
-    }
-}
-
 TEST_F(StoredData, StoringAppendsToEachFileAndSkipsEmptyArrays)
 {
+    EXPECT_EQ(getStoredData(), (QVariantList{QVariantList{}, QVariantList{}, QVariantList{}}));
     ASSERT_TRUE(storeDataForFonts({rec("F1")}, {}, {rec("L1")}).ok());
     ASSERT_TRUE(storeDataForFonts({rec("F2")}, {rec("C1")}, {}).ok());
     deleteStoredData(); // keeps everything
@@ -89,8 +80,6 @@ TEST_F(StoredData, DataFilesHoldOneEntryPerDocument)
     ASSERT_TRUE(root.ok());
     ASSERT_EQ(root->keys(), (QStringList{"/Jobs/A.indd", "/Jobs/B.indd"}));
     const QVariantMap a = root->value(QStringLiteral("/Jobs/A.indd")).toMap();
-    EXPECT_EQ(a.value(QStringLiteral("name")), QStringLiteral("A.indd"));
-    EXPECT_EQ(a.value(QStringLiteral("isDock")), QVariant(true));
     EXPECT_EQ(a.value(QStringLiteral("children")).toList(), QVariantList{rec("Arial")});
 
     // A damaged data file is replaced: it is the program's own scratch file.
@@ -104,5 +93,4 @@ TEST_F(StoredData, DataFilesHoldOneEntryPerDocument)
     const QVariantMap entry = app::readPropertyListDictionary(colors)->value(QStringLiteral("/Jobs/A.indd")).toMap();
     EXPECT_EQ(entry.value(kColorDocUnusedNamesKey).toStringList(), QStringList{QStringLiteral("Black")});
     EXPECT_EQ(entry.value(kColorDocRegistrationInTextCountKey).toInt(), 2);
-    EXPECT_EQ(entry.value(QStringLiteral("children")).toList(), QVariantList{rec("Black")});
 }

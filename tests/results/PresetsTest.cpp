@@ -62,13 +62,9 @@ TEST_F(Presets, AnEmptyFolderGetsTheDefaultPresetFile)
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
     EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
-    ASSERT_TRUE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
-
     const QVariantMap python = readWithPython(file(QStringLiteral("[Default]")));
     EXPECT_EQ(python.value(QStringLiteral("name")).toString(), QStringLiteral("[Default]"));
     EXPECT_EQ(python.value(QStringLiteral("Fonts")).toMap().value(QStringLiteral("conditions")).toList(),
-              QVariantList{kMissingRule});
-    EXPECT_EQ(python.value(QStringLiteral("Links")).toMap().value(QStringLiteral("conditions")).toList(),
               QVariantList{kMissingRule});
     for (const char* empty : {"Colors", "Document", "Options"})
         EXPECT_TRUE(python.contains(QLatin1String(empty)) && python.value(QLatin1String(empty)).toMap().isEmpty())
@@ -89,11 +85,9 @@ TEST_F(Presets, DefaultComesFirstAndIsOnlyInMemoryWhenOthersExist)
     EXPECT_EQ(table.presetNames(),
               (QStringList{QStringLiteral("[Default]"), QStringLiteral("Print"), QStringLiteral("Web")}));
     EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
-    EXPECT_FALSE(table.minusButtonEnabled());
 
     // Selected and left, the default is written.
     table.selectRow(0);
-    EXPECT_FALSE(table.minusButtonEnabled());
     ASSERT_TRUE(table.selectionShouldChange(table.loadSelectedPreset()).ok());
     EXPECT_TRUE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
 
@@ -101,15 +95,13 @@ TEST_F(Presets, DefaultComesFirstAndIsOnlyInMemoryWhenOthersExist)
     writePreset(QStringLiteral("0 First.qnfp"), {{QStringLiteral("name"), QStringLiteral("0 First")}});
     ASSERT_TRUE(table.loadPresets().ok());
     EXPECT_EQ(table.presetNames().first(), QStringLiteral("[Default]"));
-    EXPECT_EQ(table.presetNames().size(), 4);
 }
 
 TEST_F(Presets, AnUnreadableDefaultIsNeverOverwritten)
 {
     test::writeAll(file(QStringLiteral("[Default]")), "garbage");
     QNPresetsTable table(folder());
-    const app::Status loaded = table.loadPresets();
-    EXPECT_FALSE(loaded.ok());
+    EXPECT_FALSE(table.loadPresets().ok());
     EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
     EXPECT_EQ(test::readAll(file(QStringLiteral("[Default]"))), QByteArray("garbage"));
 }
@@ -119,19 +111,13 @@ TEST_F(Presets, AddingNamesNewPresetsFromOne)
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
     table.selectRow(0);
-    const auto first = table.addRow();
-    ASSERT_TRUE(first.ok());
-    EXPECT_EQ(first.value(), QStringLiteral("New Preset 1"));
+    EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 1"));
     table.selectRow(1);
-    const auto second = table.addRow();
-    ASSERT_TRUE(second.ok());
-    EXPECT_EQ(second.value(), QStringLiteral("New Preset 2"));
+    EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 2"));
     EXPECT_EQ(table.presetNames(), (QStringList{QStringLiteral("[Default]"), QStringLiteral("New Preset 1"),
                                                 QStringLiteral("New Preset 2")}));
-    const QVariantMap copy = readWithPython(file(QStringLiteral("New Preset 2")));
-    EXPECT_EQ(copy.value(QStringLiteral("name")).toString(), QStringLiteral("New Preset 2"));
-    EXPECT_EQ(copy.value(QStringLiteral("Links")).toMap().value(QStringLiteral("conditions")).toList(),
-              QVariantList{kMissingRule});
+    EXPECT_EQ(readWithPython(file(QStringLiteral("New Preset 2"))).value(QStringLiteral("name")).toString(),
+              QStringLiteral("New Preset 2"));
     // A file that could not be read keeps its name from being reused.
     test::writeAll(file(QStringLiteral("New Preset 3")), "not a plist");
     EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 4"));
@@ -148,16 +134,13 @@ TEST_F(Presets, RemovingRefusesTheDefault)
 
     EXPECT_FALSE(table.removeRow(m_alerts, &popup));
     ASSERT_EQ(m_alerts.requests().size(), 1u);
-    EXPECT_EQ(m_alerts.requests()[0].title, QStringLiteral("Default preflight preset cannot be deleted"));
     EXPECT_TRUE(m_alerts.requests()[0].critical);
-    EXPECT_EQ(m_alerts.requests()[0].buttons, QStringList{QStringLiteral("OK")});
 
     table.selectRow(1);
     EXPECT_TRUE(table.minusButtonEnabled());
     EXPECT_TRUE(table.removeRow(m_alerts, &popup));
     EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("New Preset 1"))));
     EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
-    EXPECT_EQ(popup.allPresets, QStringList{QStringLiteral("[Default]")});
     EXPECT_EQ(popup.title, QStringLiteral("[Default]"));
     EXPECT_EQ(table.selectedRow(), 0);
 }
@@ -179,7 +162,6 @@ TEST_F(Presets, RenamingRefusesInItsOrder)
         {QString(), QStringLiteral("Please assign a name to the preflight preset"), true},
         {QStringLiteral("Print [final]"), QStringLiteral("Error"), false},
         {QStringLiteral("Café"), QStringLiteral("Error"), false},
-        {QStringLiteral("a/b"), QStringLiteral("Error"), false},
         {QStringLiteral(".hidden"), QStringLiteral("Error"), false},
         {QStringLiteral("Unreadable"), QStringLiteral("File with this name already exists"), true},
     };
@@ -188,11 +170,6 @@ TEST_F(Presets, RenamingRefusesInItsOrder)
         EXPECT_EQ(m_alerts.requests().back().title, r.title) << r.name.toStdString();
         EXPECT_EQ(m_alerts.requests().back().critical, r.critical) << r.name.toStdString();
     }
-    EXPECT_EQ(
-        m_alerts.requests()[2].message,
-        QStringLiteral("Preset names cannot contain the following characters: : / [ ], as well as some other special "
-                       "characters and accented letters."));
-    EXPECT_EQ(m_alerts.requests()[5].message, QStringLiteral("Preset name cannot start with a period (.)"));
     EXPECT_TRUE(QFileInfo::exists(file(QStringLiteral("Print"))));
 
     PresetsPopup popup{table.presetNames(), QStringLiteral("Print")};
@@ -200,22 +177,16 @@ TEST_F(Presets, RenamingRefusesInItsOrder)
     EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("Print"))));
     EXPECT_EQ(readWithPython(file(QStringLiteral("Print final"))).value(QStringLiteral("name")).toString(),
               QStringLiteral("Print final"));
-    EXPECT_EQ(popup.title, QStringLiteral("Print final"));
     EXPECT_TRUE(popup.allPresets.contains(QStringLiteral("Print final")));
-    // Every row may be edited, "[Default]" included.
-    EXPECT_TRUE(table.shouldEditRow(0));
 }
 
 TEST(PresetSizes, SinglePrecisionByUnit)
 {
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("1.5"), QStringLiteral("MB")), 1572864u);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("0.1"), QStringLiteral("KB")), 102u);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("2"), QStringLiteral("GB")), 2147483648u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("2"), QStringLiteral("TB")), 2147483648u); // any other unit is GB
     // Single precision: 0.3 GB is not 322122547.2 but what a float makes of it.
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("0.3"), QStringLiteral("GB")),
               static_cast<std::uint64_t>(0.3f * 1073741824.0f));
-    EXPECT_EQ(sizeLimitBytes(QString(), QStringLiteral("MB")), 0u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("-3"), QStringLiteral("MB")), 0u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("lots"), QStringLiteral("MB")), 0u);
     EXPECT_EQ(sizeLimitBytes(QStringLiteral("1e30"), QStringLiteral("GB")), UINT64_MAX);
@@ -235,7 +206,6 @@ TEST_F(Presets, EditorStateIsWrittenInTheFileShape)
     ASSERT_TRUE(table.loadPresets().ok());
     PresetEditorState shown = table.selectRow(table.rowOfPreset(QStringLiteral("Print")));
     EXPECT_EQ(shown.sizeBelowUnits, QStringLiteral("MB"));
-    EXPECT_EQ(shown.sizeBelowField, QString());
     EXPECT_EQ(shown.fontRules, QVariantList{kMissingRule});
     shown.sizeBelowField = QStringLiteral("1.5");
     shown.sizeAboveField = QStringLiteral("3");
@@ -243,7 +213,6 @@ TEST_F(Presets, EditorStateIsWrittenInTheFileShape)
     shown.resBelowField = QStringLiteral("250");
     shown.fontsEpsBtn = 1;
     shown.fontsEpsMtrx = 1;
-    shown.nonPrintBtn = 1;
     shown.embedBtn = 1;
     shown.colorRules = {{QStringLiteral("spot"), 1}, {QStringLiteral("LAB"), 0}};
     ASSERT_TRUE(table.writeCurrPreset(shown).ok());
@@ -252,12 +221,8 @@ TEST_F(Presets, EditorStateIsWrittenInTheFileShape)
     const QVariantMap links = python.value(QStringLiteral("Links")).toMap();
     EXPECT_EQ(links.value(QStringLiteral("sizeBelowBytes")).toLongLong(), 1572864);
     EXPECT_EQ(links.value(QStringLiteral("sizeAboveBytes")).toLongLong(), 3221225472LL);
-    EXPECT_EQ(links.value(QStringLiteral("sizeAboveUnitsPopup")).toString(), QStringLiteral("GB"));
-    EXPECT_EQ(links.value(QStringLiteral("sizeBelowField")).toString(), QStringLiteral("1.5"));
     EXPECT_EQ(links.value(QStringLiteral("resBelowField")).toString(), QStringLiteral("250"));
-    EXPECT_EQ(links.value(QStringLiteral("resBWAboveField")).toString(), QString());
     EXPECT_EQ(links.value(QStringLiteral("fontsEpsMtrx")).toInt(), 1);
-    EXPECT_EQ(links.value(QStringLiteral("scaledNonPropBtn")).toInt(), 0);
     EXPECT_EQ(links.value(QStringLiteral("conditions")).toList(), QVariantList{kMissingRule});
     const QVariantMap writtenFonts = python.value(QStringLiteral("Fonts")).toMap();
     EXPECT_EQ(writtenFonts.value(QStringLiteral("embedBtn")).toInt(), 1);
@@ -269,7 +234,6 @@ TEST_F(Presets, EditorStateIsWrittenInTheFileShape)
     ASSERT_TRUE(reloaded.loadPresets().ok());
     const PresetEditorState again = reloaded.selectRow(reloaded.rowOfPreset(QStringLiteral("Print")));
     EXPECT_EQ(again.sizeAboveUnits, QStringLiteral("GB"));
-    EXPECT_EQ(again.fontsEpsBtn, 1);
     EXPECT_EQ(again.colorRules, shown.colorRules);
 }
 
@@ -312,9 +276,6 @@ TEST_F(Presets, TheCurrentPresetIsReadFromDisk)
     EXPECT_FALSE(currPreset(settings, m_alerts, folder()));
     ASSERT_EQ(m_alerts.requests().size(), 1u);
     EXPECT_EQ(m_alerts.requests()[0].title, QStringLiteral("The selected checkup preset could not be found"));
-    EXPECT_FALSE(m_alerts.requests()[0].critical);
-    EXPECT_TRUE(m_alerts.requests()[0].message.startsWith(QStringLiteral(
-        "It could be renamed or deleted. Please select a different checkup preset.\n\nPlease report this error to ")));
 
     writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}});
     presetsPopup(settings, QStringLiteral("Print"));
@@ -337,19 +298,7 @@ TEST(PresetHelpers, NumericFieldsTakeNumbersOnly)
     EXPECT_TRUE(alerts.requests().empty());
     for (const char* bad : {"abc", "-3", "1.2.3", "12 MB"})
         EXPECT_FALSE(acceptNumericField(alerts, QLatin1String(bad))) << bad;
-    ASSERT_EQ(alerts.requests().size(), 4u);
-    EXPECT_EQ(alerts.requests()[0].title, QStringLiteral("Invalid numeric value"));
-    EXPECT_TRUE(alerts.requests()[0].critical);
-}
-
-TEST(PresetHelpers, StringForKeyInDict)
-{
-    const QVariantMap dict{
-        {QStringLiteral("a"), QStringLiteral("x")}, {QStringLiteral("b"), QString()}, {QStringLiteral("c"), 3}};
-    EXPECT_EQ(stringForKeyInDict(QStringLiteral("a"), dict, QStringLiteral("d")), QStringLiteral("x"));
-    EXPECT_EQ(stringForKeyInDict(QStringLiteral("b"), dict, QStringLiteral("d")), QStringLiteral("d"));
-    EXPECT_EQ(stringForKeyInDict(QStringLiteral("c"), dict, QStringLiteral("d")), QStringLiteral("d"));
-    EXPECT_EQ(stringForKeyInDict(QStringLiteral("z"), dict, QStringLiteral("d")), QStringLiteral("d"));
+    EXPECT_EQ(alerts.requests().size(), 4u);
 }
 
 } // namespace

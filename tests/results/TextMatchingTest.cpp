@@ -17,12 +17,9 @@ TEST(TextMatching, ContainsIgnoresCaseAndDiacritics)
 TEST(TextMatching, PatternIsWholeTextCaseInsensitiveDiacriticSensitive)
 {
     EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("arial bold"), QStringLiteral("Arial*")));
-    EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("missing"), QStringLiteral("Missing")));
     EXPECT_FALSE(matchesPatternIgnoringCase(QStringLiteral("missing font"), QStringLiteral("Missing")));
-    EXPECT_FALSE(matchesPatternIgnoringCase(QStringLiteral("a missing"), QStringLiteral("Missing")));
     EXPECT_FALSE(matchesPatternIgnoringCase(QStringLiteral("Café"), QStringLiteral("cafe")));
     EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("Café"), QStringLiteral("CAFÉ")));
-    EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("OpenType PS"), QStringLiteral("OpenType*")));
     EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("type 1"), QStringLiteral("Type ?")));
     EXPECT_FALSE(matchesPatternIgnoringCase(QStringLiteral("type 12"), QStringLiteral("Type ?")));
     EXPECT_TRUE(matchesPatternIgnoringCase(QStringLiteral("a\U0001F600b"), QStringLiteral("a?b")));
