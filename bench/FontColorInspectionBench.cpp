@@ -59,7 +59,7 @@ void fonts(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state)
-        if (!f.ready || !preflight::processFontsFromIdml(f.package, f.document, f.data).ok())
+        if (!f.ready || !preflight::processFontsFromIdml(f.package, f.document).ok())
             state.SkipWithError("font inspection failed");
 }
 
@@ -67,7 +67,7 @@ void colors(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state)
-        if (!f.ready || !preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok())
+        if (!f.ready || !preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
             state.SkipWithError("colour inspection failed");
 }
 
@@ -86,7 +86,7 @@ void colorsOf200000Swatches(benchmark::State& state)
 {
     const Fixture& f = manySwatches();
     for (auto _ : state)
-        if (!f.ready || !preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok())
+        if (!f.ready || !preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
             state.SkipWithError("colour inspection failed");
 }
 
@@ -95,8 +95,8 @@ void allThree(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state) {
-        const bool ok = f.ready && preflight::processFontsFromIdml(f.package, f.document, f.data).ok() &&
-                        preflight::processColorsFromIdml(f.package, f.document, f.data, QStringLiteral("1")).ok() &&
+        const bool ok = f.ready && preflight::processFontsFromIdml(f.package, f.document).ok() &&
+                        preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok() &&
                         preflight::paraReportFromIdml(f.package).ok();
         if (!ok)
             state.SkipWithError("an inspection failed");

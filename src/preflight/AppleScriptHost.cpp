@@ -214,33 +214,33 @@ ScriptedDocument AppleScriptHost::scriptedDocument(const QString& documentName, 
 namespace {
 
 // InDesign reads the whole document itself: there are no parts to skip.
-Result<PartWarnings> noPartsSkipped(const Status& status)
+template <typename T> Result<Inspected<T>> noPartsSkipped(Result<T> found)
 {
-    if (!status)
-        return status.error();
-    return PartWarnings{};
+    if (!found)
+        return found.error();
+    return Inspected<T>{std::move(*found), {}};
 }
 
 } // namespace
 
-Result<PartWarnings> AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder,
-                                                   const QString& dataFolder)
+Result<Inspected<QVariantList>> AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder)
 {
     (void)idmlFolder; // InDesign answers for the open document itself
     if (record.size() < kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
     return noPartsSkipped(
-        processFontsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]), dataFolder));
+        processFontsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath])));
 }
 
-Result<PartWarnings> AppleScriptHost::processColors(const QStringList& record, const QString& idmlFolder,
-                                                    const QString& dataFolder, const QString& registrationInTextFlag)
+Result<Inspected<ColorInspection>> AppleScriptHost::processColors(const QStringList& record,
+                                                                 const QString& idmlFolder,
+                                                                 const QString& registrationInTextFlag)
 {
     (void)idmlFolder;
     if (record.size() < kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
     return noPartsSkipped(processColorsWithScripts(scriptedDocument(record[kRecordFileName], record[kRecordPosixPath]),
-                                                   dataFolder, registrationInTextFlag));
+                                                   registrationInTextFlag));
 }
 
 Result<Inspected<QString>> AppleScriptHost::paraReport(const QString& docName)

@@ -11,6 +11,7 @@
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
 #include "preflight/PreflightResultsSink.h"
+#include "preflight/StoredData.h"
 
 #include <QDir>
 #include <QFile>
@@ -360,27 +361,31 @@ void QNControlCenter::processFonts()
 {
     if (doCancel())
         return;
-    const auto inspected = m_host.processFonts(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder);
+    const auto inspected = m_host.processFonts(m_activeDocRecord, m_idmlFolderPath);
     if (!inspected) {
         app::logFailure(QStringLiteral("processFonts: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(inspected.error().text()));
         return;
     }
-    addWarnings(*inspected);
+    addWarnings(inspected->skipped);
+    if (const app::Status written = writeFontDataFile(m_folders.dataFolder, m_currDocPath, inspected->found); !written)
+        addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(written.error().text()));
 }
 
 void QNControlCenter::processColors()
 {
     if (doCancel())
         return;
-    const auto inspected =
-        m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_folders.dataFolder, m_registrationInTextFlag);
+    const auto inspected = m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_registrationInTextFlag);
     if (!inspected) {
         app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()));
         return;
     }
-    addWarnings(*inspected);
+    addWarnings(inspected->skipped);
+    if (const app::Status written = writeColorDataFile(m_folders.dataFolder, m_currDocPath, inspected->found);
+        !written)
+        addWarning(QStringLiteral("The colors could not be inspected: %1").arg(written.error().text()));
 }
 
 void QNControlCenter::finishLinkDataFile()

@@ -8,7 +8,6 @@
 #include "preflight/FontsFromIdml.h"
 #include "preflight/ParaStylesFromIdml.h"
 #include "preflight/ParaStylesScript.h"
-#include "preflight/StoredData.h"
 
 namespace quillon::preflight {
 
@@ -29,29 +28,18 @@ app::Result<QString> runScript(const ScriptedDocument& document, const QString& 
 
 } // namespace
 
-app::Result<PartWarnings> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath,
-                                               const QString& dataFolder)
+app::Result<Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath)
 {
     app::logEntry("processFonts");
     FontFileFinder finder(documentPath);
-    auto fonts = fontRecordsFromIdml(idmlFolder, finder);
-    if (!fonts)
-        return fonts.error();
-    if (app::Status written = writeFontDataFile(dataFolder, documentPath, fonts->found); !written)
-        return written.error();
-    return fonts->skipped;
+    return fontRecordsFromIdml(idmlFolder, finder);
 }
 
-app::Result<PartWarnings> processColorsFromIdml(const QString& idmlFolder, const QString& documentPath,
-                                                const QString& dataFolder, const QString& registrationInTextFlag)
+app::Result<Inspected<ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
+                                                              const QString& registrationInTextFlag)
 {
     app::logEntry("processColors");
-    auto colors = colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
-    if (!colors)
-        return colors.error();
-    if (app::Status written = writeColorDataFile(dataFolder, documentPath, colors->found); !written)
-        return written.error();
-    return colors->skipped;
+    return colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
 }
 
 app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder)
@@ -63,24 +51,24 @@ app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder)
     return Inspected<QString>{paraStylesReportText(styles->found), styles->skipped};
 }
 
-app::Status processFontsWithScripts(const ScriptedDocument& document, const QString& dataFolder)
+app::Result<QVariantList> processFontsWithScripts(const ScriptedDocument& document)
 {
     app::logEntry("processFonts");
     auto answer = runScript(document, fontsScript(document.inDesignName, document.documentName), "fonts");
     if (!answer)
         return answer.error();
-    return writeFontDataFile(dataFolder, document.documentPath, fontRecordsFromScriptAnswer(*answer));
+    return fontRecordsFromScriptAnswer(*answer);
 }
 
-app::Status processColorsWithScripts(const ScriptedDocument& document, const QString& dataFolder,
-                                     const QString& registrationInTextFlag)
+app::Result<ColorInspection> processColorsWithScripts(const ScriptedDocument& document,
+                                                      const QString& registrationInTextFlag)
 {
     app::logEntry("processColors");
     auto answer = runScript(
         document, colorsScript(document.inDesignName, document.documentName, registrationInTextFlag), "swatches");
     if (!answer)
         return answer.error();
-    return writeColorDataFile(dataFolder, document.documentPath, colorInspectionFromScriptAnswer(*answer));
+    return colorInspectionFromScriptAnswer(*answer);
 }
 
 app::Result<QString> paraReportWithScripts(const ScriptedDocument& document)

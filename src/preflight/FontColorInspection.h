@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/ColorInspection.h"
 #include "preflight/FontColorScripts.h"
 #include "preflight/PartWarnings.h"
 
@@ -10,17 +11,16 @@ namespace quillon::preflight {
 
 // The font inspection (`processFonts:`), the colour inspection (`processColors:`) and the
 // paragraph-styles report (`paraReport:`) of one document, as each host runs them. The two
-// inspections write their data file into `dataFolder` (see StoredData.h) under `documentPath`,
-// the document's POSIX path; the report returns its text. They run on the preflight's worker
+// inspections return their records (the driver writes the data files from them); the report
+// returns its text. They run on the preflight's worker
 // thread; errors name the file or the script that failed and leave the data file as it was.
 
 // The offline host: from the document's unpacked IDML. `documentPath` is the document's own file,
 // beside which a "Document fonts" folder may hold fonts of its own. The parts that could not be
 // read were skipped: the answer names them.
-app::Result<PartWarnings> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath,
-                                               const QString& dataFolder);
-app::Result<PartWarnings> processColorsFromIdml(const QString& idmlFolder, const QString& documentPath,
-                                                const QString& dataFolder, const QString& registrationInTextFlag);
+app::Result<Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath);
+app::Result<Inspected<ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
+                                                              const QString& registrationInTextFlag);
 app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder);
 
 // The AppleScript host: scripts sent to `inDesignName` about the open document `documentName`.
@@ -30,8 +30,8 @@ struct ScriptedDocument {
     QString documentName; // the document's file name, as InDesign names it
     QString documentPath; // its POSIX path, the data files' key
 };
-app::Status processFontsWithScripts(const ScriptedDocument& document, const QString& dataFolder);
-app::Status processColorsWithScripts(const ScriptedDocument& document, const QString& dataFolder,
+app::Result<QVariantList> processFontsWithScripts(const ScriptedDocument& document);
+app::Result<ColorInspection> processColorsWithScripts(const ScriptedDocument& document,
                                      const QString& registrationInTextFlag);
 app::Result<QString> paraReportWithScripts(const ScriptedDocument& document);
 

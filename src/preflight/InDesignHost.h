@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/ColorInspection.h"
 #include "preflight/PartWarnings.h"
 
 #include <QString>
@@ -83,17 +84,17 @@ public:
     // document `docName`.
     virtual app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) = 0;
 
-    // The font and colour inspections of a preflighted document: they write
-    // "qnf_tmpFontData.plist" and "qnf_tmpColorData.plist" into `dataFolder` for the document of
+    // The font and colour inspections of a preflighted document: the font records, and the
+    // colour records with the unused names and the Registration count, of the document of
     // `record` (the six-string record). `idmlFolder` is the preflight's unpacked IDML export: a
     // host that reads the IDML uses it, or unpacks the document itself when it is empty.
     // `registrationInTextFlag` "1" asks for Registration applied to text to be counted. The
     // answer names the parts of the document that could not be read and were skipped.
-    virtual app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
-                                                   const QString& dataFolder) = 0;
-    virtual app::Result<PartWarnings> processColors(const QStringList& record, const QString& idmlFolder,
-                                                    const QString& dataFolder,
-                                                    const QString& registrationInTextFlag) = 0;
+    virtual app::Result<Inspected<QVariantList>> processFonts(const QStringList& record,
+                                                              const QString& idmlFolder) = 0;
+    virtual app::Result<Inspected<ColorInspection>> processColors(const QStringList& record,
+                                                                  const QString& idmlFolder,
+                                                                  const QString& registrationInTextFlag) = 0;
     // The paragraph-styles report of the open document `docName`, with the parts it skipped.
     virtual app::Result<Inspected<QString>> paraReport(const QString& docName) = 0;
 

@@ -328,24 +328,24 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                      docName);
 }
 
-Result<PartWarnings> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder,
-                                                   const QString& dataFolder)
+Result<Inspected<QVariantList>> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
     const QString path = record[kRecordPosixPath];
     return inspectUnpacked(path, idmlFolder, m_workFolder,
-                           [&](const QString& folder) { return processFontsFromIdml(folder, path, dataFolder); });
+                           [&](const QString& folder) { return processFontsFromIdml(folder, path); });
 }
 
-Result<PartWarnings> OfflineIdmlHost::processColors(const QStringList& record, const QString& idmlFolder,
-                                                    const QString& dataFolder, const QString& registrationInTextFlag)
+Result<Inspected<ColorInspection>> OfflineIdmlHost::processColors(const QStringList& record,
+                                                                 const QString& idmlFolder,
+                                                                 const QString& registrationInTextFlag)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
     const QString path = record[kRecordPosixPath];
     return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
-        return processColorsFromIdml(folder, path, dataFolder, registrationInTextFlag);
+        return processColorsFromIdml(folder, registrationInTextFlag);
     });
 }
 

@@ -43,10 +43,9 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
-                                           const QString& dataFolder) override;
-    app::Result<PartWarnings> processColors(const QStringList& record, const QString& idmlFolder,
-                                            const QString& dataFolder, const QString& registrationInTextFlag) override;
+    app::Result<Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override;
+    app::Result<Inspected<ColorInspection>> processColors(const QStringList& record, const QString& idmlFolder,
+                                                         const QString& registrationInTextFlag) override;
     app::Result<Inspected<QString>> paraReport(const QString& docName) override;
 
     const QStringList& openDocuments() const { return m_documents; }

@@ -105,19 +105,14 @@ public:
             (*record)[kRecordLinkCount] = *linkCount;
         return record;
     }
-    app::Result<PartWarnings> processFonts(const QStringList& record, const QString& idmlFolder,
-                                           const QString& dataFolder) override
+    app::Result<Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override
     {
         inspections << QStringLiteral("fonts ") + record.value(kRecordFileName);
         idmlFolderOfInspection = idmlFolder;
-        if (app::Status written =
-                app::writePropertyListFile(QVariantMap{}, QDir(dataFolder).filePath(app::kFontDataFileName));
-            !written)
-            return written.error();
-        return PartWarnings{kSkippedStory, kSkippedStory};
+        return Inspected<QVariantList>{{}, {kSkippedStory, kSkippedStory}};
     }
-    app::Result<PartWarnings> processColors(const QStringList& record, const QString&, const QString&,
-                                            const QString& registrationInTextFlag) override
+    app::Result<Inspected<ColorInspection>> processColors(const QStringList& record, const QString&,
+                                                          const QString& registrationInTextFlag) override
     {
         inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));

@@ -22,15 +22,9 @@ using namespace quillon::preflight;
 
 namespace {
 
-QVariantMap dataEntry(const QString& folder, const char* file, const QString& documentPath)
+QVariantMap fontNamed(const QVariantList& fonts, const QString& name)
 {
-    const auto root = app::readPropertyListDictionary(QDir(folder).filePath(QLatin1String(file)));
-    return root ? root->value(documentPath).toMap() : QVariantMap();
-}
-
-QVariantMap fontNamed(const QVariantMap& entry, const QString& name)
-{
-    for (const QVariant& font : entry.value(QStringLiteral("children")).toList())
+    for (const QVariant& font : fonts)
         if (font.toMap().value(kFontNameKey).toString() == name)
             return font.toMap();
     return {};
@@ -58,7 +52,6 @@ protected:
 
     QTemporaryDir m_temp;
     QTemporaryDir m_docs;
-    QTemporaryDir m_data;
     QString m_document;
     QStringList m_record;
     OfflineIdmlHost m_host;
@@ -81,17 +74,17 @@ TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
     const QString local = m_docs.filePath(QStringLiteral("Document fonts/DejaVuSans.ttf"));
     ASSERT_TRUE(QFile::copy(installed->path, local));
 
-    ASSERT_TRUE(m_host.processFonts(m_record, {}, m_data.path()).ok());
-    const QVariantMap fonts = dataEntry(m_data.path(), "qnf_tmpFontData.plist", m_document);
+    const auto inspected = m_host.processFonts(m_record, {});
+    ASSERT_TRUE(inspected.ok());
+    const QVariantList& fonts = inspected->found;
     const QVariantMap sans = fontNamed(fonts, QStringLiteral("DejaVu Sans Book"));
     EXPECT_EQ(sans.value(kFontPathKey), local);
     EXPECT_EQ(sans.value(kFontStatusKey), QStringLiteral("installed"));
     EXPECT_FALSE(fontNamed(fonts, QStringLiteral("Garamond Premier Pro Italic")).isEmpty());
 
-    ASSERT_TRUE(m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("1")).ok());
-    const QVariantMap colors = dataEntry(m_data.path(), "qnf_tmpColorData.plist", m_document);
-    EXPECT_FALSE(colors.value(QStringLiteral("children")).toList().isEmpty());
-    EXPECT_TRUE(colors.contains(QStringLiteral("registrationInTextCount")));
+    const auto colors = m_host.processColors(m_record, {}, QStringLiteral("1"));
+    ASSERT_TRUE(colors.ok());
+    EXPECT_FALSE(colors->found.records.isEmpty());
 
     // Asked for by name after the preflight.
     const auto report = m_host.paraReport(QStringLiteral("Brochure.idml"));
@@ -106,14 +99,14 @@ TEST_F(OfflineHostInspections, ReadThePreflightsExportWhenGiven)
     // The export stands for the document: here another document's, to show which one is read.
     const auto other = test::unpackForTest(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
     ASSERT_TRUE(other);
-    ASSERT_TRUE(m_host.processFonts(m_record, other->path(), m_data.path()).ok());
-    const QVariantMap fonts = dataEntry(m_data.path(), "qnf_tmpFontData.plist", m_document);
-    ASSERT_EQ(fonts.value(QStringLiteral("children")).toList().size(), 1);
-    EXPECT_FALSE(fontNamed(fonts, QStringLiteral("Times New Roman Regular")).isEmpty());
+    const auto fonts = m_host.processFonts(m_record, other->path());
+    ASSERT_TRUE(fonts.ok());
+    ASSERT_EQ(fonts->found.size(), 1);
+    EXPECT_FALSE(fontNamed(fonts->found, QStringLiteral("Times New Roman Regular")).isEmpty());
 
-    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), {}, m_data.path()).ok());
+    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), {}).ok());
     test::writeAll(m_document, "not a zip");
-    const auto damaged = m_host.processColors(m_record, {}, m_data.path(), QStringLiteral("0"));
+    const auto damaged = m_host.processColors(m_record, {}, QStringLiteral("0"));
     EXPECT_FALSE(damaged.ok());
     EXPECT_TRUE(scratchLeft().isEmpty());
 }
@@ -130,27 +123,24 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
                              QStringLiteral("19.0")};
     const QString field{QChar(kScriptFieldSeparator)};
     const QString recordEnd{QChar(kScriptRecordSeparator)};
-    QTemporaryDir data;
 
     scripts.pushResult(QStringList{"Minion Pro\tRegular", "OpenType CFF", "installed", "MinionPro-Regular",
                                    "/Library/Fonts/MinionPro-Regular.otf", "true"}
                            .join(field) +
                        recordEnd);
-    ASSERT_TRUE(host.processFonts(record, QStringLiteral("/ignored"), data.path()).ok());
+    const auto fonts = host.processFonts(record, QStringLiteral("/ignored"));
+    ASSERT_TRUE(fonts.ok());
     const QString fontsScript = lastCall(scripts).source;
     EXPECT_TRUE(fontsScript.contains(QStringLiteral("tell document \"Ann \\\"Q\\\".indd\"")));
-    const QVariantMap fonts = dataEntry(data.path(), "qnf_tmpFontData.plist", record[1]);
-    EXPECT_EQ(fonts.value(QStringLiteral("name")), QStringLiteral("Ann \"Q\".indd"));
-    EXPECT_EQ(fontNamed(fonts, QStringLiteral("Minion Pro Regular")).value(kFontEmbedKey), QStringLiteral("Yes"));
+    EXPECT_EQ(fontNamed(fonts->found, QStringLiteral("Minion Pro Regular")).value(kFontEmbedKey),
+              QStringLiteral("Yes"));
 
-    // InDesign's refusal is the error; nothing is written; an incomplete record sends no script.
+    // InDesign's refusal is the error; an incomplete record sends no script.
     scripts.pushError(QStringLiteral("Can't get document \"Ann \\\"Q\\\".indd\"."), -1728);
-    QTemporaryDir empty;
-    const auto refused = host.processFonts(record, {}, empty.path());
+    const auto refused = host.processFonts(record, {});
     ASSERT_FALSE(refused.ok());
     EXPECT_TRUE(refused.error().message.startsWith(QStringLiteral("Can't get document")));
-    EXPECT_TRUE(QDir(empty.path()).isEmpty());
     const std::size_t sent = scripts.calls().size();
-    EXPECT_FALSE(host.processColors(record.mid(0, 3), {}, empty.path(), QStringLiteral("0")).ok());
+    EXPECT_FALSE(host.processColors(record.mid(0, 3), {}, QStringLiteral("0")).ok());
     EXPECT_EQ(scripts.calls().size(), sent);
 }

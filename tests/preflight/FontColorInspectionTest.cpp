@@ -1,8 +1,5 @@
 #include "preflight/FontColorInspection.h"
 
-#include "app/PropertyList.h"
-#include "preflight/ColorRecordKeys.h"
-#include "preflight/FontRecordKeys.h"
 
 #include "FontColorFragment.h"
 #include "support/TestSupport.h"
@@ -18,29 +15,18 @@ using namespace quillon::preflight;
 
 namespace {
 
-const QString kFontData = QStringLiteral("qnf_tmpFontData.plist");
-const QString kColorData = QStringLiteral("qnf_tmpColorData.plist");
-
-bool exists(const QString& folder, const QString& name)
-{
-    return QFileInfo::exists(QDir(folder).filePath(name));
-}
-
-// The three inspections of one package: all fail with an error naming a file and write nothing.
+// The three inspections of one package: all fail with an error naming a file.
 void expectAllFail(const QString& package, const QString& mustName)
 {
-    QTemporaryDir data;
     const QString doc = QDir(package).filePath(QStringLiteral("../Doc.indd"));
-    const auto fonts = processFontsFromIdml(package, doc, data.path());
-    const auto colors = processColorsFromIdml(package, doc, data.path(), QStringLiteral("1"));
+    const auto fonts = processFontsFromIdml(package, doc);
+    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
     const auto report = paraReportFromIdml(package);
     ASSERT_FALSE(fonts.ok());
     ASSERT_FALSE(colors.ok());
     ASSERT_FALSE(report.ok());
     for (const app::Error& error : {fonts.error(), colors.error(), report.error()})
         EXPECT_TRUE(error.text().contains(mustName)) << error.text().toStdString();
-    EXPECT_FALSE(exists(data.path(), kFontData));
-    EXPECT_FALSE(exists(data.path(), kColorData));
 }
 
 QStringList texts(const PartWarnings& warnings)
@@ -51,12 +37,11 @@ QStringList texts(const PartWarnings& warnings)
     return out;
 }
 
-QStringList childNames(const QString& dataFile, const QString& document)
+QStringList names(const QVariantList& records)
 {
     QStringList names;
-    const auto data = app::readPropertyListDictionary(dataFile);
-    for (const QVariant& child : data->value(document).toMap().value(QStringLiteral("children")).toList())
-        names.append(child.toMap().value(QStringLiteral("name")).toString());
+    for (const QVariant& record : records)
+        names.append(record.toMap().value(QStringLiteral("name")).toString());
     return names;
 }
 
@@ -86,22 +71,19 @@ TEST(FontColorInspection, UnreadablePartsAreSkippedAndNamedTheRestIsInspected)
         .story("<ParagraphStyleRange />");
     const QString package = doc.write();
     QFile::remove(package + QStringLiteral("/Stories/Story_s3.xml"));
-    QTemporaryDir data;
 
     const QStringList expected{QStringLiteral("Resources/Styles.xml: not readable XML at byte 181"),
                                QStringLiteral("Stories/Story_s1.xml: not readable XML at byte 195"),
                                QStringLiteral("Stories/Story_s3.xml: missing from the package")};
-    const auto fonts = processFontsFromIdml(package, doc.documentPath(), data.path());
+    const auto fonts = processFontsFromIdml(package, doc.documentPath());
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
-    EXPECT_EQ(texts(*fonts), expected);
-    EXPECT_EQ(childNames(data.filePath(kFontData), doc.documentPath()), QStringList{"Good Family Bold"});
+    EXPECT_EQ(texts(fonts->skipped), expected);
+    EXPECT_EQ(names(fonts->found), QStringList{"Good Family Bold"});
 
-    const auto colors = processColorsFromIdml(package, doc.documentPath(), data.path(), QStringLiteral("1"));
+    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
     ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
-    EXPECT_EQ(texts(*colors), expected);
-    const auto colorData = app::readPropertyListDictionary(data.filePath(kColorData));
-    EXPECT_EQ(colorData->value(doc.documentPath()).toMap().value(kColorDocUnusedNamesKey).toStringList(),
-              QStringList{"Blue"});
+    EXPECT_EQ(texts(colors->skipped), expected);
+    EXPECT_EQ(colors->found.namesOfUnusedColors, QStringList{"Blue"});
 
     const auto report = paraReportFromIdml(package);
     ASSERT_TRUE(report.ok());
@@ -123,14 +105,13 @@ TEST(FontColorInspection, TextNestedAnyDepthIsWalked)
            R"(<Color Self="Color/Registration" Model="Registration" Space="CMYK" ColorValue="100 100 100 100" ColorOverride="Specialregistration" Name="Registration" />)")
         .story(deep);
     const QString package = doc.write();
-    QTemporaryDir data;
-    const auto fonts = processFontsFromIdml(package, doc.documentPath(), data.path());
+    const auto fonts = processFontsFromIdml(package, doc.documentPath());
     ASSERT_TRUE(fonts.ok());
-    EXPECT_TRUE(fonts->isEmpty());
-    EXPECT_EQ(childNames(data.filePath(kFontData), doc.documentPath()), QStringList{"Deep Family"});
-    ASSERT_TRUE(processColorsFromIdml(package, doc.documentPath(), data.path(), QStringLiteral("1")).ok());
-    const auto colorData = app::readPropertyListDictionary(data.filePath(kColorData));
-    EXPECT_EQ(colorData->value(doc.documentPath()).toMap().value(kColorDocRegistrationInTextCountKey).toInt(), 1);
+    EXPECT_TRUE(fonts->skipped.isEmpty());
+    EXPECT_EQ(names(fonts->found), QStringList{"Deep Family"});
+    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
+    ASSERT_TRUE(colors.ok());
+    EXPECT_EQ(colors->found.registrationInTextCount, 1);
 }
 
 TEST(FontColorInspection, TruncatedPartsAreNeverPassedSilently)
@@ -138,7 +119,6 @@ TEST(FontColorInspection, TruncatedPartsAreNeverPassedSilently)
     const auto unpacked = test::unpackForTest(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
     ASSERT_TRUE(unpacked);
     const QString package = unpacked->path();
-    QTemporaryDir data;
     const QString doc = QDir(package).filePath(QStringLiteral("../Doc.indd"));
     enum Reader { Fonts = 1, Colors = 2, Styles = 4, All = 7 };
     const std::pair<const char*, int> parts[] = {{"Resources/Styles.xml", All},
@@ -159,13 +139,13 @@ TEST(FontColorInspection, TruncatedPartsAreNeverPassedSilently)
         for (qsizetype size = 0; size < whole.size(); size += whole.size() / 30 + 1) {
             test::writeAll(path, whole.left(size));
             if (readers & Fonts) {
-                const auto fonts = processFontsFromIdml(package, doc, data.path());
-                told += tells(fonts, fonts.ok() ? *fonts : PartWarnings{});
+                const auto fonts = processFontsFromIdml(package, doc);
+                told += tells(fonts, fonts.ok() ? fonts->skipped : PartWarnings{});
                 ++truncations;
             }
             if (readers & Colors) {
-                const auto colors = processColorsFromIdml(package, doc, data.path(), QStringLiteral("1"));
-                told += tells(colors, colors.ok() ? *colors : PartWarnings{});
+                const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
+                told += tells(colors, colors.ok() ? colors->skipped : PartWarnings{});
                 ++truncations;
             }
             if (readers & Styles) {

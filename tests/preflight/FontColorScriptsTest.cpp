@@ -52,12 +52,6 @@ ScriptedDocument document(RecordingRunner& recorder)
             kDocPath};
 }
 
-QVariantMap dataEntry(const QString& folder, const QString& fileName)
-{
-    const auto root = app::readPropertyListDictionary(QDir(folder).filePath(fileName));
-    return root ? root->value(kDocPath).toMap() : QVariantMap();
-}
-
 } // namespace
 
 TEST(FontColorScripts, FontsAreAskedOfInDesignAndWrittenAsRecords)
@@ -70,17 +64,14 @@ TEST(FontColorScripts, FontsAreAskedOfInDesignAndWrittenAsRecords)
          "/Users/me/Library/Application Support/Adobe/CoreSync/plugins/livetype/.r/.123.otf", "false"},
         {"Broken"},
     }));
-    QTemporaryDir data;
-    ASSERT_TRUE(processFontsWithScripts(document(recorder), data.path()).ok());
+    const auto found = processFontsWithScripts(document(recorder));
+    ASSERT_TRUE(found.ok());
 
     ASSERT_EQ(recorder.scripts.size(), 1);
     const QString& script = recorder.scripts[0];
     EXPECT_TRUE(script.contains(QStringLiteral("tell document \"Spring \\\"Issue\\\".indd\"")));
 
-    const QVariantMap entry = dataEntry(data.path(), QStringLiteral("qnf_tmpFontData.plist"));
-    EXPECT_EQ(entry.value(QStringLiteral("name")).toString(), QStringLiteral("Spring \"Issue\".indd"));
-    EXPECT_EQ(entry.value(QStringLiteral("isDock")), QVariant(true));
-    const QVariantList fonts = entry.value(QStringLiteral("children")).toList();
+    const QVariantList& fonts = *found;
     ASSERT_EQ(fonts.size(), 3); // the partial answer is dropped
     const QVariantMap arial = fonts[0].toMap();
     EXPECT_EQ(arial.value(kFontNameKey), QStringLiteral("Arial Bold"));
@@ -105,14 +96,13 @@ TEST(FontColorScripts, SwatchesUnusedNamesAndRegistrationInText)
                                               {"Sky", "gradient", "", "", ""}}),
                                       answer({{"Sky"}}), QStringLiteral("4")}));
     recorder.answers.append(sections({answer({{"Paper", "color", "process", "CMYK", "0 0 0 0"}}), {}, "0"}));
-    QTemporaryDir data;
-    ASSERT_TRUE(processColorsWithScripts(document(recorder), data.path(), QStringLiteral("1")).ok());
+    const auto found = processColorsWithScripts(document(recorder), QStringLiteral("1"));
+    ASSERT_TRUE(found.ok());
     EXPECT_TRUE(recorder.scripts[0].contains(QStringLiteral("find text")));
 
-    QVariantMap entry = dataEntry(data.path(), QStringLiteral("qnf_tmpColorData.plist"));
-    EXPECT_EQ(entry.value(kColorDocRegistrationInTextCountKey).toInt(), 4);
-    EXPECT_EQ(entry.value(kColorDocUnusedNamesKey).toStringList(), QStringList{QStringLiteral("Sky")});
-    const QVariantList colors = entry.value(QStringLiteral("children")).toList();
+    EXPECT_EQ(found->registrationInTextCount, 4);
+    EXPECT_EQ(found->namesOfUnusedColors, QStringList{QStringLiteral("Sky")});
+    const QVariantList& colors = found->records;
     ASSERT_EQ(colors.size(), 4);
     const QVariantMap spot = colors[2].toMap();
     EXPECT_EQ(spot.value(kColorModelKey), QStringLiteral("spot"));
@@ -121,11 +111,11 @@ TEST(FontColorScripts, SwatchesUnusedNamesAndRegistrationInText)
     EXPECT_EQ(colors[3].toMap().value(kColorUsedKey), QStringLiteral("-"));
 
     // Without the rule the script does not search the text, and the count is 0.
-    ASSERT_TRUE(processColorsWithScripts(document(recorder), data.path(), QStringLiteral("0")).ok());
+    const auto without = processColorsWithScripts(document(recorder), QStringLiteral("0"));
+    ASSERT_TRUE(without.ok());
     EXPECT_FALSE(recorder.scripts[1].contains(QStringLiteral("find text")));
-    entry = dataEntry(data.path(), QStringLiteral("qnf_tmpColorData.plist"));
-    EXPECT_EQ(entry.value(kColorDocRegistrationInTextCountKey).toInt(), 0);
-    EXPECT_EQ(entry.value(QStringLiteral("children")).toList().size(), 1); // replaced, not added to
+    EXPECT_EQ(without->registrationInTextCount, 0);
+    EXPECT_EQ(without->records.size(), 1);
 }
 
 TEST(FontColorScripts, ParagraphStylesReport)
@@ -145,19 +135,16 @@ TEST(FontColorScripts, ParagraphStylesReport)
     EXPECT_TRUE(report->contains(QStringLiteral("Size: 24.5 pt")));
 }
 
-TEST(FontColorScripts, InDesignErrorsAreReportedAndLeaveTheDataFilesAlone)
+TEST(FontColorScripts, InDesignErrorsAreReported)
 {
     RecordingRunner recorder;
     recorder.answers.append(app::makeError(QStringLiteral("Can't get document \"Spring.indd\".")));
-    QTemporaryDir data;
-    const app::Status status = processFontsWithScripts(document(recorder), data.path());
-    ASSERT_FALSE(status.ok());
-    EXPECT_TRUE(status.error().text().contains(QStringLiteral("Can't get document")));
-    EXPECT_FALSE(QFileInfo::exists(QDir(data.path()).filePath(QStringLiteral("qnf_tmpFontData.plist"))));
+    const auto fonts = processFontsWithScripts(document(recorder));
+    ASSERT_FALSE(fonts.ok());
+    EXPECT_TRUE(fonts.error().text().contains(QStringLiteral("Can't get document")));
     EXPECT_FALSE(paraReportWithScripts(document(recorder)).ok());
 
     ScriptedDocument noRunner = document(recorder);
     noRunner.run = nullptr;
-    EXPECT_FALSE(processColorsWithScripts(noRunner, data.path(), QStringLiteral("1")).ok());
-    EXPECT_FALSE(QFileInfo::exists(QDir(data.path()).filePath(QStringLiteral("qnf_tmpColorData.plist"))));
+    EXPECT_FALSE(processColorsWithScripts(noRunner, QStringLiteral("1")).ok());
 }
