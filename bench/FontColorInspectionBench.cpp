@@ -2,8 +2,8 @@
 // a font list and swatches), read from its unpacked IDML as the offline host does.
 #include "IdmlGenerator.h"
 
-#include "preflight/FontColorInspection.h"
-#include "preflight/IdmlArchive.h"
+#include "host/FontColorInspection.h"
+#include "idml/IdmlArchive.h"
 
 #include <QTemporaryDir>
 
@@ -14,6 +14,8 @@
 namespace {
 
 using namespace quillon;
+using namespace quillon::idml;
+using namespace quillon::host;
 
 struct Fixture {
     QTemporaryDir dir;
@@ -25,7 +27,7 @@ struct Fixture {
     explicit Fixture(const bench::IdmlShape& shape)
     {
         const bench::GeneratedIdml facts = bench::writeGeneratedIdml(document, shape);
-        auto archive = preflight::IdmlArchive::open(document);
+        auto archive = idml::IdmlArchive::open(document);
         ready = facts.entries > 0 && archive.ok() && archive->extractTo(package).ok();
         std::cerr << "generated: " << facts.entries << " entries, " << facts.xmlBytes / 1e6 << " MB of XML\n";
     }
@@ -59,7 +61,7 @@ void fonts(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state)
-        if (!f.ready || !preflight::processFontsFromIdml(f.package, f.document).ok())
+        if (!f.ready || !host::processFontsFromIdml(f.package, f.document).ok())
             state.SkipWithError("font inspection failed");
 }
 
@@ -67,7 +69,7 @@ void colors(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state)
-        if (!f.ready || !preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
+        if (!f.ready || !host::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
             state.SkipWithError("colour inspection failed");
 }
 
@@ -75,7 +77,7 @@ void paragraphStyles(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state) {
-        auto report = preflight::paraReportFromIdml(f.package);
+        auto report = host::paraReportFromIdml(f.package);
         if (!f.ready || !report.ok())
             state.SkipWithError("paragraph styles failed");
         benchmark::DoNotOptimize(report);
@@ -86,7 +88,7 @@ void colorsOf200000Swatches(benchmark::State& state)
 {
     const Fixture& f = manySwatches();
     for (auto _ : state)
-        if (!f.ready || !preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
+        if (!f.ready || !host::processColorsFromIdml(f.package, QStringLiteral("1")).ok())
             state.SkipWithError("colour inspection failed");
 }
 
@@ -95,9 +97,9 @@ void allThree(benchmark::State& state)
 {
     const Fixture& f = fixture();
     for (auto _ : state) {
-        const bool ok = f.ready && preflight::processFontsFromIdml(f.package, f.document).ok() &&
-                        preflight::processColorsFromIdml(f.package, QStringLiteral("1")).ok() &&
-                        preflight::paraReportFromIdml(f.package).ok();
+        const bool ok = f.ready && host::processFontsFromIdml(f.package, f.document).ok() &&
+                        host::processColorsFromIdml(f.package, QStringLiteral("1")).ok() &&
+                        host::paraReportFromIdml(f.package).ok();
         if (!ok)
             state.SkipWithError("an inspection failed");
     }

@@ -1,12 +1,14 @@
 #include "IdmlGenerator.h"
 
-#include "preflight/IdmlArchiveWriter.h"
+#include "idml/IdmlArchiveWriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QStringList>
+
+using namespace quillon::idml;
 
 namespace quillon::bench {
 
@@ -303,7 +305,7 @@ QByteArray smallTiff()
 
 GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
 {
-    auto writer = preflight::IdmlArchiveWriter::create(path);
+    auto writer = idml::IdmlArchiveWriter::create(path);
     if (!writer || !writer->addMimetype())
         return {};
     Writer xml(shape);

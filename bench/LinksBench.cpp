@@ -6,7 +6,7 @@
 #include "IdmlGenerator.h"
 
 #include "links/QNIDMLLinksProcessor.h"
-#include "preflight/IdmlArchive.h"
+#include "idml/IdmlArchive.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -26,6 +26,8 @@
 namespace {
 
 using namespace quillon;
+using namespace quillon::idml;
+using namespace quillon::links;
 
 constexpr int kSpreads = 1000;
 constexpr int kLinksPerSpread = 10;
@@ -102,7 +104,7 @@ LargeDocument writeLargeDocument(const QString& root)
     shape.linksPerSpread = kLinksPerSpread;
     if (bench::writeGeneratedIdml(doc.documentPath, shape).entries == 0)
         return doc;
-    auto archive = preflight::IdmlArchive::open(doc.documentPath);
+    auto archive = idml::IdmlArchive::open(doc.documentPath);
     if (!archive || !archive->extractTo(doc.packageFolder))
         return doc;
     const QString links = root + QStringLiteral("/Links");

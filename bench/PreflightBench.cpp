@@ -10,7 +10,7 @@
 #include "app/Alerts.h"
 #include "app/Progress.h"
 #include "preflight/ControlCenter.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "host/OfflineIdmlHost.h"
 #include "reports/PreflightResults.h"
 #include "results/Presets.h"
 
@@ -31,6 +31,8 @@
 namespace {
 
 using namespace quillon;
+using namespace quillon::host;
+using namespace quillon::preflight;
 
 bench::IdmlShape styledShape(int spreads, int linksPerSpread, int paragraphs, const QString& linksFolder)
 {
@@ -89,7 +91,7 @@ void preflightInProcess(benchmark::State& state)
     qsizetype links = 0;
     for (auto _ : state) {
         QTemporaryDir run;
-        preflight::OfflineIdmlHost host;
+        host::OfflineIdmlHost host;
         if (!host.openDocument(document, true)) {
             state.SkipWithError("the document cannot be opened");
             break;

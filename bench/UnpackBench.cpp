@@ -1,8 +1,8 @@
 // Unpacking a large IDML in process, against the system's unzip on the same file.
 #include "IdmlGenerator.h"
 
-#include "preflight/IdmlArchive.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "idml/IdmlArchive.h"
+#include "host/OfflineIdmlHost.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -18,6 +18,8 @@
 namespace {
 
 using namespace quillon;
+using namespace quillon::idml;
+using namespace quillon::host;
 
 struct Fixture {
     QTemporaryDir dir;
@@ -46,7 +48,7 @@ void unpackInProcess(benchmark::State& state)
         state.PauseTiming();
         QDir(out).removeRecursively();
         state.ResumeTiming();
-        auto archive = preflight::IdmlArchive::open(fixture().idml);
+        auto archive = idml::IdmlArchive::open(fixture().idml);
         if (!archive || !archive->extractTo(out))
             state.SkipWithError("unpacking failed");
     }
@@ -72,7 +74,7 @@ void unpackWithUnzipTool(benchmark::State& state)
 void offlineDocumentRecord(benchmark::State& state)
 {
     for (auto _ : state) {
-        auto record = preflight::idmlDocumentRecord(fixture().idml);
+        auto record = host::idmlDocumentRecord(fixture().idml);
         if (!record)
             state.SkipWithError("record failed");
         benchmark::DoNotOptimize(record);

@@ -1,3 +1,12 @@
+# Each layer's headers are reached as "<layer>/Name.h" through an include root of its own that
+# holds just that layer, so a layer sees the headers of the layers it links and no others.
+function(quillon_include_root name)
+  set(root "${PROJECT_BINARY_DIR}/include/${name}")
+  file(MAKE_DIRECTORY "${root}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${name}" SYMBOLIC)
+  set(QUILLON_INCLUDE_ROOT "${root}" PARENT_SCOPE)
+endfunction()
+
 # One static library per source folder. Its sources are the folder's .cpp files, so adding a
 # file needs no edit here; the link lines passed in are the only arrows the layer may use.
 function(quillon_library name)
@@ -12,7 +21,8 @@ function(quillon_library name)
     add_library(quillon_${name} INTERFACE)
   endif()
   add_library(quillon::${name} ALIAS quillon_${name})
-  target_include_directories(quillon_${name} ${scope} "${PROJECT_SOURCE_DIR}/src" "${PROJECT_BINARY_DIR}/src")
+  quillon_include_root(${name})
+  target_include_directories(quillon_${name} ${scope} "${QUILLON_INCLUDE_ROOT}")
   target_link_libraries(quillon_${name} ${scope} ${QL_LINKS})
   target_compile_definitions(quillon_${name} ${scope} QT_NO_KEYWORDS)
 endfunction()

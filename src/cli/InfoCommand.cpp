@@ -5,10 +5,10 @@
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 
-#include "preflight/DocInfo.h"
+#include "inspection/DocInfo.h"
 #include "preflight/DocumentWarnings.h"
-#include "preflight/InDesignHost.h"
-#include "preflight/PageSizes.h"
+#include "host/InDesignHost.h"
+#include "inspection/PageSizes.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,11 +19,14 @@
 #include <string>
 #include <vector>
 
+using namespace quillon::inspection;
+using namespace quillon::host;
+
 namespace quillon::cli {
 
 namespace {
 
-using preflight::QNDocInfo;
+using inspection::QNDocInfo;
 
 struct DocumentFacts {
     QStringList record;
@@ -45,7 +48,7 @@ app::Result<DocumentFacts> readDocument(const QString& path, const QString& work
     QList<app::Error> partWarnings;
     if (const app::Status read = facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder); !read)
         partWarnings << read.error();
-    facts.info.setDocPageSizesDict(preflight::pageSizesInIdmlFolder(unpacked->folder, &partWarnings));
+    facts.info.setDocPageSizesDict(inspection::pageSizesInIdmlFolder(unpacked->folder, &partWarnings));
     preflight::addWarningsOnce(facts.warnings, partWarnings);
     return facts;
 }
@@ -61,7 +64,7 @@ void printText(const DocumentFacts& facts)
     const QList<std::pair<const char*, QString>> lines{
         {"Path", info.docPath()},
         {"Pages", info.numberOfPagesStr()},
-        {"Links", facts.record.value(preflight::kRecordLinkCount)},
+        {"Links", facts.record.value(inspection::kRecordLinkCount)},
         {"Version", orDash(info.InDesignVersion())},
         {"Size", info.fileSizeStr()},
         {"Created", orDash(info.creationDateStr())},
@@ -87,11 +90,11 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
 {
     const QNDocInfo& info = facts.info;
     QJsonObject object = QJsonObject::fromVariantMap(info.toVariantMap());
-    object.insert(QStringLiteral("hfsPath"), facts.record.value(preflight::kRecordHfsPath));
-    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.value(preflight::kRecordLinkCount));
+    object.insert(QStringLiteral("hfsPath"), facts.record.value(inspection::kRecordHfsPath));
+    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.value(inspection::kRecordLinkCount));
     object.insert(QStringLiteral("fileSizeBytes"), info.fileSize());
-    object.insert(preflight::kDocInfoCreationDateKey, dateValue(info.creationDate()));
-    object.insert(preflight::kDocInfoModDateKey, dateValue(info.modDate()));
+    object.insert(inspection::kDocInfoCreationDateKey, dateValue(info.creationDate()));
+    object.insert(inspection::kDocInfoModDateKey, dateValue(info.modDate()));
     object.insert(QStringLiteral("pageSizeStr"), info.pageSizeStr());
     object.insert(QStringLiteral("repaired"), facts.repaired);
     object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(preflight::warningTexts(facts.warnings)));

@@ -8,7 +8,7 @@
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
 #include "preflight/DocumentWarnings.h"
-#include "preflight/InDesignHost.h"
+#include "host/InDesignHost.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,6 +16,8 @@
 
 #include <iostream>
 #include <memory>
+
+using namespace quillon::host;
 
 namespace quillon::cli {
 
@@ -111,10 +113,10 @@ int runLinks(const LinksOptions& options)
                     QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
             continue;
         }
-        const QString docPath = unpacked->record.value(preflight::kRecordPosixPath);
+        const QString docPath = unpacked->record.value(inspection::kRecordPosixPath);
         links::LinksController controller;
         controller.linkFolders = linkFolders;
-        controller.numberOfLinksInDoc = unpacked->record.value(preflight::kRecordLinkCount).toInt();
+        controller.numberOfLinksInDoc = unpacked->record.value(inspection::kRecordLinkCount).toInt();
         links::QNIDMLLinksProcessor processor(controller);
         const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
         QList<app::Error> warnings = unpacked->warnings;

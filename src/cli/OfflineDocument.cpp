@@ -6,13 +6,15 @@
 #include "cli/TerminalText.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
-#include "preflight/InDesignHost.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "host/InDesignHost.h"
+#include "host/OfflineIdmlHost.h"
 
 #include <QDir>
 #include <QFile>
 
 #include <iostream>
+
+using namespace quillon::host;
 
 namespace quillon::cli {
 
@@ -30,18 +32,18 @@ UnpackedDocument::~UnpackedDocument()
 
 app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder)
 {
-    preflight::OfflineIdmlHost host;
+    host::OfflineIdmlHost host;
     host.setWorkFolder(workFolder);
     if (app::Status opened = host.openDocument(path, true); !opened)
         return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
+    app::Result<QStringList> record = host.pathsAndNameOfDocument(host::DocumentReference::active());
     if (!record)
         return record.error();
 
     app::ScriptedAlertSink alerts; // failures are reported from lastError()
     preflight::QNIDMLCreator creator(host, alerts);
     creator.setWorkFolder(workFolder);
-    const QString docPath = record->value(preflight::kRecordPosixPath);
+    const QString docPath = record->value(inspection::kRecordPosixPath);
     UnpackedDocument document;
     document.folder = creator.processInDesignFileAtPath(docPath);
     // The run's work folder is private: its copies of this document can go at once.

@@ -5,13 +5,15 @@
 #include "app/Progress.h"
 #include "preflight/ControlCenter.h"
 #include "preflight/DocumentWarnings.h"
-#include "preflight/InDesignHost.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "host/InDesignHost.h"
+#include "host/OfflineIdmlHost.h"
 #include "reports/PreflightResults.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+
+using namespace quillon::host;
 
 namespace quillon::cli {
 
@@ -78,7 +80,7 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     PreflightedDocument document;
     document.path = path;
     document.name = QFileInfo(path).fileName();
-    preflight::OfflineIdmlHost host;
+    host::OfflineIdmlHost host;
     if (const app::Status opened = host.openDocument(path, true); !opened) {
         document.error = errorText(opened.error(), path);
         return document;
@@ -88,7 +90,7 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     host.setWorkFolder(folders.workFolder);
     // The driver shows a document it cannot read as an alert without the part's name; asking for
     // the record first keeps it ("designmap.xml: ...").
-    if (const app::Result<QStringList> record = host.pathsAndNameOfDocument(preflight::DocumentReference::active());
+    if (const app::Result<QStringList> record = host.pathsAndNameOfDocument(host::DocumentReference::active());
         !record) {
         document.error = errorText(record.error(), path);
         return document;

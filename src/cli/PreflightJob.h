@@ -1,6 +1,6 @@
 #pragma once
 
-#include "preflight/DocInfo.h"
+#include "inspection/DocInfo.h"
 #include "reports/TextReport.h"
 #include "results/Summary.h"
 
@@ -34,7 +34,7 @@ struct PreflightedDocument {
     QString error;        // why it could not be preflighted
     QStringList warnings; // what went wrong without stopping the preflight
     QString outputError;  // a result that could not be written (the report file)
-    preflight::QNDocInfo info;
+    inspection::QNDocInfo info;
     QVariantList links;
     QVariantList fonts;
     QVariantList colors;

@@ -32,26 +32,26 @@ QJsonObject jsonObject(const QVariantMap& map, bool isRecord)
     return object;
 }
 
-QJsonObject infoJson(const preflight::QNDocInfo& info)
+QJsonObject infoJson(const inspection::QNDocInfo& info)
 {
     QJsonArray sizes;
-    for (const preflight::DocPageSize& size : info.docPageSizes())
+    for (const inspection::DocPageSize& size : info.docPageSizes())
         sizes.append(QJsonObject{{QStringLiteral("width"), size.width},
                                  {QStringLiteral("height"), size.height},
                                  {QStringLiteral("pages"), QJsonArray::fromStringList(size.pageNames)}});
     using namespace preflight;
     return {
-        {kDocInfoDocNameKey, info.docName()},
-        {kDocInfoDocPathKey, info.docPath()},
-        {kDocInfoNumberOfPagesKey, info.numberOfPagesStr()},
-        {kDocInfoInDesignVersionKey, info.InDesignVersion()},
-        {kDocInfoFileSizeKey, info.fileSizeStr()},
-        {kDocInfoCreationDateStrKey, info.creationDateStr()},
-        {kDocInfoModDateStrKey, info.modDateStr()},
-        {kDocInfoBleedKey, info.bleedStr()},
-        {kDocInfoSlugKey, info.slugStr()},
-        {kDocInfoHorizUnitsKey, info.horizMeasurementUnits()},
-        {kDocInfoVertUnitsKey, info.vertMeasurementUnits()},
+        {inspection::kDocInfoDocNameKey, info.docName()},
+        {inspection::kDocInfoDocPathKey, info.docPath()},
+        {inspection::kDocInfoNumberOfPagesKey, info.numberOfPagesStr()},
+        {inspection::kDocInfoInDesignVersionKey, info.InDesignVersion()},
+        {inspection::kDocInfoFileSizeKey, info.fileSizeStr()},
+        {inspection::kDocInfoCreationDateStrKey, info.creationDateStr()},
+        {inspection::kDocInfoModDateStrKey, info.modDateStr()},
+        {inspection::kDocInfoBleedKey, info.bleedStr()},
+        {inspection::kDocInfoSlugKey, info.slugStr()},
+        {inspection::kDocInfoHorizUnitsKey, info.horizMeasurementUnits()},
+        {inspection::kDocInfoVertUnitsKey, info.vertMeasurementUnits()},
         {QStringLiteral("pageSizeStr"), info.pageSizeStr()},
         {QStringLiteral("docPageSizes"), sizes},
     };
@@ -264,7 +264,7 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
 
 QString summaryText(const PreflightedDocument& document, const QString& presetName)
 {
-    const preflight::QNDocInfo& info = document.info;
+    const inspection::QNDocInfo& info = document.info;
     const QList<std::pair<QString, QString>> lines{
         {QStringLiteral("Path"), info.docPath()},
         {QStringLiteral("Pages"),

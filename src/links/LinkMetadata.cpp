@@ -8,13 +8,15 @@
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
 #include "links/LinkedFileReader.h"
-#include "links/TextFields.h"
-#include "links/XmlPath.h"
+#include "idml/TextFields.h"
+#include "idml/XmlPath.h"
 
 #include <QFileInfo>
 #include <QUrl>
 
 #include <cmath>
+
+using namespace quillon::idml;
 
 namespace quillon::links {
 

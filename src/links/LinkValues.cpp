@@ -4,11 +4,13 @@
 #include "app/Numbers.h"
 #include "app/PathComponents.h"
 #include "links/LinkRecordKeys.h"
-#include "links/TextFields.h"
+#include "idml/TextFields.h"
 
 #include <QHash>
 
 #include <cmath>
+
+using namespace quillon::idml;
 
 namespace quillon::links {
 

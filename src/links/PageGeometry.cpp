@@ -3,12 +3,14 @@
 #include "app/Log.h"
 #include "app/Numbers.h"
 #include "links/LinkRecordKeys.h"
-#include "links/TextFields.h"
-#include "links/XmlPath.h"
+#include "idml/TextFields.h"
+#include "idml/XmlPath.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstring>
+
+using namespace quillon::idml;
 
 namespace quillon::links {
 

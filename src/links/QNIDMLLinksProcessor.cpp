@@ -10,10 +10,10 @@
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
 #include "links/LinkedFileReader.h"
-#include "links/PackageParts.h"
-#include "links/TextFields.h"
-#include "links/XmlPart.h"
-#include "links/XmlPath.h"
+#include "idml/PackageParts.h"
+#include "idml/TextFields.h"
+#include "idml/XmlPart.h"
+#include "idml/XmlPath.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,6 +22,8 @@
 #include <atomic>
 #include <cstring>
 #include <thread>
+
+using namespace quillon::idml;
 
 namespace quillon::links {
 

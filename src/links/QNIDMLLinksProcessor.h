@@ -21,12 +21,15 @@ class CancelFlag;
 class ProgressSink;
 } // namespace quillon::app
 
+namespace quillon::idml {
+class XmlPart;
+} // namespace quillon::idml
+
 namespace quillon::links {
 
 class AnchoredLinkPageSource;
 class DefaultApplications;
 class LinkedFileReader;
-class XmlPart;
 
 // What a links run needs from the preflight that starts it. Every pointer may be null.
 struct LinksController {
@@ -95,7 +98,7 @@ private:
     void beginRun(const QString& origInDesignDocPath);
     bool cancelled() const;
     void reportStatus(const QString& text) const;
-    bool readPart(XmlPart& part, const QString& path);
+    bool readPart(idml::XmlPart& part, const QString& path);
     void collectSpreadLinks(const QString& path, bool isMaster, std::vector<LinkSource>& sources);
     void collectStoryLinks(const QString& path, std::vector<LinkSource>& sources);
     void collectStoriesLinks(const QString& packageFolder, std::vector<LinkSource>& sources);

@@ -1,11 +1,13 @@
 #include "links/StoryFramePages.h"
 
-#include "links/XmlPart.h"
+#include "idml/XmlPart.h"
 
 #include <QDir>
 #include <QSet>
 
 #include <cstring>
+
+using namespace quillon::idml;
 
 namespace quillon::links {
 

@@ -6,7 +6,7 @@
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
-#include "preflight/AppleEventPermission.h"
+#include "host/AppleEventPermission.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
@@ -19,6 +19,8 @@
 
 #include <exception>
 #include <typeinfo>
+
+using namespace quillon::host;
 
 namespace quillon::preflight {
 
@@ -55,7 +57,7 @@ bool removePath(const QFileInfo& item)
 
 } // namespace
 
-QNControlCenter::QNControlCenter(InDesignHost& host, app::AlertSink& alerts, app::ProgressSink& progress,
+QNControlCenter::QNControlCenter(host::InDesignHost& host, app::AlertSink& alerts, app::ProgressSink& progress,
                                  PreflightResultsSink& results, PreflightFolders folders)
     : m_host(host), m_alerts(alerts), m_progress(progress), m_results(results), m_folders(std::move(folders)),
       m_linkAnalysis(analyseLinksInIdml)
@@ -97,7 +99,7 @@ void QNControlCenter::addWarnings(const QList<app::Error>& warnings)
     addWarningsOnce(m_warnings, warnings);
 }
 
-void QNControlCenter::startup(const AppleEventServices* services)
+void QNControlCenter::startup(const host::AppleEventServices* services)
 {
     m_InDesignVersion = m_host.applicationName();
     app::logLine(QStringLiteral("InDesignVersion: %1").arg(m_InDesignVersion));
@@ -154,7 +156,7 @@ bool QNControlCenter::preflightActiveDoc(BatchPreflight* batch)
     addWarnings(m_host.documentWarnings());
     if (const std::optional<app::Error> noPages = noPagesWarning(record))
         addWarnings({*noPages});
-    m_currDocInfo = QNDocInfo::docInfoWithRecord(record);
+    m_currDocInfo = inspection::QNDocInfo::docInfoWithRecord(record);
     m_registrationInTextFlag = m_results.registrationInTextFlag();
     m_progress.setMaximum(100); // the bar appears
     m_results.showDocument(m_currDocName, m_currDocPath);
@@ -164,7 +166,7 @@ bool QNControlCenter::preflightActiveDoc(BatchPreflight* batch)
         incrementProgressBy(QStringLiteral("4"), kGatheringStatus);
 
     m_queue = std::make_unique<app::OperationQueue>();
-    const QString docPath = record.value(kRecordPosixPath);
+    const QString docPath = record.value(inspection::kRecordPosixPath);
     auto exportAndLinks = std::make_shared<app::Operation>(QStringLiteral("createAndParseIDML"), [this, docPath] {
         if (!doCancel())
             createAndParseIDMLForInDesignFilePath(docPath);
@@ -256,11 +258,11 @@ QStringList QNControlCenter::pathsAndNameOfActiveDoc()
         app::runAlert(m_alerts, kCannotPreflightTitle, QString(), std::nullopt, true);
         return {};
     }
-    m_currDocPath = record->value(kRecordPosixPath);
-    m_currDocName = record->value(kRecordFileName);
-    m_numberOfPagesInDoc = record->value(kRecordPageCount);
-    m_numberOfLinksInDoc = record->value(kRecordLinkCount);
-    m_InDesignVersionNumber = record->value(kRecordInDesignVersion);
+    m_currDocPath = record->value(inspection::kRecordPosixPath);
+    m_currDocName = record->value(inspection::kRecordFileName);
+    m_numberOfPagesInDoc = record->value(inspection::kRecordPageCount);
+    m_numberOfLinksInDoc = record->value(inspection::kRecordLinkCount);
+    m_InDesignVersionNumber = record->value(inspection::kRecordInDesignVersion);
     app::logLine(QStringLiteral("hfsPathPOSIXPathName: %1").arg(record->join(QStringLiteral(", "))));
     return *record;
 }

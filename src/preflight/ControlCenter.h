@@ -3,8 +3,8 @@
 #include "app/Operations.h"
 #include "app/Progress.h"
 #include "app/Result.h"
-#include "preflight/DocInfo.h"
-#include "preflight/InDesignHost.h"
+#include "inspection/DocInfo.h"
+#include "host/InDesignHost.h"
 #include "preflight/LinkAnalysis.h"
 #include "preflight/PreflightFolders.h"
 
@@ -22,9 +22,12 @@ class AlertSink;
 class Settings;
 } // namespace quillon::app
 
+namespace quillon::host {
+struct AppleEventServices;
+} // namespace quillon::host
+
 namespace quillon::preflight {
 
-struct AppleEventServices;
 class BatchPreflight;
 class PreflightResultsSink;
 
@@ -47,7 +50,7 @@ class QNControlCenter : public QObject {
     Q_PROPERTY(int lastAlertButtonReturn READ lastAlertButtonReturn WRITE setLastAlertButtonReturn)
 
 public:
-    QNControlCenter(InDesignHost& host, app::AlertSink& alerts, app::ProgressSink& progress,
+    QNControlCenter(host::InDesignHost& host, app::AlertSink& alerts, app::ProgressSink& progress,
                     PreflightResultsSink& results, PreflightFolders folders = PreflightFolders::systemFolders());
     // Waits for a running preflight to end.
     ~QNControlCenter() override;
@@ -61,7 +64,7 @@ public:
 
     // At launch: the InDesign to talk to is the host's; its path when installed in the usual
     // place; empty document strings. With `services`, checks that Apple events may be sent to it.
-    void startup(const AppleEventServices* services = nullptr);
+    void startup(const host::AppleEventServices* services = nullptr);
 
     // Starts a preflight of the active document, or with `batch` of the batch's next document,
     // and returns at once; true when the stages were queued. Nothing is queued when another
@@ -81,7 +84,7 @@ public:
     void deleteTmpDataFiles();
     // The six-string record of the document to preflight, or empty after an alert.
     QStringList pathsAndNameOfActiveDoc();
-    bool checkIfConvertedAndResaveIfNeededDocWithNameRef(const DocumentReference& document, const QString& path);
+    bool checkIfConvertedAndResaveIfNeededDocWithNameRef(const host::DocumentReference& document, const QString& path);
     bool createAndParseIDMLForInDesignFilePath(const QString& path);
     void parseDocInfoInIDML();
     void processFonts();
@@ -123,13 +126,13 @@ public:
     const QString& numberOfLinksInDoc() const { return m_numberOfLinksInDoc; }
     const QString& InDesignVersionNumber() const { return m_InDesignVersionNumber; }
     const QString& idmlFolderPath() const { return m_idmlFolderPath; }
-    const QNDocInfo& currDocInfo() const { return m_currDocInfo; }
+    const inspection::QNDocInfo& currDocInfo() const { return m_currDocInfo; }
     bool isBatchPreflight() const { return m_isBatchPreflight; }
     bool dataFilesWereDeleted() const { return m_dataFilesWereDeleted; }
     const PreflightFolders& folders() const { return m_folders; }
 
     // The batch document-information box switches between the stored results of a batch.
-    void setCurrDocInfo(const QNDocInfo& info) { m_currDocInfo = info; }
+    void setCurrDocInfo(const inspection::QNDocInfo& info) { m_currDocInfo = info; }
     void setCurrDocPath(const QString& path) { m_currDocPath = path; }
     void setCurrDocName(const QString& name) { m_currDocName = name; }
     void setIsBatchPreflight(bool batch) { m_isBatchPreflight = batch; }
@@ -161,7 +164,7 @@ private:
     void showStage(const QString& stage);
     std::shared_ptr<app::Operation> stage(const QString& name, void (QNControlCenter::*step)());
 
-    InDesignHost& m_host;
+    host::InDesignHost& m_host;
     app::AlertSink& m_alerts;
     app::ProgressSink& m_progress;
     PreflightResultsSink& m_results;
@@ -184,7 +187,7 @@ private:
     QString m_InDesignVersionNumber;
     QString m_numberOfLinksInDoc;
     QString m_idmlFolderPath;
-    QNDocInfo m_currDocInfo;
+    inspection::QNDocInfo m_currDocInfo;
     QString m_registrationInTextFlag;
     // The link analysis' records, written to their data file while the fonts and colours are
     // inspected, and handed to the results sink.

@@ -1,8 +1,10 @@
 #include "preflight/DocumentWarnings.h"
 
-#include "preflight/InDesignHost.h"
+#include "host/InDesignHost.h"
 
 #include <QSet>
+
+using namespace quillon::host;
 
 namespace quillon::preflight {
 
@@ -14,7 +16,7 @@ app::Error repairedArchiveWarning()
 
 std::optional<app::Error> noPagesWarning(const QStringList& record)
 {
-    if (record.value(kRecordPageCount).trimmed() != QLatin1String("0"))
+    if (record.value(inspection::kRecordPageCount).trimmed() != QLatin1String("0"))
         return std::nullopt;
     return app::makeError(QStringLiteral("the document has no pages"));
 }

@@ -6,11 +6,14 @@
 #include "app/Log.h"
 #include "app/Numbers.h"
 #include "app/Strings.h"
-#include "preflight/IdmlPackage.h"
-#include "preflight/InDesignHost.h"
+#include "idml/IdmlPackage.h"
+#include "host/InDesignHost.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+using namespace quillon::idml;
+using namespace quillon::host;
 
 namespace quillon::preflight {
 
@@ -20,12 +23,12 @@ constexpr qsizetype kMaxFolderNameLength = 243;
 
 } // namespace
 
-QNIDMLCreator::QNIDMLCreator(InDesignHost& host, app::AlertSink& alerts, QObject* alertReceiver)
+QNIDMLCreator::QNIDMLCreator(host::InDesignHost& host, app::AlertSink& alerts, QObject* alertReceiver)
     : m_host(host), m_alerts(alerts), m_alertReceiver(alertReceiver), m_zipTool(defaultZipTool())
 {
 }
 
-QString QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(const QString& path, InDesignHost& host,
+QString QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(const QString& path, host::InDesignHost& host,
                                                               app::AlertSink& alerts, QObject* alertReceiver)
 {
     QNIDMLCreator creator(host, alerts, alertReceiver);

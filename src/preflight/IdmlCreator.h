@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
-#include "preflight/IdmlArchive.h"
+#include "idml/IdmlArchive.h"
 
 #include <QString>
 
@@ -12,9 +12,11 @@ class AlertSink;
 class CancelFlag;
 } // namespace quillon::app
 
-namespace quillon::preflight {
-
+namespace quillon::host {
 class InDesignHost;
+} // namespace quillon::host
+
+namespace quillon::preflight {
 
 // Alert titles of the preflight export and unpacking.
 inline const QString kDialogOpenAlertTitle = QStringLiteral("Error: A dialog is open in InDesign");
@@ -27,10 +29,10 @@ inline const QString kCannotRepairAlertTitle = QStringLiteral("Cannot initiate p
 class QNIDMLCreator {
 public:
     // `alertReceiver` gets the export alert's answer in its "lastAlertButtonReturn" property.
-    QNIDMLCreator(InDesignHost& host, app::AlertSink& alerts, QObject* alertReceiver = nullptr);
+    QNIDMLCreator(host::InDesignHost& host, app::AlertSink& alerts, QObject* alertReceiver = nullptr);
 
     // The unpacked folder of the document's IDML, or "" after an alert.
-    static QString createIDMLFolderFromInDesignFileAtPath(const QString& path, InDesignHost& host,
+    static QString createIDMLFolderFromInDesignFileAtPath(const QString& path, host::InDesignHost& host,
                                                           app::AlertSink& alerts, QObject* alertReceiver = nullptr);
 
     // Exports and unpacks the document at `path` (its POSIX path); "" on failure.
@@ -55,20 +57,20 @@ public:
     void setZipTool(const QString& zipTool) { m_zipTool = zipTool; }
     // The folder the IDML is exported and unpacked into; empty: the system's work folder.
     void setWorkFolder(const QString& folder) { m_workFolder = folder; }
-    void setUnpackLimits(const UnpackLimits& limits) { m_limits = limits; }
+    void setUnpackLimits(const idml::UnpackLimits& limits) { m_limits = limits; }
     // Stops a repair of the archive when set.
     void setCancelFlag(const app::CancelFlag* cancel) { m_cancel = cancel; }
 
 private:
     QString fail(const QString& title, const app::Error& error);
 
-    InDesignHost& m_host;
+    host::InDesignHost& m_host;
     app::AlertSink& m_alerts;
     QObject* m_alertReceiver;
     QString m_documentPath;
     QString m_zipTool;
     QString m_workFolder;
-    UnpackLimits m_limits;
+    idml::UnpackLimits m_limits;
     const app::CancelFlag* m_cancel = nullptr;
     app::Error m_lastError;
     bool m_repaired = false;

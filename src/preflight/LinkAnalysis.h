@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
-#include "preflight/DocInfo.h"
+#include "inspection/DocInfo.h"
 
 #include <QString>
 #include <QStringList>
@@ -33,7 +33,7 @@ struct LinkAnalysisOutcome {
     // The analysis' truth value: links were found (see QNIDMLLinksProcessor for its quirk).
     bool foundLinks = false;
     // The document's page sizes in the order met.
-    DocPageSizes pageSizes;
+    inspection::DocPageSizes pageSizes;
     // What "qnf_tmpLinkData.plist" is to hold (the caller writes it); empty when the analysis was
     // cancelled.
     QVariantMap linkData;

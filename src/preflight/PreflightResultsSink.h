@@ -5,9 +5,13 @@
 #include <QString>
 #include <QVariantMap>
 
+namespace quillon::inspection {
+class QNDocInfo;
+} // namespace quillon::inspection
+
 namespace quillon::preflight {
 
-class QNDocInfo;
+using inspection::QNDocInfo;
 
 // Whoever shows the results of a preflight: the desktop's result lists, the command line's
 // printer, a test. The driver sits below the result lists and the reports, so it reaches them

@@ -4,13 +4,15 @@
 #include "app/Log.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
-#include "preflight/ColorRecordKeys.h"
+#include "inspection/ColorRecordKeys.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <array>
 #include <optional>
+
+using namespace quillon::inspection;
 
 namespace quillon::preflight {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
-#include "preflight/ColorInspection.h"
+#include "inspection/ColorInspection.h"
 
 #include <QString>
 #include <QVariantList>
@@ -18,7 +18,7 @@ namespace quillon::preflight {
 // cannot be read is replaced.
 app::Status writeFontDataFile(const QString& dataFolder, const QString& documentPath, const QVariantList& fonts);
 app::Status writeColorDataFile(const QString& dataFolder, const QString& documentPath,
-                               const ColorInspection& inspection);
+                               const inspection::ColorInspection& inspection);
 
 // Stored data in the application-support folder: "font_data.plist", "color_data.plist" and
 // "link_data.plist", each one array. Entry points for the inspections; nothing else calls them.

@@ -65,7 +65,7 @@ void PreflightResults::setItems(const QString& dataFolder, QVariantMap linkData)
     m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);
 }
 
-void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
+void PreflightResults::populateSummaryAndDocInfo(inspection::QNDocInfo& docInfo)
 {
     const results::SummaryDocumentInfo document{
         docInfo.docName(),         docInfo.docPath(),          docInfo.creationDateStr(), docInfo.modDateStr(),
@@ -76,14 +76,14 @@ void PreflightResults::populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo)
 }
 
 QString PreflightResults::textReport(TextReportType type, const QString& paraStylesReport,
-                                     const preflight::QNDocInfo& docInfo) const
+                                     const inspection::QNDocInfo& docInfo) const
 {
     return QNTextReport(type).reportText(m_fonts.items(), m_colors.items(), m_links.items(), paraStylesReport,
                                          reportDocumentInfo(docInfo), m_clock());
 }
 
 app::Result<QString> PreflightResults::createTextReport(const QString& targetFolder, const QString& paraStylesReport,
-                                                        const preflight::QNDocInfo& docInfo)
+                                                        const inspection::QNDocInfo& docInfo)
 {
     if (targetFolder.isEmpty())
         return app::makeError(QStringLiteral("No folder was given for the text report."));
@@ -109,7 +109,7 @@ void PreflightResults::presetsPopup(const QString& title)
         m_fonts.reapplyPreset(preset);
 }
 
-ReportDocumentInfo reportDocumentInfo(const preflight::QNDocInfo& docInfo)
+ReportDocumentInfo reportDocumentInfo(const inspection::QNDocInfo& docInfo)
 {
     return {docInfo.docName(), docInfo.docPath(), docInfo.creationDateStr(), docInfo.modDateStr()};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "preflight/DocInfo.h"
+#include "inspection/DocInfo.h"
 #include "preflight/PreflightResultsSink.h"
 #include "reports/TextReport.h"
 #include "results/ColorResults.h"
@@ -49,13 +49,13 @@ public:
     void clearAllResults() override;
     QString registrationInTextFlag() override;
     void setItems(const QString& dataFolder, QVariantMap linkData = {}) override;
-    void populateSummaryAndDocInfo(preflight::QNDocInfo& docInfo) override;
+    void populateSummaryAndDocInfo(inspection::QNDocInfo& docInfo) override;
     app::Result<QString> createTextReport(const QString& targetFolder, const QString& paraStylesReport,
-                                          const preflight::QNDocInfo& docInfo) override;
+                                          const inspection::QNDocInfo& docInfo) override;
     void presetsPopup(const QString& title) override;
 
     // The whole text of the report in a layout, as a report file holds it.
-    QString textReport(TextReportType type, const QString& paraStylesReport, const preflight::QNDocInfo& docInfo) const;
+    QString textReport(TextReportType type, const QString& paraStylesReport, const inspection::QNDocInfo& docInfo) const;
 
     const QVariantList& linkItems() const { return m_links.items(); }
     const QVariantList& fontItems() const { return m_fonts.items(); }
@@ -81,6 +81,6 @@ private:
 };
 
 // What the report header shows of a document.
-ReportDocumentInfo reportDocumentInfo(const preflight::QNDocInfo& docInfo);
+ReportDocumentInfo reportDocumentInfo(const inspection::QNDocInfo& docInfo);
 
 } // namespace quillon::reports

@@ -5,8 +5,8 @@
 #include "app/Log.h"
 #include "app/RecordKeys.h"
 #include "links/LinkRecordKeys.h"
-#include "preflight/ColorRecordKeys.h"
-#include "preflight/FontRecordKeys.h"
+#include "inspection/ColorRecordKeys.h"
+#include "inspection/FontRecordKeys.h"
 
 #include "app/FilePaths.h"
 
@@ -14,6 +14,8 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QSaveFile>
+
+using namespace quillon::inspection;
 
 namespace quillon::reports {
 
@@ -53,14 +55,14 @@ QString plainValue(const QString&, const QVariant& value)
 
 QString fontValue(const QString& key, const QVariant& value)
 {
-    if (key == preflight::kFontStatusKey)
+    if (key == inspection::kFontStatusKey)
         return QNTextReport::fontStatusForString(value.toString());
     return plainValue(key, value);
 }
 
 QString colorValue(const QString& key, const QVariant& value)
 {
-    if (key == preflight::kColorModelKey)
+    if (key == inspection::kColorModelKey)
         return QNTextReport::spotStatusForString(value.toString());
     return plainValue(key, value);
 }
@@ -102,24 +104,24 @@ QString QNTextReport::reportFileName(const QString& docName)
 
 QString QNTextReport::fontStatusForString(const QString& status)
 {
-    if (status == preflight::kFontStatusInstalled)
+    if (status == inspection::kFontStatusInstalled)
         return QStringLiteral("OK");
-    if (status == preflight::kFontStatusMissing)
+    if (status == inspection::kFontStatusMissing)
         return QStringLiteral("Missing");
-    if (status == preflight::kFontStatusFauxed)
+    if (status == inspection::kFontStatusFauxed)
         return QStringLiteral("Fauxed");
-    if (status == preflight::kFontStatusUnknown)
+    if (status == inspection::kFontStatusUnknown)
         return QStringLiteral("Unknown");
     return QStringLiteral("?");
 }
 
 QString QNTextReport::spotStatusForString(const QString& model)
 {
-    if (model == preflight::kColorModelProcess)
+    if (model == inspection::kColorModelProcess)
         return QStringLiteral("Process");
-    if (model == preflight::kColorModelSpot)
+    if (model == inspection::kColorModelSpot)
         return QStringLiteral("Spot");
-    if (model == preflight::kColorModelMixedInk)
+    if (model == inspection::kColorModelMixedInk)
         return QStringLiteral("Mixed Ink");
     return QStringLiteral("?");
 }
@@ -176,7 +178,7 @@ QString QNTextReport::section(const QString& title, const QString& emptyMarker, 
 
 QString QNTextReport::fontsReportFromItems(const QVariantList& items) const
 {
-    using namespace preflight;
+    using namespace inspection;
     static const QList<Column> columns{
         {kFontNameKey, QStringLiteral("Name"), QStringLiteral("Name")},
         {kFontTypeKey, QStringLiteral("Type"), QStringLiteral("Type")},
@@ -189,7 +191,7 @@ QString QNTextReport::fontsReportFromItems(const QVariantList& items) const
 
 QString QNTextReport::colorsReportFromItems(const QVariantList& items) const
 {
-    using namespace preflight;
+    using namespace inspection;
     // The label "Process" differs from its header "Process/Spot" on purpose.
     static const QList<Column> columns{
         {kColorNameKey, QStringLiteral("Name"), QStringLiteral("Name")},

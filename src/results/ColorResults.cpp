@@ -5,15 +5,16 @@
 #include "app/RecordKeys.h"
 #include "app/Records.h"
 #include "app/Settings.h"
-#include "preflight/ColorRecordKeys.h"
+#include "inspection/ColorRecordKeys.h"
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 
 #include <QSet>
 
+using namespace quillon::inspection;
+
 namespace quillon::results {
 
-namespace pf = quillon::preflight;
 
 void QNColorsOutlineController::startup()
 {
@@ -65,14 +66,14 @@ QVariantList QNColorsOutlineController::judgeColors(const QVariantList& records,
         QVariantMap alerts;
         // The model and space texts are looked up among the keys as they stand, so a preset may
         // also flag "mixedinkmodel" or "registration" while one of the boxes is on.
-        const QString model = record.value(pf::kColorModelKey).toString();
+        const QString model = record.value(inspection::kColorModelKey).toString();
         if (modelCheck && isOn(model))
-            alerts.insert(pf::kColorModelKey, QStringLiteral("Color model is %1").arg(model));
-        const QString space = record.value(pf::kColorSpaceKey).toString();
+            alerts.insert(inspection::kColorModelKey, QStringLiteral("Color model is %1").arg(model));
+        const QString space = record.value(inspection::kColorSpaceKey).toString();
         if (spaceCheck && isOn(space))
-            alerts.insert(pf::kColorSpaceKey, QStringLiteral("Color space is %1").arg(space));
-        if (unusedCheck && record.value(pf::kColorUsedKey).toString() == pf::kColorUnused)
-            alerts.insert(pf::kColorUsedKey, QStringLiteral("Unused color"));
+            alerts.insert(inspection::kColorSpaceKey, QStringLiteral("Color space is %1").arg(space));
+        if (unusedCheck && record.value(inspection::kColorUsedKey).toString() == inspection::kColorUnused)
+            alerts.insert(inspection::kColorUsedKey, QStringLiteral("Unused color"));
         record.insert(kAlertsKey, alerts);
         setAlertDecoration(record, kImageBlank); // the alert column draws its own icon
         judged.append(record);
@@ -85,8 +86,8 @@ QVariantList QNColorsOutlineController::prepareColorsArr(const QVariantList& rec
     QVariantList prepared = records;
     prepareColorValuesAndInsertAlertsDict(prepared);
     processNonePaperRegistration(prepared);
-    assignUnusedStatusUsingUnusedNames(prepared, documentDict.value(pf::kColorDocUnusedNamesKey).toStringList());
-    setRegistrationIssueCount(prepared, documentDict.value(pf::kColorDocRegistrationInTextCountKey).toLongLong(),
+    assignUnusedStatusUsingUnusedNames(prepared, documentDict.value(inspection::kColorDocUnusedNamesKey).toStringList());
+    setRegistrationIssueCount(prepared, documentDict.value(inspection::kColorDocRegistrationInTextCountKey).toLongLong(),
                               QStringLiteral("[Registration] applied to text"));
     return prepared;
 }
@@ -95,10 +96,10 @@ void QNColorsOutlineController::prepareColorValuesAndInsertAlertsDict(QVariantLi
 {
     for (QVariant& item : records) {
         QVariantMap record = item.toMap();
-        const QVariantList values = record.value(pf::kColorValuesListKey).toList();
-        record.insert(pf::kColorValueKey, stringFromColorValues(values));
-        record.insert(pf::kColorValuesListKey,
-                      normalizedValuesFromColorValues(values, record.value(pf::kColorSpaceKey).toString()));
+        const QVariantList values = record.value(inspection::kColorValuesListKey).toList();
+        record.insert(inspection::kColorValueKey, stringFromColorValues(values));
+        record.insert(inspection::kColorValuesListKey,
+                      normalizedValuesFromColorValues(values, record.value(inspection::kColorSpaceKey).toString()));
         record.insert(kAlertsKey, QVariantMap());
         item = record;
     }
@@ -106,17 +107,17 @@ void QNColorsOutlineController::prepareColorValuesAndInsertAlertsDict(QVariantLi
 
 void QNColorsOutlineController::processNonePaperRegistration(QVariantList& records)
 {
-    app::removeObjectForName(records, pf::kColorSwatchNone);
+    app::removeObjectForName(records, inspection::kColorSwatchNone);
     for (QVariant& item : records) {
         QVariantMap record = item.toMap();
-        const QString name = record.value(pf::kColorNameKey).toString();
-        if (name == pf::kColorSwatchPaper) {
-            record.insert(pf::kColorModelKey, QString());
-            record.insert(pf::kColorSpaceKey, QString());
-        } else if (name == pf::kColorSwatchRegistration) {
+        const QString name = record.value(inspection::kColorNameKey).toString();
+        if (name == inspection::kColorSwatchPaper) {
+            record.insert(inspection::kColorModelKey, QString());
+            record.insert(inspection::kColorSpaceKey, QString());
+        } else if (name == inspection::kColorSwatchRegistration) {
             // Its values stay normalised under the space it came with; its sample is drawn as CMYK.
-            record.insert(pf::kColorSpaceKey, pf::kColorSpaceRegistration);
-            record.insert(pf::kColorValueKey, QString());
+            record.insert(inspection::kColorSpaceKey, inspection::kColorSpaceRegistration);
+            record.insert(inspection::kColorValueKey, QString());
         } else {
             continue;
         }
@@ -137,11 +138,11 @@ QVariantList QNColorsOutlineController::normalizedValuesFromColorValues(const QV
                                                                         const QString& colorSpace)
 {
     QVariantList normalized;
-    if (colorSpace == pf::kColorSpaceCMYK || colorSpace == pf::kColorSpaceRGB) {
-        const double scale = colorSpace == pf::kColorSpaceCMYK ? 100.0 : 255.0;
+    if (colorSpace == inspection::kColorSpaceCMYK || colorSpace == inspection::kColorSpaceRGB) {
+        const double scale = colorSpace == inspection::kColorSpaceCMYK ? 100.0 : 255.0;
         for (const QVariant& v : values)
             normalized.append(v.toDouble() / scale);
-    } else if (colorSpace == pf::kColorSpaceHSB) {
+    } else if (colorSpace == inspection::kColorSpaceHSB) {
         for (qsizetype i = 0; i < values.size(); ++i)
             normalized.append(values.at(i).toDouble() / (i == 0 ? 359.0 : 100.0));
     }
@@ -150,24 +151,24 @@ QVariantList QNColorsOutlineController::normalizedValuesFromColorValues(const QV
 
 QString QNColorsOutlineController::imageForSpotValue(const QString& model)
 {
-    if (model == pf::kColorModelProcess)
+    if (model == inspection::kColorModelProcess)
         return QStringLiteral("color-process");
-    if (model == pf::kColorModelSpot)
+    if (model == inspection::kColorModelSpot)
         return QStringLiteral("color-spot");
-    if (model == pf::kColorModelMixedInk)
+    if (model == inspection::kColorModelMixedInk)
         return QStringLiteral("color-mixed-ink");
     return kImageBlank;
 }
 
 QString QNColorsOutlineController::imageForColorSpace(const QString& space)
 {
-    if (space == pf::kColorSpaceCMYK)
+    if (space == inspection::kColorSpaceCMYK)
         return QStringLiteral("color-cmyk");
-    if (space == pf::kColorSpaceRGB || space == pf::kColorSpaceHSB)
+    if (space == inspection::kColorSpaceRGB || space == inspection::kColorSpaceHSB)
         return QStringLiteral("color-rgb");
-    if (space == pf::kColorSpaceLAB)
+    if (space == inspection::kColorSpaceLAB)
         return QStringLiteral("color-lab");
-    if (space == pf::kColorSpaceRegistration)
+    if (space == inspection::kColorSpaceRegistration)
         return QStringLiteral("color-registration");
     return kImageBlank;
 }
@@ -182,13 +183,13 @@ QNColorsOutlineController::SwatchSample QNColorsOutlineController::swatchSample(
         return components;
     };
     using Kind = SwatchSample::Kind;
-    if (space == pf::kColorSpaceCMYK || space == pf::kColorSpaceRegistration)
+    if (space == inspection::kColorSpaceCMYK || space == inspection::kColorSpaceRegistration)
         return {Kind::DeviceCMYK, firstValues(4)};
-    if (space == pf::kColorSpaceRGB)
+    if (space == inspection::kColorSpaceRGB)
         return {Kind::DeviceRGB, firstValues(3)};
-    if (space == pf::kColorSpaceHSB)
+    if (space == inspection::kColorSpaceHSB)
         return {Kind::HSB, firstValues(3)};
-    if (space == pf::kColorSpaceLAB)
+    if (space == inspection::kColorSpaceLAB)
         return {Kind::White, {}};
     return {Kind::Hidden, {}};
 }
@@ -201,9 +202,9 @@ void assignUnusedStatusUsingUnusedNames(QVariantList& records, const QStringList
     const QSet<QString> unused(names.cbegin(), names.cend());
     for (QVariant& item : records) {
         QVariantMap record = item.toMap();
-        const QString name = record.value(pf::kColorNameKey).toString();
+        const QString name = record.value(inspection::kColorNameKey).toString();
         if (!name.isEmpty() && unused.contains(name)) {
-            record.insert(pf::kColorUsedKey, pf::kColorUnused);
+            record.insert(inspection::kColorUsedKey, inspection::kColorUnused);
             item = record;
         }
     }
@@ -215,10 +216,10 @@ void setRegistrationIssueCount(QVariantList& records, qint64 count, const QStrin
         return;
     for (QVariant& item : records) {
         QVariantMap record = item.toMap();
-        if (record.value(pf::kColorNameKey).toString() != pf::kColorSwatchRegistration)
+        if (record.value(inspection::kColorNameKey).toString() != inspection::kColorSwatchRegistration)
             continue;
         QVariantMap alerts = record.value(kAlertsKey).toMap();
-        alerts.insert(pf::kColorModelKey, QStringLiteral("%1: %2 cases").arg(rule).arg(count));
+        alerts.insert(inspection::kColorModelKey, QStringLiteral("%1: %2 cases").arg(rule).arg(count));
         record.insert(kAlertsKey, alerts);
         item = record;
         return;

@@ -2,7 +2,7 @@
 
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
-#include "preflight/FontRecordKeys.h"
+#include "inspection/FontRecordKeys.h"
 #include "results/FontRuleTable.h"
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
@@ -10,9 +10,10 @@
 
 #include <array>
 
+using namespace quillon::inspection;
+
 namespace quillon::results {
 
-namespace pf = quillon::preflight;
 
 void QNFontsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
@@ -53,10 +54,10 @@ QVariantList QNFontsOutlineController::applyCurrPresetToArray(QVariantList recor
     judged.reserve(records.size());
     for (QVariant& input : records) {
         QVariantMap record = takeMap(input);
-        const QString status = record.value(pf::kFontStatusKey).toString();
-        record.insert(kTypeIconKey, iconForFontType(record.value(pf::kFontTypeKey).toString()));
-        if (status != pf::kFontStatusInstalled)
-            record.insert(pf::kFontNameKey, cleanMissingFontName(record.value(pf::kFontNameKey).toString()));
+        const QString status = record.value(inspection::kFontStatusKey).toString();
+        record.insert(kTypeIconKey, iconForFontType(record.value(inspection::kFontTypeKey).toString()));
+        if (status != inspection::kFontStatusInstalled)
+            record.insert(inspection::kFontNameKey, cleanMissingFontName(record.value(inspection::kFontNameKey).toString()));
         record.insert(kStatusIconKey, iconForFontStatus(status));
 
         QVariantMap alerts;
@@ -64,14 +65,14 @@ QVariantList QNFontsOutlineController::applyCurrPresetToArray(QVariantList recor
             if (entry.rules.isEmpty())
                 continue;
             const QString& key = entry.attribute->recordKey;
-            if (key == pf::kFontPsFontKey && record.value(key).toString().isEmpty())
+            if (key == inspection::kFontPsFontKey && record.value(key).toString().isEmpty())
                 continue;
             const QStringList texts = alertsForItem(record, key, entry.attribute->displayName, entry.rules);
             if (!texts.isEmpty())
                 alerts.insert(key, texts);
         }
-        if (checkEmbedding && !app::variantToBool(record.value(pf::kFontEmbedKey)))
-            alerts.insert(pf::kFontEmbedKey, QStringLiteral("PDF embedding not allowed"));
+        if (checkEmbedding && !app::variantToBool(record.value(inspection::kFontEmbedKey)))
+            alerts.insert(inspection::kFontEmbedKey, QStringLiteral("PDF embedding not allowed"));
         record.insert(kAlertsKey, alerts);
         setAlertDecoration(record, kImageWarning);
         judged.append(record);
@@ -133,26 +134,26 @@ QStringList QNFontsOutlineController::alertsForItem(const QVariantMap& item, con
 
 QString QNFontsOutlineController::iconForFontType(const QString& type)
 {
-    if (type.contains(pf::kFontTypeOpenTypeMarker))
+    if (type.contains(inspection::kFontTypeOpenTypeMarker))
         return QStringLiteral("fontOpenType");
-    if (type == pf::kFontTypeType1)
+    if (type == inspection::kFontTypeType1)
         return QStringLiteral("fontPS");
-    if (type == pf::kFontTypeTrueType)
+    if (type == inspection::kFontTypeTrueType)
         return QStringLiteral("fontTT");
-    if (type == pf::kFontTypeBitmap)
+    if (type == inspection::kFontTypeBitmap)
         return QStringLiteral("fontFauxed");
     return kImageBlank;
 }
 
 QString QNFontsOutlineController::iconForFontStatus(const QString& status)
 {
-    if (status == pf::kFontStatusInstalled)
+    if (status == inspection::kFontStatusInstalled)
         return QStringLiteral("OK");
-    if (status == pf::kFontStatusMissing || status == pf::kFontStatusUnknown)
+    if (status == inspection::kFontStatusMissing || status == inspection::kFontStatusUnknown)
         return QStringLiteral("Missing");
-    if (status == pf::kFontStatusFauxed)
+    if (status == inspection::kFontStatusFauxed)
         return QStringLiteral("fontFauxed");
-    if (status == pf::kFontStatusSubstituted)
+    if (status == inspection::kFontStatusSubstituted)
         return QStringLiteral("fontSubstituted");
     return {};
 }
@@ -161,8 +162,8 @@ namespace {
 
 bool hasFontPath(const QVariantMap& record)
 {
-    const QString path = record.value(pf::kFontPathKey).toString();
-    return !path.isEmpty() && path != pf::kFontNoPath;
+    const QString path = record.value(inspection::kFontPathKey).toString();
+    return !path.isEmpty() && path != inspection::kFontNoPath;
 }
 
 } // namespace
@@ -175,7 +176,7 @@ QVariantList QNFontsOutlineController::itemsForAction(const OutlineSelection& se
 QNFontsOutlineController::RevealMenuItem QNFontsOutlineController::revealMenuItem(const QVariantList& rowsToActOn)
 {
     const QStringList paths = pathsToReveal(rowsToActOn);
-    if (!paths.isEmpty() && paths.first().contains(pf::kFontAdobeFontsMarker))
+    if (!paths.isEmpty() && paths.first().contains(inspection::kFontAdobeFontsMarker))
         return {QStringLiteral("Activated from Adobe Fonts"), false};
     return {QStringLiteral("Reveal in Finder..."), !paths.isEmpty()};
 }
@@ -184,7 +185,7 @@ QStringList QNFontsOutlineController::pathsToReveal(const QVariantList& rowsToAc
 {
     QStringList paths;
     for (const QVariant& row : rowsToActOn) {
-        const QString path = row.toMap().value(pf::kFontPathKey).toString();
+        const QString path = row.toMap().value(inspection::kFontPathKey).toString();
         if (!path.isEmpty())
             paths.append(path);
     }

@@ -1,24 +1,25 @@
 #include "results/FontRuleTable.h"
 
-#include "preflight/FontRecordKeys.h"
+#include "inspection/FontRecordKeys.h"
 #include "results/PresetKeys.h"
+
+using namespace quillon::inspection;
 
 namespace quillon::results {
 
-namespace pf = quillon::preflight;
 
 const QList<FontAttribute>& fontAttributes()
 {
     static const QList<FontAttribute> attributes{
-        {FontAttributeId::Name, QStringLiteral("Name"), pf::kFontNameKey, FontRuleValueEntry::TextField,
+        {FontAttributeId::Name, QStringLiteral("Name"), inspection::kFontNameKey, FontRuleValueEntry::TextField,
          kConditionContains, QString()},
-        {FontAttributeId::PostScriptName, QStringLiteral("PostScript Name"), pf::kFontPsFontKey,
+        {FontAttributeId::PostScriptName, QStringLiteral("PostScript Name"), inspection::kFontPsFontKey,
          FontRuleValueEntry::TextField, kConditionContains, QString()},
-        {FontAttributeId::Location, QStringLiteral("Location"), pf::kFontPathKey, FontRuleValueEntry::TextField,
+        {FontAttributeId::Location, QStringLiteral("Location"), inspection::kFontPathKey, FontRuleValueEntry::TextField,
          kConditionContains, QString()},
-        {FontAttributeId::Type, QStringLiteral("Type"), pf::kFontTypeKey, FontRuleValueEntry::TypeMenu, kConditionIs,
+        {FontAttributeId::Type, QStringLiteral("Type"), inspection::kFontTypeKey, FontRuleValueEntry::TypeMenu, kConditionIs,
          QStringLiteral("TrueType")},
-        {FontAttributeId::Status, QStringLiteral("Status"), pf::kFontStatusKey, FontRuleValueEntry::StatusMenu,
+        {FontAttributeId::Status, QStringLiteral("Status"), inspection::kFontStatusKey, FontRuleValueEntry::StatusMenu,
          kConditionIs, QStringLiteral("Missing")},
     };
     return attributes;
@@ -42,7 +43,7 @@ const FontAttribute* fontAttributeNamed(const QString& displayName)
 
 void QNFontRulesTableController::plusBtn()
 {
-    appendRule(QStringLiteral("Name"), pf::kFontNameKey, kConditionContains);
+    appendRule(QStringLiteral("Name"), inspection::kFontNameKey, kConditionContains);
 }
 
 void QNFontRulesTableController::attributePopup(qsizetype row, const QString& title)

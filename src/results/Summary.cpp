@@ -1,18 +1,19 @@
 #include "results/Summary.h"
 
 #include "links/LinkRecordKeys.h"
-#include "preflight/ColorRecordKeys.h"
-#include "preflight/FontRecordKeys.h"
+#include "inspection/ColorRecordKeys.h"
+#include "inspection/FontRecordKeys.h"
 #include "results/ResultKeys.h"
 
 #include <QSet>
 
 #include <cstdint>
 
+using namespace quillon::inspection;
+
 namespace quillon::results {
 
 namespace lk = quillon::links;
-namespace pf = quillon::preflight;
 
 namespace {
 
@@ -139,10 +140,10 @@ void QNSummaryOutlineController::loadFontsSummary(const QVariantList& fonts)
 {
     setValue(kFontsSection, kTotal, count(fonts.size()));
     setValue(kFontsSection, QStringLiteral("Missing"),
-             count(numberOfDictsWhoseValueForKey(pf::kFontStatusKey, QStringLiteral("miss"), fonts)));
+             count(numberOfDictsWhoseValueForKey(inspection::kFontStatusKey, QStringLiteral("miss"), fonts)));
     // "Type 1" is tested case-sensitively, so the record type "type 1" does not count here. Kept so.
     const auto types = countDictsWhoseValueForKey(
-        pf::kFontTypeKey, {QStringLiteral("Type 1"), QStringLiteral("True"), QStringLiteral("Open")}, fonts);
+        inspection::kFontTypeKey, {QStringLiteral("Type 1"), QStringLiteral("True"), QStringLiteral("Open")}, fonts);
     setValue(kFontsSection, QStringLiteral("Type 1"), count(types.value(QStringLiteral("Type 1"))));
     setValue(kFontsSection, QStringLiteral("TrueType"), count(types.value(QStringLiteral("True"))));
     setValue(kFontsSection, QStringLiteral("OpenType"), count(types.value(QStringLiteral("Open"))));
@@ -152,11 +153,11 @@ void QNSummaryOutlineController::loadColorsSummary(const QVariantList& colors)
 {
     setValue(kColorsSection, kTotal, count(colors.size()));
     const auto models =
-        countDictsWhoseValueForKey(pf::kColorModelKey, {QStringLiteral("process"), QStringLiteral("spot")}, colors);
+        countDictsWhoseValueForKey(inspection::kColorModelKey, {QStringLiteral("process"), QStringLiteral("spot")}, colors);
     setValue(kColorsSection, QStringLiteral("Process"), count(models.value(QStringLiteral("process"))));
     setValue(kColorsSection, QStringLiteral("Spot"), count(models.value(QStringLiteral("spot"))));
     const auto spaces =
-        countDictsWhoseValueForKey(pf::kColorSpaceKey, {QStringLiteral("CM"), QStringLiteral("RG")}, colors);
+        countDictsWhoseValueForKey(inspection::kColorSpaceKey, {QStringLiteral("CM"), QStringLiteral("RG")}, colors);
     setValue(kColorsSection, QStringLiteral("CMYK"), count(spaces.value(QStringLiteral("CM"))));
     setValue(kColorsSection, QStringLiteral("RGB"), count(spaces.value(QStringLiteral("RG"))));
 }

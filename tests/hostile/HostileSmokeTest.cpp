@@ -9,7 +9,7 @@
 #include "app/XmlFile.h"
 #include "fileinspect/FileFacts.h"
 #include "preflight/IdmlCreator.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "host/OfflineIdmlHost.h"
 #include "results/Presets.h"
 
 #include <QDir>
@@ -22,6 +22,8 @@
 #include <unistd.h>
 
 using namespace quillon;
+using namespace quillon::host;
+using namespace quillon::preflight;
 
 namespace {
 
@@ -88,10 +90,10 @@ TEST(HostileInput, ArchivesOpenOrFailNamingTheDocument)
     for (qsizetype i = 0; i < cases.size(); ++i) {
         const hostile::Case& c = cases[i];
         const QString path = writeRaw(folder.path(), QByteArray::number(i) + c.name, c.bytes);
-        preflight::OfflineIdmlHost host;
+        host::OfflineIdmlHost host;
         host.setWorkFolder(work.path());
         ASSERT_TRUE(host.openDocument(path, true).ok()) << c.what.toStdString();
-        expectValueOrNamedError(host.pathsAndNameOfDocument(preflight::DocumentReference::active()), path, c.what);
+        expectValueOrNamedError(host.pathsAndNameOfDocument(host::DocumentReference::active()), path, c.what);
         app::ScriptedAlertSink alerts;
         preflight::QNIDMLCreator creator(host, alerts);
         creator.setWorkFolder(work.path());

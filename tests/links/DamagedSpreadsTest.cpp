@@ -1,5 +1,5 @@
 #include "FakeLinkedFileReader.h"
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include "links/DefaultApplication.h"
 #include "links/QNIDMLLinksProcessor.h"

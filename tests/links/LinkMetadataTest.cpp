@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include <QTimeZone>
 
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "FakeLinkedFileReader.h"
 #include "IdmlFragments.h"
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include "app/Progress.h"
 #include "app/PropertyList.h"

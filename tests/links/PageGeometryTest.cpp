@@ -1,6 +1,6 @@
 #include "links/PageGeometry.h"
 
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

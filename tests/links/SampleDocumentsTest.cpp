@@ -1,11 +1,11 @@
 #include "FakeLinkedFileReader.h"
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "links/DefaultApplication.h"
 #include "links/LinkRecordKeys.h"
-#include "links/PackageParts.h"
+#include "idml/PackageParts.h"
 #include "links/QNIDMLLinksProcessor.h"
 
 #include "support/TestSupport.h"
@@ -19,6 +19,7 @@
 
 using namespace quillon;
 using namespace quillon::links;
+using namespace quillon::idml;
 
 namespace {
 

@@ -1,18 +1,18 @@
-#include "IdmlFixtures.h"
-#include "QtPrinters.h"
+#include "support/IdmlFixtures.h"
+#include "support/QtPrinters.h"
 
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
-#include "preflight/AppleScriptHost.h"
+#include "host/AppleScriptHost.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/ControlCenter.h"
 #include "preflight/DocumentWarnings.h"
-#include "preflight/OfflineIdmlHost.h"
+#include "host/OfflineIdmlHost.h"
 #include "preflight/PreflightResultsSink.h"
-#include "preflight/RecordingScriptRunner.h"
+#include "support/RecordingScriptRunner.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -28,6 +28,7 @@
 
 using namespace quillon;
 using namespace quillon::preflight;
+using namespace quillon::host;
 
 namespace {
 
@@ -102,24 +103,24 @@ public:
     {
         app::Result<QStringList> record = OfflineIdmlHost::pathsAndNameOfDocument(document);
         if (record && linkCount)
-            (*record)[kRecordLinkCount] = *linkCount;
+            (*record)[inspection::kRecordLinkCount] = *linkCount;
         return record;
     }
-    app::Result<Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override
     {
-        inspections << QStringLiteral("fonts ") + record.value(kRecordFileName);
+        inspections << QStringLiteral("fonts ") + record.value(inspection::kRecordFileName);
         idmlFolderOfInspection = idmlFolder;
-        return Inspected<QVariantList>{{}, {kSkippedStory, kSkippedStory}};
+        return inspection::Inspected<QVariantList>{{}, {kSkippedStory, kSkippedStory}};
     }
-    app::Result<Inspected<ColorInspection>> processColors(const QStringList& record, const QString&,
+    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const QString&,
                                                           const QString& registrationInTextFlag) override
     {
-        inspections << QStringLiteral("colors %1 %2").arg(record.value(kRecordFileName), registrationInTextFlag);
+        inspections << QStringLiteral("colors %1 %2").arg(record.value(inspection::kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
-    app::Result<Inspected<QString>> paraReport(const QString& docName) override
+    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) override
     {
-        return Inspected<QString>{QStringLiteral("styles of ") + docName, {}};
+        return inspection::Inspected<QString>{QStringLiteral("styles of ") + docName, {}};
     }
 
     inline static const app::Error kSkippedStory =

@@ -1,11 +1,11 @@
-#include "IdmlFixtures.h"
-#include "QtPrinters.h"
+#include "support/IdmlFixtures.h"
+#include "support/QtPrinters.h"
 
-#include "preflight/AppleScriptHost.h"
+#include "host/AppleScriptHost.h"
 #include "preflight/IdmlCreator.h"
-#include "preflight/OfflineIdmlHost.h"
-#include "preflight/PdfIdmlController.h"
-#include "preflight/RecordingScriptRunner.h"
+#include "host/OfflineIdmlHost.h"
+#include "host/PdfIdmlController.h"
+#include "support/RecordingScriptRunner.h"
 
 #include "app/Alerts.h"
 #include "app/AppPaths.h"
@@ -21,6 +21,7 @@
 
 using namespace quillon;
 using namespace quillon::preflight;
+using namespace quillon::host;
 
 namespace {
 

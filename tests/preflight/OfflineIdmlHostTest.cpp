@@ -1,11 +1,11 @@
-#include "QtPrinters.h"
+#include "support/QtPrinters.h"
 
-#include "IdmlFixtures.h"
+#include "support/IdmlFixtures.h"
 
-#include "preflight/DocInfo.h"
+#include "inspection/DocInfo.h"
 #include "preflight/IdmlCreator.h"
-#include "preflight/OfflineIdmlHost.h"
-#include "preflight/PageSizes.h"
+#include "host/OfflineIdmlHost.h"
+#include "inspection/PageSizes.h"
 
 #include "app/Alerts.h"
 #include "app/AppPaths.h"
@@ -19,6 +19,8 @@
 
 using namespace quillon;
 using namespace quillon::preflight;
+using namespace quillon::inspection;
+using namespace quillon::host;
 
 namespace {
 

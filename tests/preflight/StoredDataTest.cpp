@@ -2,7 +2,7 @@
 
 #include "app/AppPaths.h"
 #include "app/PropertyList.h"
-#include "preflight/ColorRecordKeys.h"
+#include "inspection/ColorRecordKeys.h"
 
 #include "support/TestSupport.h"
 
@@ -14,6 +14,7 @@
 
 using namespace quillon;
 using namespace quillon::preflight;
+using namespace quillon::inspection;
 
 namespace {
 

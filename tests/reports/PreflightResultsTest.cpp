@@ -71,9 +71,9 @@ protected:
 
     QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.ini")); }
 
-    preflight::QNDocInfo docInfo() const
+    inspection::QNDocInfo docInfo() const
     {
-        return preflight::QNDocInfo::docInfoWithRecord({QString(), kDocPath, QStringLiteral("Brochure.idml"),
+        return inspection::QNDocInfo::docInfoWithRecord({QString(), kDocPath, QStringLiteral("Brochure.idml"),
                                                         QStringLiteral("4"), QStringLiteral("0"),
                                                         QStringLiteral("20.0")});
     }
@@ -100,7 +100,7 @@ TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
 
-    preflight::QNDocInfo info = docInfo();
+    inspection::QNDocInfo info = docInfo();
     results.populateSummaryAndDocInfo(info);
     EXPECT_EQ(results.status().text, QStringLiteral("3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"));
     EXPECT_TRUE(info.hasPreflightErrors());
@@ -155,7 +155,7 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
     results.setClock([when] { return when; });
     results.setItems(m_dir.path());
-    const preflight::QNDocInfo info = docInfo();
+    const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
     const QString out = m_dir.filePath(QStringLiteral("out"));

@@ -1,0 +1,86 @@
+#include "host/FontColorInspection.h"
+
+#include "app/Log.h"
+#include "host/ColorScript.h"
+#include "inspection/ColorsFromIdml.h"
+#include "inspection/FontFiles.h"
+#include "host/FontScript.h"
+#include "inspection/FontsFromIdml.h"
+#include "inspection/ParaStylesFromIdml.h"
+#include "host/ParaStylesScript.h"
+
+using namespace quillon::inspection;
+
+namespace quillon::host {
+
+namespace {
+
+app::Result<QString> runScript(const ScriptedDocument& document, const QString& source, const char* what)
+{
+    if (!document.run)
+        return app::makeError(QStringLiteral("no script runner to ask InDesign for the %1").arg(QLatin1String(what)));
+    auto answer = document.run(source);
+    if (!answer) {
+        app::logFailure(QStringLiteral("get the %1 of %2: %3")
+                            .arg(QLatin1String(what), document.documentName, answer.error().text()));
+        return answer.error();
+    }
+    return answer;
+}
+
+} // namespace
+
+app::Result<Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath)
+{
+    app::logEntry("processFonts");
+    FontFileFinder finder(documentPath);
+    return fontRecordsFromIdml(idmlFolder, finder);
+}
+
+app::Result<Inspected<ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
+                                                              const QString& registrationInTextFlag)
+{
+    app::logEntry("processColors");
+    return colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
+}
+
+app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder)
+{
+    app::logEntry("paraReport");
+    auto styles = paraStyleUsesFromIdml(idmlFolder);
+    if (!styles)
+        return styles.error();
+    return Inspected<QString>{paraStylesReportText(styles->found), styles->skipped};
+}
+
+app::Result<QVariantList> processFontsWithScripts(const ScriptedDocument& document)
+{
+    app::logEntry("processFonts");
+    auto answer = runScript(document, fontsScript(document.inDesignName, document.documentName), "fonts");
+    if (!answer)
+        return answer.error();
+    return fontRecordsFromScriptAnswer(*answer);
+}
+
+app::Result<ColorInspection> processColorsWithScripts(const ScriptedDocument& document,
+                                                      const QString& registrationInTextFlag)
+{
+    app::logEntry("processColors");
+    auto answer = runScript(
+        document, colorsScript(document.inDesignName, document.documentName, registrationInTextFlag), "swatches");
+    if (!answer)
+        return answer.error();
+    return colorInspectionFromScriptAnswer(*answer);
+}
+
+app::Result<QString> paraReportWithScripts(const ScriptedDocument& document)
+{
+    app::logEntry("paraReport");
+    auto answer =
+        runScript(document, paraStylesScript(document.inDesignName, document.documentName), "paragraph styles");
+    if (!answer)
+        return answer.error();
+    return paraStylesReportText(paraStyleUsesFromScriptAnswer(*answer));
+}
+
+} // namespace quillon::host

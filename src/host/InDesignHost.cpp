@@ -1,0 +1,35 @@
+#include "host/InDesignHost.h"
+
+#include "app/Strings.h"
+
+namespace quillon::host {
+
+QString DocumentReference::scriptText() const
+{
+    if (isActive())
+        return QStringLiteral("active document");
+    return QStringLiteral("document \"%1\"").arg(app::stringByEscapingCharacters(m_name, {QStringLiteral("\"")}));
+}
+
+app::Status InDesignHost::showLinkID(const QString& linkId, const QString& docName)
+{
+    return app::makeError(QStringLiteral("Selecting link %1 is not available with %2.").arg(linkId, applicationName()),
+                          docName);
+}
+
+app::Status InDesignHost::relinkLinkID(const QString& linkId, const QString& path, const QString& docName)
+{
+    return app::makeError(
+        QStringLiteral("Relinking link %1 to %2 is not available with %3.").arg(linkId, path, applicationName()),
+        docName);
+}
+
+app::Status InDesignHost::relinkLinksInDoc(const QString& docPath, const QString& linksFolder, bool createIdml)
+{
+    (void)createIdml;
+    return app::makeError(
+        QStringLiteral("Relinking to the files in %1 is not available with %2.").arg(linksFolder, applicationName()),
+        docPath);
+}
+
+} // namespace quillon::host

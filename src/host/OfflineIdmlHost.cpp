@@ -1,0 +1,363 @@
+#include "host/OfflineIdmlHost.h"
+
+#include "app/AppPaths.h"
+#include "app/FilePaths.h"
+#include "app/Log.h"
+#include "app/RegularFile.h"
+#include "idml/XmlPart.h"
+#include "host/FontColorInspection.h"
+#include "idml/IdmlPackage.h"
+#include "idml/IdmlXml.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cstring>
+#include <memory>
+
+using namespace quillon::idml;
+
+namespace quillon::host {
+
+using app::makeError;
+using app::Result;
+using app::Status;
+
+namespace {
+
+bool isPart(const QString& name, const char* folder)
+{
+    return name.startsWith(QLatin1String(folder)) && name.endsWith(QLatin1String(".xml"));
+}
+
+bool isSameFile(const QString& a, const QString& b)
+{
+    const QString canonicalA = QFileInfo(a).canonicalFilePath();
+    return !canonicalA.isEmpty() && canonicalA == QFileInfo(b).canonicalFilePath();
+}
+
+// The work folder given to a host, or the system's.
+QString workFolderOr(const QString& workFolder)
+{
+    return workFolder.isEmpty() ? app::workFolder() : workFolder;
+}
+
+// The IDML unpacked into a scratch folder of the work folder ("package" inside it), removed with
+// the returned object.
+Result<std::unique_ptr<QTemporaryDir>> unpackToScratch(const QString& idmlPath, const QString& workFolder)
+{
+    auto scratch = std::make_unique<QTemporaryDir>(workFolderOr(workFolder) + QStringLiteral("/inspect-XXXXXX"));
+    if (!scratch->isValid())
+        return makeError(QStringLiteral("no scratch folder can be made here"), workFolderOr(workFolder));
+    Result<IdmlArchive> archive =
+        openIdmlPackage(idmlPath, scratch->filePath(QFileInfo(idmlPath).fileName() + QStringLiteral("_tmp.zip")));
+    if (!archive)
+        return archive.error();
+    if (Status extracted = archive->extractTo(scratch->filePath(QStringLiteral("package"))); !extracted)
+        return extracted.error();
+    return scratch;
+}
+
+// Runs an inspection on the unpacked export when there is one, else on a scratch unpacking.
+template <typename Inspect>
+auto inspectUnpacked(const QString& idmlPath, const QString& idmlFolder, const QString& workFolder, Inspect inspect)
+    -> decltype(inspect(QString()))
+{
+    if (!idmlFolder.isEmpty())
+        return inspect(idmlFolder);
+    auto scratch = unpackToScratch(idmlPath, workFolder);
+    if (!scratch)
+        return scratch.error();
+    return inspect((*scratch)->filePath(QStringLiteral("package")));
+}
+
+Status checkRecord(const QStringList& record)
+{
+    if (record.size() < inspection::kRecordItemCount)
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return {};
+}
+
+QString unavailable(const QString& what)
+{
+    return QStringLiteral("%1 needs InDesign, and this document is an IDML file read without it. %2")
+        .arg(what, QStringLiteral("Open the document in InDesign for this."));
+}
+
+} // namespace
+
+Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
+{
+    const QString path = QFileInfo(idmlPath).absoluteFilePath();
+    QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
+    Result<IdmlArchive> archive =
+        openIdmlPackage(path, scratch.filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip")));
+    if (!archive)
+        return archive.error();
+
+    pugi::xml_document designmap;
+    Result<QByteArray> designmapBytes = archive->readEntry(QStringLiteral("designmap.xml"));
+    if (!designmapBytes)
+        return designmapBytes.error();
+    if (Status loaded = loadIdmlXml(designmap, *designmapBytes, path, QStringLiteral("designmap.xml")); !loaded)
+        return loaded.error();
+    const QString version = QString::fromUtf8(designmap.document_element().attribute("DOMVersion").value());
+
+    // A part that cannot be read is left out of the counts and named; the rest still counts.
+    const idml::XmlPartLimits limits;
+    auto skip = [&](const app::Error& why) {
+        app::logFailure(QStringLiteral("count pages and links: %1").arg(why.text()));
+        if (warnings)
+            warnings->append(why);
+    };
+    qint64 pages = 0;
+    qint64 links = 0;
+    for (const IdmlArchive::Entry& entry : archive->entries()) {
+        const bool spread = isPart(entry.path, "Spreads/");
+        if (!spread && !isPart(entry.path, "MasterSpreads/") && !isPart(entry.path, "Stories/"))
+            continue;
+        if (entry.size > limits.maxBytes) {
+            skip(idml::partTooLarge(entry.path, entry.size, limits));
+            continue;
+        }
+        Result<QByteArray> bytes = archive->readEntry(entry.path, limits.maxBytes);
+        if (!bytes) {
+            skip(makeError(bytes.error().message, entry.path));
+            continue;
+        }
+        idml::XmlPart part;
+        if (Status parsed = part.parse(std::move(*bytes), entry.path, pugi::parse_minimal, limits); !parsed) {
+            skip(parsed.error());
+            continue;
+        }
+        forEachElement(part.document(), [&](const pugi::xml_node element) {
+            if (spread && std::strcmp(element.name(), "Page") == 0)
+                ++pages;
+            else if (std::strcmp(element.name(), "Link") == 0 &&
+                     std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
+                ++links;
+        });
+    }
+    return QStringList{QString(""), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
+                       version};
+}
+
+Status OfflineIdmlHost::checkDocumentPath(const QString& path)
+{
+    if (path.isEmpty())
+        return makeError(QStringLiteral("No document was given: give the path of an IDML file (.idml)."));
+    const QFileInfo info(path);
+    if (info.isDir())
+        return makeError(QStringLiteral("is a folder, not a document: give the path of an IDML file (.idml) "
+                                        "exported from InDesign"),
+                         path);
+    if (Status regular = app::checkRegularFile(path); !regular)
+        return regular;
+    // The document is copied, unpacked and looked up through the file APIs of Qt, which take
+    // names as UTF-8 only: refused now, rather than lost in the work folder.
+    if (app::displayPath(path) != path)
+        return makeError(QStringLiteral("the path is not valid UTF-8, and Quillon reads only documents whose paths "
+                                        "are: rename the file or its folder"),
+                         path);
+    const QString suffix = info.suffix().toLower();
+    if (suffix == QLatin1String("idml"))
+        return {};
+    if (suffix == QLatin1String("indd") || suffix == QLatin1String("indt") || suffix == QLatin1String("indb"))
+        return makeError(QStringLiteral("is an InDesign file, which Quillon reads only through InDesign, and InDesign "
+                                        "is not at hand: in InDesign choose File > Export > InDesign Markup (IDML) "
+                                        "and give Quillon the .idml file"),
+                         path);
+    return makeError(QStringLiteral("is not an IDML file: give the path of an IDML file (.idml) exported from "
+                                    "InDesign (File > Export > InDesign Markup)"),
+                     path);
+}
+
+QString OfflineIdmlHost::applicationName() const
+{
+    return QStringLiteral("Quillon (IDML without InDesign)");
+}
+
+Result<QString> OfflineIdmlHost::documentPath(const DocumentReference& document) const
+{
+    if (m_documents.isEmpty())
+        return makeError(QStringLiteral("No document is open: give Quillon the path of an IDML file (.idml)."));
+    if (document.isActive())
+        return m_documents.first();
+    for (const QString& path : m_documents)
+        if (QFileInfo(path).fileName() == document.name())
+            return path;
+    return makeError(QStringLiteral("No open document is named \"%1\".").arg(document.name()), document.name());
+}
+
+Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
+{
+    m_recordWarnings.clear();
+    Result<QString> path = documentPath(document);
+    if (!path)
+        return path.error();
+    // A file changed since (its size or time) is read again.
+    const QFileInfo file(*path);
+    if (m_lastRecord && m_lastRecord->path == *path && m_lastRecord->size == file.size() &&
+        m_lastRecord->modified == file.lastModified()) {
+        m_recordWarnings = m_lastRecord->warnings;
+        return m_lastRecord->record;
+    }
+    m_lastRecord.reset();
+    Result<QStringList> record = idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
+    if (record)
+        m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), *record, m_recordWarnings};
+    return record;
+}
+
+QList<app::Error> OfflineIdmlHost::documentWarnings() const
+{
+    return m_recordWarnings;
+}
+
+Result<QString> OfflineIdmlHost::fullNameOfDocument(const DocumentReference& document)
+{
+    return documentPath(document);
+}
+
+Status OfflineIdmlHost::saveDocument(const DocumentReference& document, const QString& path)
+{
+    Result<QString> source = documentPath(document);
+    if (!source)
+        return source.error();
+    if (QFileInfo(path).suffix().toLower() != QLatin1String("idml"))
+        return makeError(unavailable(QStringLiteral("Saving as an InDesign document")), path);
+    if (isSameFile(*source, path))
+        return {};
+    return app::copyPathReplacingIt(*source, path);
+}
+
+Result<QString> OfflineIdmlHost::hostPathFromPath(const QString& posixPath)
+{
+    return makeError(QStringLiteral("HFS paths are for InDesign's scripts; this host uses the path as it is."),
+                     posixPath);
+}
+
+Status OfflineIdmlHost::copyDocument(const QString& docName, const QString& targetPosix)
+{
+    Result<QString> source = documentPath(DocumentReference::named(docName));
+    if (!source)
+        return source.error();
+    if (isSameFile(*source, targetPosix))
+        return {};
+    return app::copyPathReplacingIt(*source, targetPosix);
+}
+
+Status OfflineIdmlHost::exportDocumentForPreflight(const QString& docName, const QString& target,
+                                                   const QString& targetPosix)
+{
+    (void)target;
+    return copyDocument(docName, targetPosix);
+}
+
+Status OfflineIdmlHost::exportDocumentToIdml(const QString& docName, const QString& targetPosix)
+{
+    return copyDocument(docName, targetPosix);
+}
+
+Status OfflineIdmlHost::exportDocumentToPdf(const QString& docName, const QString& targetPosix,
+                                            const QString& presetName)
+{
+    (void)targetPosix;
+    return makeError(unavailable(QStringLiteral("Exporting a PDF (preset \"%1\")").arg(presetName)), docName);
+}
+
+Result<QStringList> OfflineIdmlHost::pdfExportPresetNames()
+{
+    return makeError(unavailable(QStringLiteral("Listing the PDF export presets")));
+}
+
+Status OfflineIdmlHost::packageDocument(const QString& docName, const QString& folder)
+{
+    // The document part of a package is the IDML file itself; fonts are gathered from this
+    // system by the packaging, not by the host.
+    return copyDocument(docName, QDir(folder).filePath(docName));
+}
+
+Status OfflineIdmlHost::invokePackageCommand()
+{
+    return makeError(unavailable(QStringLiteral("InDesign's Package command")));
+}
+
+Status OfflineIdmlHost::activateAndOpenDocument(const QString& path)
+{
+    return openDocument(path, true);
+}
+
+Status OfflineIdmlHost::openDocument(const QString& path, bool showingWindow)
+{
+    (void)showingWindow;
+    if (Status usable = checkDocumentPath(path); !usable)
+        return usable;
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    m_documents.removeAll(absolute);
+    m_documents.prepend(absolute);
+    return {};
+}
+
+Status OfflineIdmlHost::closeDocument(const QString& docName)
+{
+    Result<QString> path = documentPath(DocumentReference::named(docName));
+    if (!path)
+        return path.error();
+    m_documents.removeAll(*path);
+    return {};
+}
+
+void OfflineIdmlHost::closeDocumentIfOpen(const QString& docNameOrPath)
+{
+    const QString absolute = QFileInfo(docNameOrPath).absoluteFilePath();
+    m_documents.removeIf(
+        [&](const QString& path) { return path == absolute || QFileInfo(path).fileName() == docNameOrPath; });
+}
+
+Status OfflineIdmlHost::setScriptUserInteraction(bool interactWithAll)
+{
+    (void)interactWithAll; // no dialogs to allow or suppress
+    return {};
+}
+
+Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const QString& linkId)
+{
+    return makeError(QStringLiteral("The page of the anchored graphic of link %1 is asked of InDesign; for an IDML "
+                                    "file the link analysis finds it in the stories.")
+                         .arg(linkId),
+                     docName);
+}
+
+Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked.error();
+    const QString path = record[inspection::kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, m_workFolder,
+                           [&](const QString& folder) { return processFontsFromIdml(folder, path); });
+}
+
+Result<inspection::Inspected<inspection::ColorInspection>> OfflineIdmlHost::processColors(const QStringList& record,
+                                                                 const QString& idmlFolder,
+                                                                 const QString& registrationInTextFlag)
+{
+    if (Status checked = checkRecord(record); !checked)
+        return checked.error();
+    const QString path = record[inspection::kRecordPosixPath];
+    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
+        return processColorsFromIdml(folder, registrationInTextFlag);
+    });
+}
+
+Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString& docName)
+{
+    // Asked for after the preflight, when its export is gone: the document is unpacked again.
+    Result<QString> path = documentPath(DocumentReference::named(docName));
+    if (!path)
+        return path.error();
+    return inspectUnpacked(*path, {}, m_workFolder, [](const QString& folder) { return paraReportFromIdml(folder); });
+}
+
+} // namespace quillon::host

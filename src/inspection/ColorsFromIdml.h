@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/Result.h"
+#include "inspection/ColorInspection.h"
+#include "inspection/PartWarnings.h"
+
+#include <QString>
+
+namespace quillon::inspection {
+
+// The swatches of a document, read from its unpacked IDML (Resources/Graphic.xml), in the
+// Swatches panel's order: None, Paper and Registration included, known by their ColorOverride (or,
+// for None, by being the plain swatch), not by name. Colours that the panel does not show (the
+// reserved process inks, unnamed local colours) are left out.
+//
+// A swatch is used when anything in the document refers to it: page items on spreads and master
+// spreads, text ranges, the styles those apply (with the styles those are based on or apply in
+// turn), and tints, gradients and mixed inks built on it. InDesign's own swatches (None, Paper,
+// Black, Registration) cannot be removed and are never reported unused.
+//
+// With `registrationInTextFlag` "1" the text ranges whose fill or stroke, as set on the range or
+// by its styles, is the Registration swatch or a tint of it are counted.
+//
+// A part that cannot be read is skipped with a warning; only a package without a readable
+// designmap.xml fails.
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& idmlFolder,
+                                                                const QString& registrationInTextFlag);
+
+} // namespace quillon::inspection

@@ -1,0 +1,165 @@
+#include "inspection/DocInfo.h"
+
+#include "app/Log.h"
+#include "app/Numbers.h"
+#include "idml/XmlPart.h"
+#include "inspection/DocumentRecord.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QVariantList>
+
+#include <pugixml.hpp>
+
+using namespace quillon::idml;
+
+namespace quillon::inspection {
+
+namespace {
+
+QString attribute(const pugi::xml_node node, const char* name)
+{
+    return QString::fromUtf8(node.attribute(name).value());
+}
+
+BleedOrSlugValues bleedOrSlugValues(const pugi::xml_node preference, bool bleed)
+{
+    if (bleed)
+        return {attribute(preference, "DocumentBleedTopOffset"), attribute(preference, "DocumentBleedUniformSize"),
+                attribute(preference, "DocumentBleedBottomOffset"),
+                attribute(preference, "DocumentBleedInsideOrLeftOffset"),
+                attribute(preference, "DocumentBleedOutsideOrRightOffset")};
+    // The slug's last attribute says "RightOrOutside" where the bleed's says "OutsideOrRight".
+    return {attribute(preference, "SlugTopOffset"), attribute(preference, "DocumentSlugUniformSize"),
+            attribute(preference, "SlugBottomOffset"), attribute(preference, "SlugInsideOrLeftOffset"),
+            attribute(preference, "SlugRightOrOutsideOffset")};
+}
+
+} // namespace
+
+QNDocInfo QNDocInfo::docInfoWithDocument(const QString& docPath, const QString& numberOfPagesStr,
+                                         const QString& InDesignVersion, const QLocale& locale)
+{
+    QNDocInfo info;
+    info.m_docPath = docPath;
+    info.m_docName = QFileInfo(docPath).fileName();
+    info.m_numberOfPagesStr = numberOfPagesStr;
+    info.m_InDesignVersion = InDesignVersion;
+    info.setDates(locale);
+    info.setFileSize();
+    return info;
+}
+
+QNDocInfo QNDocInfo::docInfoWithRecord(const QStringList& record, const QLocale& locale)
+{
+    return docInfoWithDocument(record.value(kRecordPosixPath), record.value(kRecordPageCount),
+                               record.value(kRecordInDesignVersion), locale);
+}
+
+void QNDocInfo::setDates(const QLocale& locale)
+{
+    const QFileInfo file(m_docPath);
+    if (!file.exists()) {
+        app::logFailure(QStringLiteral("get doc dates: %1").arg(m_docPath));
+        m_creationDate = m_modDate = QDateTime();
+        m_creationDateStr = m_modDateStr = QString();
+        return;
+    }
+    // Not every file system records when a file was made.
+    m_creationDate = file.birthTime();
+    m_modDate = file.lastModified();
+    m_creationDateStr = m_creationDate.isValid() ? locale.toString(m_creationDate, QLocale::ShortFormat) : QString();
+    m_modDateStr = m_modDate.isValid() ? locale.toString(m_modDate, QLocale::ShortFormat) : QString();
+}
+
+void QNDocInfo::setFileSize()
+{
+    const QFileInfo file(m_docPath);
+    m_fileSize = file.exists() ? file.size() : 0;
+    m_fileSizeStr = app::fileSizeStrFromBytes(static_cast<quint64>(m_fileSize));
+}
+
+void QNDocInfo::setBleedOrSlug(bool bleed, const QString& text)
+{
+    (bleed ? m_bleedStr : m_slugStr) = text;
+}
+
+app::Status QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
+{
+    app::logLine(QStringLiteral("> parseDocInfoInIDMLFolderAtPath: %1").arg(folder));
+    const QString path = QDir(folder).filePath(QStringLiteral("Resources/Preferences.xml"));
+    idml::XmlPart preferences;
+    app::Status read;
+    // A package without preferences is not damaged: some tools write none.
+    if (QFileInfo::exists(path))
+        read = preferences.read(path, QStringLiteral("Resources/Preferences.xml"), pugi::parse_default);
+    const pugi::xml_node root = preferences.root();
+
+    const pugi::xml_node view = root.child("ViewPreference");
+    if (view) {
+        m_horizMeasurementUnits = attribute(view, "HorizontalMeasurementUnits");
+        m_vertMeasurementUnits = attribute(view, "VerticalMeasurementUnits");
+    } else {
+        app::logFailure(QStringLiteral("get ViewPreference nodes: %1").arg(path));
+        m_horizMeasurementUnits = m_vertMeasurementUnits = QStringLiteral("Points");
+    }
+
+    const pugi::xml_node preference = root.child("DocumentPreference");
+    if (!preference) {
+        app::logFailure(QStringLiteral("get DocumentPreference nodes: %1").arg(path));
+        m_bleedStr = m_slugStr = QStringLiteral("-");
+        return read;
+    }
+    setBleedOrSlug(true, bleedOrSlugText(bleedOrSlugValues(preference, true), m_horizMeasurementUnits));
+    setBleedOrSlug(false, bleedOrSlugText(bleedOrSlugValues(preference, false), m_horizMeasurementUnits));
+    return read;
+}
+
+void QNDocInfo::setDocPageSizesDict(const PageSizesDict& sizes)
+{
+    m_docPageSizesDict = sizes;
+    m_docPageSizes.clear();
+    for (auto it = sizes.cbegin(); it != sizes.cend(); ++it)
+        m_docPageSizes.append({it.key().value(0), it.key().value(1), it.value()});
+}
+
+void QNDocInfo::setDocPageSizes(const DocPageSizes& sizes)
+{
+    m_docPageSizes = sizes;
+    m_docPageSizesDict.clear();
+    for (const DocPageSize& size : sizes)
+        m_docPageSizesDict[{size.width, size.height}] += size.pageNames;
+}
+
+QString QNDocInfo::pageSizeStr() const
+{
+    return pageSizeText(m_docPageSizesDict, m_horizMeasurementUnits, m_vertMeasurementUnits);
+}
+
+QVariantMap QNDocInfo::toVariantMap() const
+{
+    QVariantList sizes;
+    for (const DocPageSize& size : m_docPageSizes)
+        sizes << QVariantMap{{kPageSizeWidthKey, size.width},
+                             {kPageSizeHeightKey, size.height},
+                             {kPageSizePageNamesKey, size.pageNames}};
+    return {
+        {kDocInfoHasPreflightErrorsKey, m_hasPreflightErrors},
+        {kDocInfoDocNameKey, m_docName},
+        {kDocInfoDocPathKey, m_docPath},
+        {kDocInfoNumberOfPagesKey, m_numberOfPagesStr},
+        {kDocInfoInDesignVersionKey, m_InDesignVersion},
+        {kDocInfoFileSizeKey, m_fileSizeStr},
+        {kDocInfoCreationDateKey, m_creationDate},
+        {kDocInfoModDateKey, m_modDate},
+        {kDocInfoCreationDateStrKey, m_creationDateStr},
+        {kDocInfoModDateStrKey, m_modDateStr},
+        {kDocInfoPageSizesKey, sizes},
+        {kDocInfoBleedKey, m_bleedStr},
+        {kDocInfoSlugKey, m_slugStr},
+        {kDocInfoHorizUnitsKey, m_horizMeasurementUnits},
+        {kDocInfoVertUnitsKey, m_vertMeasurementUnits},
+    };
+}
+
+} // namespace quillon::inspection

@@ -1,0 +1,51 @@
+#include "idml/XmlPart.h"
+
+#include "support/TestSupport.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace quillon;
+using namespace quillon::idml;
+
+TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
+{
+    XmlPartLimits limits;
+    limits.maxBytes = 10'000;
+    limits.maxMarkup = 20;
+    limits.maxAttributes = 20;
+    limits.maxAttributeBytes = 2000;
+    const QString name = QStringLiteral("Stories/Story_u1.xml");
+    const std::vector<std::pair<QByteArray, QString>> cases{
+        {"<Story><Content>text</Content></Story>", QString()},
+        {"<Story><Content>text</Story>", QStringLiteral("not readable XML at byte 22")},
+        {QByteArray(12'000, ' '), QStringLiteral("too large to read (12 KB; a part may hold at most 10 KB)")},
+        {QByteArray("<a/>").repeated(21),
+         QStringLiteral("too many elements to read (21 tags; a part may hold at most 20)")},
+        {"<a " + QByteArray("b=\"\" ").repeated(21) + "/>",
+         QStringLiteral("too many attributes to read (21; a part may hold at most 20)")},
+        {"<Story><Link URI=\"" + QByteArray(3000, 'x') + "\"/></Story>",
+         QStringLiteral("the attribute URI of a Link element is too long to read (3 KB; an attribute may hold at most "
+                        "2 KB)")},
+    };
+    for (const auto& [bytes, message] : cases) {
+        XmlPart part;
+        const app::Status parsed = part.parse(bytes, name, kPartParseOptions, limits);
+        EXPECT_EQ(parsed.ok() ? QString() : parsed.error().text(),
+                  message.isEmpty() ? QString() : name + QStringLiteral(": ") + message)
+            << bytes.left(40).toStdString();
+        EXPECT_EQ(bool(part.root()), message.isEmpty());
+    }
+
+    // A file larger than the bound is refused before it is read; a missing one is named.
+    QTemporaryDir dir;
+    test::writeAll(dir.filePath(QStringLiteral("big.xml")), QByteArray(20'000, ' '));
+    XmlPart part;
+    EXPECT_EQ(part.read(dir.filePath(QStringLiteral("big.xml")), name, kPartParseOptions, limits).error().message,
+              QStringLiteral("too large to read (20 KB; a part may hold at most 10 KB)"));
+    EXPECT_EQ(part.read(dir.filePath(QStringLiteral("none.xml")), name).error().text(),
+              name + QStringLiteral(": missing from the package"));
+    EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/Spreads/Spread_u1a.xml")),
+              QStringLiteral("Spreads/Spread_u1a.xml"));
+}
