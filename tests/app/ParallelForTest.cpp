@@ -1,0 +1,98 @@
+#include "app/ParallelFor.h"
+#include "app/Progress.h"
+
+#include <QMutex>
+
+#include <atomic>
+#include <set>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace quillon::app;
+
+namespace {
+
+// Restores the process's budget after a test changed it.
+struct BudgetGuard {
+    int saved = parallelThreadBudget();
+    ~BudgetGuard() { setParallelThreadBudget(saved); }
+};
+
+} // namespace
+
+TEST(ParallelFor, EveryIndexRunsOnceOnWorkersWithinTheLimit)
+{
+    BudgetGuard guard;
+    setParallelThreadBudget(8);
+    for (const qsizetype count : {qsizetype(0), qsizetype(1), qsizetype(7), qsizetype(5000)}) {
+        std::vector<std::atomic<int>> runs(static_cast<size_t>(count));
+        std::atomic<int> highestWorker{0};
+        ASSERT_TRUE(parallelFor(count, {.maxThreads = 3}, [&](int worker, qsizetype index) {
+            runs[static_cast<size_t>(index)].fetch_add(1);
+            int seen = highestWorker.load();
+            while (worker > seen && !highestWorker.compare_exchange_weak(seen, worker)) {
+            }
+        }));
+        for (const auto& run : runs)
+            ASSERT_EQ(run.load(), 1) << count;
+        EXPECT_LE(highestWorker.load(), 2);
+    }
+    EXPECT_EQ(parallelThreadsInUse(), 0);
+}
+
+TEST(ParallelFor, NestedFanOutsShareOneBudget)
+{
+    BudgetGuard guard;
+    setParallelThreadBudget(3);
+    std::atomic<int> peak{0};
+    auto notePeak = [&] {
+        int seen = peak.load();
+        const int now = parallelThreadsInUse();
+        while (now > seen && !peak.compare_exchange_weak(seen, now)) {
+        }
+    };
+    ASSERT_TRUE(parallelFor(8, {.maxThreads = 4}, [&](int, qsizetype) {
+        parallelFor(50, {.maxThreads = 4}, [&](int, qsizetype) {
+            notePeak();
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+        });
+    }));
+    EXPECT_LE(peak.load(), 3);
+    EXPECT_EQ(parallelThreadsInUse(), 0);
+
+    // With no budget at all everything runs on the caller.
+    setParallelThreadBudget(0);
+    const auto caller = std::this_thread::get_id();
+    std::atomic<bool> elsewhere{false};
+    parallelFor(100, {.maxThreads = 4}, [&](int, qsizetype) {
+        if (std::this_thread::get_id() != caller)
+            elsewhere = true;
+    });
+    EXPECT_FALSE(elsewhere.load());
+}
+
+TEST(ParallelFor, CancelStopsTakingItemsAndAFailureIsRethrown)
+{
+    CancelFlag cancel;
+    std::atomic<int> ran{0};
+    EXPECT_FALSE(parallelFor(10000, {.maxThreads = 2, .cancel = &cancel}, [&](int, qsizetype index) {
+        ran.fetch_add(1);
+        if (index == 10)
+            cancel.cancel();
+    }));
+    EXPECT_LT(ran.load(), 10000);
+
+    std::atomic<int> after{0};
+    EXPECT_THROW(parallelFor(10000, {.maxThreads = 2},
+                             [&](int, qsizetype index) {
+                                 if (index == 3)
+                                     throw std::runtime_error("bad item");
+                                 after.fetch_add(1);
+                             }),
+                 std::runtime_error);
+    EXPECT_LT(after.load(), 9999);
+    EXPECT_EQ(parallelThreadsInUse(), 0);
+}
