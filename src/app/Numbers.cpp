@@ -68,12 +68,6 @@ QString formatDecimal(double value, int maxDecimals)
     return QString::fromStdString(sign + rounded);
 }
 
-QString formatWithPattern(double value, const QString& pattern)
-{
-    const qsizetype dot = pattern.indexOf(u'.');
-    return formatDecimal(value, dot < 0 ? 0 : static_cast<int>(pattern.size() - dot - 1));
-}
-
 QString fileSizeStrFromBytes(std::uint64_t bytes)
 {
     if (bytes == 0)

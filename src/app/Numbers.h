@@ -11,9 +11,6 @@ namespace quillon::app {
 // decimal form of the number, so 2.675 gives "2.68" and 2.665 gives "2.66" with two decimals.
 QString formatDecimal(double value, int maxDecimals);
 
-// The patterns by name, for code that keeps the pattern text.
-QString formatWithPattern(double value, const QString& pattern);
-
 inline QString formatNoDecimal(double v) { return formatDecimal(v, 0); }
 inline QString formatOneDecimal(double v) { return formatDecimal(v, 1); }
 inline QString formatTwoDecimals(double v) { return formatDecimal(v, 2); }
