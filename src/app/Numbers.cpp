@@ -58,8 +58,8 @@ QString formatDecimal(double value, int maxDecimals)
     if (maxDecimals < 0)
         maxDecimals = 0;
     std::array<char, 512> buffer{};
-    const auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
-                                         std::chars_format::fixed);
+    const auto [end, ec] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), std::chars_format::fixed);
     if (ec != std::errc())
         return QString::number(value, 'f', maxDecimals);
     const std::string rounded = roundDecimalText(std::string(buffer.data(), end), maxDecimals);

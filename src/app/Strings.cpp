@@ -15,8 +15,8 @@ QString versionNumberByRemovingTrailingZeros(QString version)
 
 int checkVersion(const QString& version, const QString& other)
 {
-    const int order = numericCompare(versionNumberByRemovingTrailingZeros(version),
-                                     versionNumberByRemovingTrailingZeros(other));
+    const int order =
+        numericCompare(versionNumberByRemovingTrailingZeros(version), versionNumberByRemovingTrailingZeros(other));
     if (order == 0)
         return 0;
     return order > 0 ? 1 : 2;
@@ -76,8 +76,7 @@ int numericCompare(const QString& a, const QString& b)
     return 0;
 }
 
-FoundRange rangeOfFirstFoundStringFromArray(const QString& text, const QStringList& candidates,
-                                            Qt::CaseSensitivity cs)
+FoundRange rangeOfFirstFoundStringFromArray(const QString& text, const QStringList& candidates, Qt::CaseSensitivity cs)
 {
     for (const QString& candidate : candidates) {
         if (candidate.isEmpty())
