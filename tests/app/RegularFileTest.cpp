@@ -31,11 +31,6 @@ using quillon::test::writeAll;
 
 namespace {
 
-QByteArray local(const QString& path)
-{
-    return localBytesOfPath(path);
-}
-
 // A listening Unix socket at `path`, closed with the object.
 struct Socket {
     int fd = -1;
@@ -44,7 +39,7 @@ struct Socket {
         fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        const QByteArray bytes = local(path);
+        const QByteArray bytes = localBytesOfPath(path);
         std::memcpy(address.sun_path, bytes.constData(), std::min<size_t>(bytes.size(), sizeof address.sun_path - 1));
         EXPECT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     }
@@ -57,12 +52,12 @@ TEST(RegularFile, EveryKindOfNonFileIsNamedAndRefusedAtOnce)
 {
     QTemporaryDir dir;
     const QString d = dir.path();
-    ASSERT_EQ(::mkfifo(local(d + u"/fifo.qnfp"_s).constData(), 0600), 0);
+    ASSERT_EQ(::mkfifo(localBytesOfPath(d + u"/fifo.qnfp"_s).constData(), 0600), 0);
     const Socket socket(d + u"/socket.qnfp"_s);
     QDir(d).mkdir(u"folder.qnfp"_s);
-    ASSERT_EQ(::symlink("loop-b", local(d + u"/loop-a"_s).constData()), 0);
-    ASSERT_EQ(::symlink("loop-a", local(d + u"/loop-b"_s).constData()), 0);
-    ASSERT_EQ(::symlink("/dev/zero", local(d + u"/zero.qnfp"_s).constData()), 0);
+    ASSERT_EQ(::symlink("loop-b", localBytesOfPath(d + u"/loop-a"_s).constData()), 0);
+    ASSERT_EQ(::symlink("loop-a", localBytesOfPath(d + u"/loop-b"_s).constData()), 0);
+    ASSERT_EQ(::symlink("/dev/zero", localBytesOfPath(d + u"/zero.qnfp"_s).constData()), 0);
 
     const struct {
         QString path;
@@ -96,7 +91,7 @@ TEST(RegularFile, EveryKindOfNonFileIsNamedAndRefusedAtOnce)
 TEST(RegularFile, NamesThatAreNotUtf8AreReadAndShownWithTheirBytes)
 {
     QTemporaryDir dir;
-    const QByteArray raw = local(dir.path()) + "/caf\xe9 \xff\xfe.qnfp";
+    const QByteArray raw = localBytesOfPath(dir.path()) + "/caf\xe9 \xff\xfe.qnfp";
     const QString path = pathFromLocalBytes(raw);
     EXPECT_EQ(localBytesOfPath(path), raw);
     EXPECT_TRUE(displayPath(path).endsWith(u"/caf\\xE9 \\xFF\\xFE.qnfp"_s));
@@ -110,7 +105,7 @@ TEST(RegularFile, NamesThatAreNotUtf8AreReadAndShownWithTheirBytes)
     ASSERT_TRUE(read.ok()) << read.error().text().toStdString();
     EXPECT_EQ(read->value(u"name"_s).toString(), u"x");
 
-    const QString missing = pathFromLocalBytes(local(dir.path()) + "/\xff.qnfp");
+    const QString missing = pathFromLocalBytes(localBytesOfPath(dir.path()) + "/\xff.qnfp");
     const Result<QVariant> error = readPropertyListFile(missing);
     ASSERT_FALSE(error.ok());
     EXPECT_TRUE(error.error().text().endsWith(u"/\\xFF.qnfp: the file does not exist"_s))
@@ -129,7 +124,7 @@ TEST(RegularFile, ReadsAreBoundedAndSaySo)
     EXPECT_EQ(tooLarge.error().message, u"is too large (2048 bytes; at most 1024 bytes are read)");
 
     // A preset file beyond the bound is refused unread, with the limit in the message.
-    ASSERT_EQ(::truncate(local(path).constData(), kMaxPropertyListBytes + 1), 0);
+    ASSERT_EQ(::truncate(localBytesOfPath(path).constData(), kMaxPropertyListBytes + 1), 0);
     const Result<QVariant> preset = readPropertyListFile(path);
     ASSERT_FALSE(preset.ok());
     EXPECT_TRUE(preset.error().message.contains(QLatin1String("at most 16 MiB")))
@@ -171,7 +166,7 @@ TEST(RegularFile, SettingsAndTemporaryFolderSurviveOddPlaces)
 {
     QTemporaryDir dir;
     const QString fifo = dir.filePath(u"settings.ini"_s);
-    ASSERT_EQ(::mkfifo(local(fifo).constData(), 0600), 0);
+    ASSERT_EQ(::mkfifo(localBytesOfPath(fifo).constData(), 0600), 0);
     QElapsedTimer timer;
     timer.start();
     Settings settings(fifo);
@@ -184,9 +179,9 @@ TEST(RegularFile, SettingsAndTemporaryFolderSurviveOddPlaces)
 
     // A TMPDIR that names no folder gives the system default, never the folder above it.
     const QByteArray saved = qgetenv("TMPDIR");
-    qputenv("TMPDIR", local(dir.filePath(u"gone/deeper"_s)));
+    qputenv("TMPDIR", localBytesOfPath(dir.filePath(u"gone/deeper"_s)));
     const QString temporary = temporaryFolder();
-    qputenv("TMPDIR", local(dir.path()));
+    qputenv("TMPDIR", localBytesOfPath(dir.path()));
     const QString existing = temporaryFolder();
     if (saved.isNull())
         qunsetenv("TMPDIR");
