@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace quillon::app;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -80,5 +81,3 @@ TEST(Alerts, SupportLineIsAppended)
 }
 
 #include "AlertsTest.moc"
-
-using namespace Qt::StringLiterals;
