@@ -5,6 +5,7 @@
 #   scripts/setup.sh testopt   optimised build with the tests in build/testopt: a fault that shows
 #                              only when freed memory is reused hides from the sanitizers
 #   scripts/setup.sh bench     optimised build with the benchmarks in build/bench
+#   scripts/setup.sh packages  only the packages
 set -euo pipefail
 cd "$(dirname "$0")/.."
 kind=${1:-release}
@@ -30,6 +31,7 @@ if command -v ccache >/dev/null; then
   export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$(cd .. && pwd)}" CCACHE_NOHASHDIR=1
 fi
 case "$kind" in
+  packages) ;;
   release)
     cmake -S . -B build/release -G Ninja "${launcher[@]}" -DCMAKE_BUILD_TYPE=Release -DQUILLON_TESTS=OFF
     cmake --build build/release -j "$jobs"
@@ -47,7 +49,7 @@ case "$kind" in
     cmake --build build/bench -j "$jobs"
     ;;
   *)
-    echo "usage: scripts/setup.sh [release|test|testopt|bench]" >&2
+    echo "usage: scripts/setup.sh [release|test|testopt|bench|packages]" >&2
     exit 2
     ;;
 esac

@@ -177,26 +177,6 @@ Status copyPathReplacingIt(const QString& source, const QString& destination)
     return {};
 }
 
-Status movePathReplacingIt(const QString& source, const QString& destination)
-{
-    if (Status ok = checkReplaceable(source, destination); !ok)
-        return ok;
-    if (Status ok = removeExisting(destination); !ok)
-        return ok;
-    std::error_code ec;
-    fs::rename(toFs(source), toFs(destination), ec);
-    if (ec == std::errc::cross_device_link) {
-        // Another volume: copy, then remove the original only once the copy is whole.
-        ec.clear();
-        fs::copy(toFs(source), toFs(destination), fs::copy_options::recursive | fs::copy_options::copy_symlinks, ec);
-        if (!ec)
-            fs::remove_all(toFs(source), ec);
-    }
-    if (ec)
-        return fsError(QStringLiteral("move %1").arg(source), destination, ec);
-    return {};
-}
-
 QString safeFileName(QString name)
 {
     name.replace(u'/', u'_');

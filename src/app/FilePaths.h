@@ -22,17 +22,14 @@ enum class SlashCheck {
 // Looks for the first path component holding a colon and, when found, shows the critical
 // "Error: Unsafe character in file path" alert with `appSpecificError` (or the standard text
 // when empty), the component and the path, colons shown as "/". Offers "Cancel" when asked.
-SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError,
-                               bool canCancel);
+SlashCheck checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError, bool canCancel);
 
 // True when the path is clean; false when the alert (without Cancel) was shown.
 bool checkPathForSlashes(AlertSink& alerts, const QString& path, const QString& appSpecificError);
 
-// Removes whatever is at `destination`, then copies (recursively for folders) or moves `source`
-// there. Refuses a destination inside the source, and never removes the destination when the
-// source is missing.
+// Removes whatever is at `destination`, then copies `source` there (recursively for folders). Refuses a destination
+// inside the source, and never removes the destination when the source is missing.
 Status copyPathReplacingIt(const QString& source, const QString& destination);
-Status movePathReplacingIt(const QString& source, const QString& destination);
 
 // Names built from user text: "/" and ":" become "_".
 QString safeFileName(QString name);

@@ -58,20 +58,14 @@ QString formatDecimal(double value, int maxDecimals)
     if (maxDecimals < 0)
         maxDecimals = 0;
     std::array<char, 512> buffer{};
-    const auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
-                                         std::chars_format::fixed);
+    const auto [end, ec] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), std::chars_format::fixed);
     if (ec != std::errc())
         return QString::number(value, 'f', maxDecimals);
     const std::string rounded = roundDecimalText(std::string(buffer.data(), end), maxDecimals);
     const bool isZero = rounded.find_first_not_of("0.") == std::string::npos;
     const std::string sign = (value < 0 && !isZero) ? "-" : "";
     return QString::fromStdString(sign + rounded);
-}
-
-QString formatWithPattern(double value, const QString& pattern)
-{
-    const qsizetype dot = pattern.indexOf(u'.');
-    return formatDecimal(value, dot < 0 ? 0 : static_cast<int>(pattern.size() - dot - 1));
 }
 
 QString fileSizeStrFromBytes(std::uint64_t bytes)

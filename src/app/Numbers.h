@@ -11,13 +11,22 @@ namespace quillon::app {
 // decimal form of the number, so 2.675 gives "2.68" and 2.665 gives "2.66" with two decimals.
 QString formatDecimal(double value, int maxDecimals);
 
-// The patterns by name, for code that keeps the pattern text.
-QString formatWithPattern(double value, const QString& pattern);
-
-inline QString formatNoDecimal(double v) { return formatDecimal(v, 0); }
-inline QString formatOneDecimal(double v) { return formatDecimal(v, 1); }
-inline QString formatTwoDecimals(double v) { return formatDecimal(v, 2); }
-inline QString formatFourDecimals(double v) { return formatDecimal(v, 4); }
+inline QString formatNoDecimal(double v)
+{
+    return formatDecimal(v, 0);
+}
+inline QString formatOneDecimal(double v)
+{
+    return formatDecimal(v, 1);
+}
+inline QString formatTwoDecimals(double v)
+{
+    return formatDecimal(v, 2);
+}
+inline QString formatFourDecimals(double v)
+{
+    return formatDecimal(v, 4);
+}
 
 // A file size as file managers show it, in decimal units: "Zero KB", "1 byte", "999 bytes",
 // whole KB below a megabyte, one decimal in MB, two in GB and above, trailing zeros dropped.

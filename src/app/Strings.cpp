@@ -1,8 +1,6 @@
 #include "app/Strings.h"
 
-#include <QDateTime>
 #include <QFileInfo>
-#include <QLocale>
 
 #include <algorithm>
 
@@ -17,8 +15,8 @@ QString versionNumberByRemovingTrailingZeros(QString version)
 
 int checkVersion(const QString& version, const QString& other)
 {
-    const int order = numericCompare(versionNumberByRemovingTrailingZeros(version),
-                                     versionNumberByRemovingTrailingZeros(other));
+    const int order =
+        numericCompare(versionNumberByRemovingTrailingZeros(version), versionNumberByRemovingTrailingZeros(other));
     if (order == 0)
         return 0;
     return order > 0 ? 1 : 2;
@@ -78,8 +76,7 @@ int numericCompare(const QString& a, const QString& b)
     return 0;
 }
 
-FoundRange rangeOfFirstFoundStringFromArray(const QString& text, const QStringList& candidates,
-                                            Qt::CaseSensitivity cs)
+FoundRange rangeOfFirstFoundStringFromArray(const QString& text, const QStringList& candidates, Qt::CaseSensitivity cs)
 {
     for (const QString& candidate : candidates) {
         if (candidate.isEmpty())
@@ -111,36 +108,6 @@ QString stringByEscapingCharacters(const QString& text, const QStringList& chara
         out += c;
     }
     return out;
-}
-
-QString formatDate(const QDateTime& date, const QString& unicodePattern)
-{
-    // Unicode and Qt patterns agree on the letters used here but for the year ("y" is the
-    // full year in Unicode) and the day-period ("a").
-    QString qtPattern;
-    for (qsizetype i = 0; i < unicodePattern.size();) {
-        const QChar c = unicodePattern[i];
-        qsizetype run = 1;
-        while (i + run < unicodePattern.size() && unicodePattern[i + run] == c)
-            ++run;
-        if (c == u'\'') {
-            const qsizetype end = unicodePattern.indexOf(u'\'', i + 1);
-            const qsizetype stop = end < 0 ? unicodePattern.size() : end + 1;
-            qtPattern += unicodePattern.mid(i, stop - i);
-            i = stop;
-            continue;
-        }
-        if (c == u'y')
-            qtPattern += run == 2 ? QStringLiteral("yy") : QStringLiteral("yyyy");
-        else if (c == u'a')
-            qtPattern += QStringLiteral("AP");
-        else if (c == u'E')
-            qtPattern += run >= 4 ? QStringLiteral("dddd") : QStringLiteral("ddd");
-        else
-            qtPattern += QString(run, c);
-        i += run;
-    }
-    return QLocale::c().toString(date, qtPattern);
 }
 
 } // namespace quillon::app

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -33,9 +32,5 @@ QString stringByReplacingPathExtensionWith(const QString& path, const QString& e
 // A backslash before every occurrence of each of the given characters; used to put names and
 // paths inside a quoted script string.
 QString stringByEscapingCharacters(const QString& text, const QStringList& characters);
-
-// A date format in Unicode pattern form ("yyyy-MM-dd HH:mm", "MMM d, y") applied to a date in
-// its own time zone, with English month and day names.
-QString formatDate(const QDateTime& date, const QString& unicodePattern);
 
 } // namespace quillon::app

@@ -139,8 +139,6 @@ public:
     std::optional<QString> tiffCompr() const;
     // The name of a TIFF compression code by the table above.
     static std::optional<QString> tiffCompressionName(int code);
-    // The compression code itself.
-    std::optional<int> tiffCompressionCode() const { return m_tiffCompression; }
     // The properties of the last image read ("PixelWidth", "ProfileName", "{TIFF}" ...).
     const QVariantMap& mMetadata() const { return m_metadata; }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 using namespace quillon::app;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -24,11 +25,11 @@ public:
 TEST(Alerts, NilButtonsGiveOneOkAndEmptyButtonsAreLeftToTheSink)
 {
     ScriptedAlertSink sink({kAlertSecondButton});
-    EXPECT_EQ(runAlert(sink, QStringLiteral("Title"), QString(), std::nullopt, false), kAlertSecondButton);
-    EXPECT_EQ(runAlert(sink, QStringLiteral("Title"), QStringLiteral("m"), QStringList{}, true), kAlertFirstButton);
+    EXPECT_EQ(runAlert(sink, u"Title"_s, QString(), std::nullopt, false), kAlertSecondButton);
+    EXPECT_EQ(runAlert(sink, u"Title"_s, u"m"_s, QStringList{}, true), kAlertFirstButton);
     const auto r = sink.requests();
     ASSERT_EQ(r.size(), 2u);
-    EXPECT_EQ(*r[0].buttons, QStringList{QStringLiteral("OK")});
+    EXPECT_EQ(*r[0].buttons, QStringList{u"OK"_s});
     EXPECT_EQ(r[0].message, QString());
     EXPECT_FALSE(r[0].critical);
     EXPECT_TRUE(r[1].buttons->isEmpty());
@@ -37,50 +38,46 @@ TEST(Alerts, NilButtonsGiveOneOkAndEmptyButtonsAreLeftToTheSink)
 
 TEST(Alerts, RequestDictionaryHasTheDocumentedKeysAndDefaults)
 {
-    const QVariantMap d = alertRequestDict(QStringLiteral("T"), QStringLiteral("M"), std::nullopt, true);
-    EXPECT_EQ(d.value(QStringLiteral("alert")).toString(), QStringLiteral("T"));
-    EXPECT_EQ(d.value(QStringLiteral("message")).toString(), QStringLiteral("M"));
-    EXPECT_TRUE(d.value(QStringLiteral("buttons")).toStringList().isEmpty());
-    EXPECT_TRUE(d.value(QStringLiteral("asCritical")).toBool());
-    EXPECT_EQ(d.value(QStringLiteral("propertyNameForAlertReturn")).toString(), QStringLiteral("lastAlertButtonReturn"));
+    const QVariantMap d = alertRequestDict(u"T"_s, u"M"_s, std::nullopt, true);
+    EXPECT_EQ(d.value(u"alert"_s).toString(), u"T"_s);
+    EXPECT_EQ(d.value(u"message"_s).toString(), u"M"_s);
+    EXPECT_TRUE(d.value(u"buttons"_s).toStringList().isEmpty());
+    EXPECT_TRUE(d.value(u"asCritical"_s).toBool());
+    EXPECT_EQ(d.value(u"propertyNameForAlertReturn"_s).toString(), u"lastAlertButtonReturn"_s);
 }
 
 TEST(Alerts, AnswerLandsInTheNamedPropertyOrIsLostQuietly)
 {
     Asker asker;
     ScriptedAlertSink sink({kAlertSecondButton, kAlertThirdButton, kAlertSecondButton});
-    runAlertOnMainThread(sink, &asker, QStringLiteral("Replace?"), QString(),
-                         QStringList{QStringLiteral("Keep"), QStringLiteral("Replace")}, false);
+    runAlertOnMainThread(sink, &asker, u"Replace?"_s, QString(), QStringList{u"Keep"_s, u"Replace"_s}, false);
     EXPECT_EQ(asker.lastAlertButtonReturn, kAlertSecondButton);
 
-    runAlertOnMainThread(sink, &asker, QStringLiteral("Again?"), QString(), std::nullopt, false,
-                         QStringLiteral("overwriteAnswer"));
+    runAlertOnMainThread(sink, &asker, u"Again?"_s, QString(), std::nullopt, false, u"overwriteAnswer"_s);
     EXPECT_EQ(asker.overwriteAnswer, kAlertThirdButton);
     EXPECT_EQ(asker.lastAlertButtonReturn, kAlertSecondButton);
 
     // An unknown slot loses the answer without failing; the call still reports it.
-    EXPECT_EQ(runAlertOnMainThread(sink, &asker, QStringLiteral("x"), QString(), std::nullopt, false,
-                                   QStringLiteral("noSuchProperty")),
+    EXPECT_EQ(runAlertOnMainThread(sink, &asker, u"x"_s, QString(), std::nullopt, false, u"noSuchProperty"_s),
               kAlertSecondButton);
     EXPECT_EQ(asker.lastAlertButtonReturn, kAlertSecondButton);
     EXPECT_EQ(asker.overwriteAnswer, kAlertThirdButton);
-    EXPECT_EQ(runAlertOnMainThread(sink, nullptr, QStringLiteral("x"), QString(), std::nullopt, false), kAlertFirstButton);
+    EXPECT_EQ(runAlertOnMainThread(sink, nullptr, u"x"_s, QString(), std::nullopt, false), kAlertFirstButton);
 }
 
 TEST(Alerts, PanelFunctionDropsEmptyButtonTitles)
 {
     ScriptedAlertSink sink;
-    TNRunAlertPanel(sink, QStringLiteral("T"), QStringLiteral("M"), QStringLiteral("OK"), QString(), QStringLiteral("Cancel"), false);
-    TNRunAlertPanel(sink, QStringLiteral("T"), QStringLiteral("M"), QString(), QString(), QString(), true);
+    TNRunAlertPanel(sink, u"T"_s, u"M"_s, u"OK"_s, QString(), u"Cancel"_s, false);
+    TNRunAlertPanel(sink, u"T"_s, u"M"_s, QString(), QString(), QString(), true);
     const auto r = sink.requests();
-    EXPECT_EQ(*r[0].buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
-    EXPECT_EQ(*r[1].buttons, QStringList{QStringLiteral("OK")});
+    EXPECT_EQ(*r[0].buttons, (QStringList{u"OK"_s, u"Cancel"_s}));
+    EXPECT_EQ(*r[1].buttons, QStringList{u"OK"_s});
 }
 
 TEST(Alerts, SupportLineIsAppended)
 {
-    EXPECT_EQ(withSupportContact(QStringLiteral("Failed.")),
-              QStringLiteral("Failed.\n\nWith any questions, contact support@tornvale.com"));
+    EXPECT_EQ(withSupportContact(u"Failed."_s), u"Failed.\n\nWith any questions, contact support@tornvale.com"_s);
 }
 
 #include "AlertsTest.moc"

@@ -5,6 +5,8 @@
 
 #include <limits>
 
+using namespace Qt::StringLiterals;
+
 namespace quillon::app {
 namespace {
 
@@ -37,7 +39,7 @@ TEST(NumericText, FloatsInSinglePrecision)
 
 TEST(NumericText, IntegersFromRecordValues)
 {
-    EXPECT_EQ(intValueOf(QVariant(QStringLiteral("450"))), 450);
+    EXPECT_EQ(intValueOf(QVariant(u"450"_s)), 450);
     EXPECT_EQ(intValueOf(QVariant(true)), 1);
     EXPECT_EQ(intValueOf(QVariant(62.9)), 62);
     EXPECT_EQ(intValueOf(QVariant(-1e12)), std::numeric_limits<int>::min());
@@ -50,17 +52,17 @@ TEST(NumericText, IntegersFromRecordValues)
 
 TEST(PathComponents, ExtensionsAsTheDesktopReadsThem)
 {
-    EXPECT_EQ(pathExtension(QStringLiteral("/a/photo.tif")), QStringLiteral("tif"));
-    EXPECT_EQ(pathExtension(QStringLiteral("archive.tar.gz")), QStringLiteral("gz"));
-    EXPECT_EQ(pathExtension(QStringLiteral(".profile")), QString());
-    EXPECT_EQ(pathExtension(QStringLiteral("/a.b/photo")), QString());
-    EXPECT_EQ(pathExtension(QStringLiteral("photo.")), QString());
-    EXPECT_EQ(stringByDeletingPathExtension(QStringLiteral("/x/Print.qnfp")), QStringLiteral("/x/Print"));
-    EXPECT_EQ(stringByDeletingPathExtension(QStringLiteral("/x.y/Print")), QStringLiteral("/x.y/Print"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/jobs/a.indd")), QStringLiteral("a.indd"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/jobs/")), QStringLiteral("jobs"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("/")), QStringLiteral("/"));
-    EXPECT_EQ(lastPathComponent(QStringLiteral("name")), QStringLiteral("name"));
+    EXPECT_EQ(pathExtension(u"/a/photo.tif"_s), u"tif"_s);
+    EXPECT_EQ(pathExtension(u"archive.tar.gz"_s), u"gz"_s);
+    EXPECT_EQ(pathExtension(u".profile"_s), QString());
+    EXPECT_EQ(pathExtension(u"/a.b/photo"_s), QString());
+    EXPECT_EQ(pathExtension(u"photo."_s), QString());
+    EXPECT_EQ(stringByDeletingPathExtension(u"/x/Print.qnfp"_s), u"/x/Print"_s);
+    EXPECT_EQ(stringByDeletingPathExtension(u"/x.y/Print"_s), u"/x.y/Print"_s);
+    EXPECT_EQ(lastPathComponent(u"/jobs/a.indd"_s), u"a.indd"_s);
+    EXPECT_EQ(lastPathComponent(u"/jobs/"_s), u"jobs"_s);
+    EXPECT_EQ(lastPathComponent(u"/"_s), u"/"_s);
+    EXPECT_EQ(lastPathComponent(u"name"_s), u"name"_s);
 }
 
 } // namespace

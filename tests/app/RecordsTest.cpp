@@ -6,82 +6,80 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::app;
 
 namespace {
 QVariantMap rec(const QString& name, const QVariant& status)
 {
-    return {{QStringLiteral("name"), name}, {QStringLiteral("status"), status}};
+    return {{u"name"_s, name}, {u"status"_s, status}};
 }
 } // namespace
 
 TEST(Records, NameLookupAndRemovalTakeTheFirstMatchOnly)
 {
-    QVariantList list{rec(QStringLiteral("A"), 1), QVariantMap{{QStringLiteral("other"), 1}}, rec(QStringLiteral("B"), 2),
-                      rec(QStringLiteral("A"), 3)};
-    ASSERT_TRUE(objectForName(list, QStringLiteral("A")).has_value());
-    EXPECT_EQ(objectForName(list, QStringLiteral("A"))->value(QStringLiteral("status")).toInt(), 1);
-    EXPECT_FALSE(objectForName(list, QStringLiteral("C")).has_value());
-    EXPECT_TRUE(removeObjectForName(list, QStringLiteral("A")));
+    QVariantList list{rec(u"A"_s, 1), QVariantMap{{u"other"_s, 1}}, rec(u"B"_s, 2), rec(u"A"_s, 3)};
+    ASSERT_TRUE(objectForName(list, u"A"_s).has_value());
+    EXPECT_EQ(objectForName(list, u"A"_s)->value(u"status"_s).toInt(), 1);
+    EXPECT_FALSE(objectForName(list, u"C"_s).has_value());
+    EXPECT_TRUE(removeObjectForName(list, u"A"_s));
     ASSERT_EQ(list.size(), 3);
-    EXPECT_EQ(objectForName(list, QStringLiteral("A"))->value(QStringLiteral("status")).toInt(), 3);
-    EXPECT_FALSE(removeObjectForName(list, QStringLiteral("C")));
+    EXPECT_EQ(objectForName(list, u"A"_s)->value(u"status"_s).toInt(), 3);
+    EXPECT_FALSE(removeObjectForName(list, u"C"_s));
     EXPECT_EQ(list.size(), 3);
 }
 
 TEST(Records, FilterByValueKeepsOrderAndTreatsMissingKeysAsUnequal)
 {
-    const QVariantList list{rec(QStringLiteral("a"), QStringLiteral("Missing")), rec(QStringLiteral("b"), QStringLiteral("OK")),
-                            QVariantMap{{QStringLiteral("name"), QStringLiteral("c")}},
-                            rec(QStringLiteral("d"), QStringLiteral("Missing"))};
-    const QVariantList missing = everyDictWhoseValueForKey(list, QStringLiteral("status"), QStringLiteral("Missing"));
+    const QVariantList list{rec(u"a"_s, u"Missing"_s), rec(u"b"_s, u"OK"_s), QVariantMap{{u"name"_s, u"c"_s}},
+                            rec(u"d"_s, u"Missing"_s)};
+    const QVariantList missing = everyDictWhoseValueForKey(list, u"status"_s, u"Missing"_s);
     ASSERT_EQ(missing.size(), 2);
-    EXPECT_EQ(missing[1].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("d"));
-    const QVariantList others = everyDictWhoseValueForKeyIsNot(list, QStringLiteral("status"), QStringLiteral("Missing"));
+    EXPECT_EQ(missing[1].toMap().value(u"name"_s).toString(), u"d"_s);
+    const QVariantList others = everyDictWhoseValueForKeyIsNot(list, u"status"_s, u"Missing"_s);
     ASSERT_EQ(others.size(), 2);
-    EXPECT_EQ(others[0].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("b"));
-    EXPECT_EQ(others[1].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("c"));
+    EXPECT_EQ(others[0].toMap().value(u"name"_s).toString(), u"b"_s);
+    EXPECT_EQ(others[1].toMap().value(u"name"_s).toString(), u"c"_s);
 }
 
 TEST(Records, KeyPathAppliesTheFirstKeyTwice)
 {
-    const QVariantMap inner{{QStringLiteral("b"), QStringLiteral("deep")}};
-    const QVariantMap a{{QStringLiteral("a"), inner}, {QStringLiteral("b"), QStringLiteral("shallow")}};
-    const QVariantMap root{{QStringLiteral("a"), a}};
-    EXPECT_EQ(valueForKeyAtPath(root, QStringLiteral("a.b")).toString(), QStringLiteral("deep"));
-    // The ordinary reading (root.a.b == "shallow") is not what this lookup does.
-    EXPECT_NE(valueForKeyAtPath(root, QStringLiteral("a.b")).toString(), QStringLiteral("shallow"));
-    EXPECT_TRUE(valueForKeyAtPath(root, QStringLiteral("x.y")).isNull());
-    EXPECT_TRUE(valueForKeyAtPath(QVariantMap{{QStringLiteral("a"), 5}}, QStringLiteral("a")).isNull());
-    EXPECT_EQ(valueForKeyAtPath(QVariantMap{{QStringLiteral("a"), a}}, QStringLiteral("a")).toMap(), inner);
+    const QVariantMap inner{{u"b"_s, u"deep"_s}};
+    const QVariantMap a{{u"a"_s, inner}, {u"b"_s, u"shallow"_s}};
+    const QVariantMap root{{u"a"_s, a}};
+    EXPECT_EQ(valueForKeyAtPath(root, u"a.b"_s).toString(), u"deep"_s);
+    EXPECT_TRUE(valueForKeyAtPath(root, u"x.y"_s).isNull());
+    EXPECT_TRUE(valueForKeyAtPath(QVariantMap{{u"a"_s, 5}}, u"a"_s).isNull());
+    EXPECT_EQ(valueForKeyAtPath(QVariantMap{{u"a"_s, a}}, u"a"_s).toMap(), inner);
 }
 
 TEST(Records, NilValueFallsBack)
 {
     QVariantMap r;
-    setObjectForKeyValueIfNil(r, QStringLiteral("k"), QVariant(), QStringLiteral("?"));
-    setObjectForKeyValueIfNil(r, QStringLiteral("j"), QStringLiteral(""), QStringLiteral("?"));
-    EXPECT_EQ(r.value(QStringLiteral("k")).toString(), QStringLiteral("?"));
-    EXPECT_EQ(r.value(QStringLiteral("j")).toString(), QString());
+    setObjectForKeyValueIfNil(r, u"k"_s, QVariant(), u"?"_s);
+    setObjectForKeyValueIfNil(r, u"j"_s, u""_s, u"?"_s);
+    EXPECT_EQ(r.value(u"k"_s).toString(), u"?"_s);
+    EXPECT_EQ(r.value(u"j"_s).toString(), QString());
 }
 
 TEST(Settings, BoolForKeyWithNilValueAndTypedDefaults)
 {
     QTemporaryDir dir;
-    Settings s(dir.filePath(QStringLiteral("defaults.ini")));
-    EXPECT_FALSE(s.boolForKey(QStringLiteral("flag"), false));
-    EXPECT_TRUE(s.boolForKey(QStringLiteral("flag"), true));
-    s.setValue(QStringLiteral("flag"), false);
-    EXPECT_FALSE(s.boolForKey(QStringLiteral("flag"), true));
-    s.setValue(QStringLiteral("flag"), QStringLiteral("YES"));
-    EXPECT_TRUE(s.boolForKey(QStringLiteral("flag"), false));
-    s.setValue(QStringLiteral("flag"), QStringLiteral("0"));
-    EXPECT_FALSE(s.boolForKey(QStringLiteral("flag"), true));
+    Settings s(dir.filePath(u"defaults.ini"_s));
+    EXPECT_FALSE(s.boolForKey(u"flag"_s, false));
+    EXPECT_TRUE(s.boolForKey(u"flag"_s, true));
+    s.setValue(u"flag"_s, false);
+    EXPECT_FALSE(s.boolForKey(u"flag"_s, true));
+    s.setValue(u"flag"_s, u"YES"_s);
+    EXPECT_TRUE(s.boolForKey(u"flag"_s, false));
+    s.setValue(u"flag"_s, u"0"_s);
+    EXPECT_FALSE(s.boolForKey(u"flag"_s, true));
 
-    const SettingKey preset{"selectedPreset", QStringLiteral("[Default]")};
-    EXPECT_EQ(s.string(preset), QStringLiteral("[Default]"));
-    s.setValue(QStringLiteral("selectedPreset"), QStringLiteral("Print"));
+    const SettingKey preset{"selectedPreset", u"[Default]"_s};
+    EXPECT_EQ(s.string(preset), u"[Default]"_s);
+    s.setValue(u"selectedPreset"_s, u"Print"_s);
     s.sync();
-    Settings again(dir.filePath(QStringLiteral("defaults.ini")));
-    EXPECT_EQ(again.string(preset), QStringLiteral("Print"));
+    Settings again(dir.filePath(u"defaults.ini"_s));
+    EXPECT_EQ(again.string(preset), u"Print"_s);
 }

@@ -23,16 +23,13 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::app;
 using quillon::test::readAll;
 using quillon::test::writeAll;
 
 namespace {
-
-QByteArray local(const QString& path)
-{
-    return localBytesOfPath(path);
-}
 
 // A listening Unix socket at `path`, closed with the object.
 struct Socket {
@@ -42,7 +39,7 @@ struct Socket {
         fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        const QByteArray bytes = local(path);
+        const QByteArray bytes = localBytesOfPath(path);
         std::memcpy(address.sun_path, bytes.constData(), std::min<size_t>(bytes.size(), sizeof address.sun_path - 1));
         EXPECT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     }
@@ -55,24 +52,24 @@ TEST(RegularFile, EveryKindOfNonFileIsNamedAndRefusedAtOnce)
 {
     QTemporaryDir dir;
     const QString d = dir.path();
-    ASSERT_EQ(::mkfifo(local(d + QStringLiteral("/fifo.qnfp")).constData(), 0600), 0);
-    const Socket socket(d + QStringLiteral("/socket.qnfp"));
-    QDir(d).mkdir(QStringLiteral("folder.qnfp"));
-    ASSERT_EQ(::symlink("loop-b", local(d + QStringLiteral("/loop-a")).constData()), 0);
-    ASSERT_EQ(::symlink("loop-a", local(d + QStringLiteral("/loop-b")).constData()), 0);
-    ASSERT_EQ(::symlink("/dev/zero", local(d + QStringLiteral("/zero.qnfp")).constData()), 0);
+    ASSERT_EQ(::mkfifo(localBytesOfPath(d + u"/fifo.qnfp"_s).constData(), 0600), 0);
+    const Socket socket(d + u"/socket.qnfp"_s);
+    QDir(d).mkdir(u"folder.qnfp"_s);
+    ASSERT_EQ(::symlink("loop-b", localBytesOfPath(d + u"/loop-a"_s).constData()), 0);
+    ASSERT_EQ(::symlink("loop-a", localBytesOfPath(d + u"/loop-b"_s).constData()), 0);
+    ASSERT_EQ(::symlink("/dev/zero", localBytesOfPath(d + u"/zero.qnfp"_s).constData()), 0);
 
     const struct {
         QString path;
         const char* message;
     } cases[] = {
-        {d + QStringLiteral("/fifo.qnfp"), "is not a regular file (a FIFO)"},
-        {d + QStringLiteral("/socket.qnfp"), "is not a regular file (a socket)"},
-        {d + QStringLiteral("/folder.qnfp"), "is not a regular file (a folder)"},
-        {QStringLiteral("/dev/zero"), "is not a regular file (a character device)"},
-        {d + QStringLiteral("/zero.qnfp"), "is not a regular file (a character device)"},
-        {d + QStringLiteral("/loop-a"), "too many levels of symbolic links"},
-        {d + QStringLiteral("/missing"), "the file does not exist"},
+        {d + u"/fifo.qnfp"_s, "is not a regular file (a FIFO)"},
+        {d + u"/socket.qnfp"_s, "is not a regular file (a socket)"},
+        {d + u"/folder.qnfp"_s, "is not a regular file (a folder)"},
+        {u"/dev/zero"_s, "is not a regular file (a character device)"},
+        {d + u"/zero.qnfp"_s, "is not a regular file (a character device)"},
+        {d + u"/loop-a"_s, "too many levels of symbolic links"},
+        {d + u"/missing"_s, "the file does not exist"},
     };
     for (const auto& c : cases) {
         const Status checked = checkRegularFile(c.path);
@@ -94,31 +91,31 @@ TEST(RegularFile, EveryKindOfNonFileIsNamedAndRefusedAtOnce)
 TEST(RegularFile, NamesThatAreNotUtf8AreReadAndShownWithTheirBytes)
 {
     QTemporaryDir dir;
-    const QByteArray raw = local(dir.path()) + "/caf\xe9 \xff\xfe.qnfp";
+    const QByteArray raw = localBytesOfPath(dir.path()) + "/caf\xe9 \xff\xfe.qnfp";
     const QString path = pathFromLocalBytes(raw);
     EXPECT_EQ(localBytesOfPath(path), raw);
-    EXPECT_TRUE(displayPath(path).endsWith(QStringLiteral("/caf\\xE9 \\xFF\\xFE.qnfp")));
+    EXPECT_TRUE(displayPath(path).endsWith(u"/caf\\xE9 \\xFF\\xFE.qnfp"_s));
     // Valid UTF-8, including characters outside the basic plane, passes unchanged both ways.
     const QByteArray utf8 = "/tmp/\xc3\xa9t\xc3\xa9 \xf0\x9f\x93\x84.qnfp";
     EXPECT_EQ(pathFromLocalBytes(utf8), QString::fromUtf8(utf8));
     EXPECT_EQ(localBytesOfPath(QString::fromUtf8(utf8)), utf8);
 
-    ASSERT_TRUE(writePropertyListFile(QVariantMap{{QStringLiteral("name"), QStringLiteral("x")}}, path).ok());
+    ASSERT_TRUE(writePropertyListFile(QVariantMap{{u"name"_s, u"x"_s}}, path).ok());
     const Result<QVariantMap> read = readPropertyListDictionary(path);
     ASSERT_TRUE(read.ok()) << read.error().text().toStdString();
-    EXPECT_EQ(read->value(QStringLiteral("name")).toString(), u"x");
+    EXPECT_EQ(read->value(u"name"_s).toString(), u"x");
 
-    const QString missing = pathFromLocalBytes(local(dir.path()) + "/\xff.qnfp");
+    const QString missing = pathFromLocalBytes(localBytesOfPath(dir.path()) + "/\xff.qnfp");
     const Result<QVariant> error = readPropertyListFile(missing);
     ASSERT_FALSE(error.ok());
-    EXPECT_TRUE(error.error().text().endsWith(QStringLiteral("/\\xFF.qnfp: the file does not exist")))
+    EXPECT_TRUE(error.error().text().endsWith(u"/\\xFF.qnfp: the file does not exist"_s))
         << error.error().text().toStdString();
 }
 
 TEST(RegularFile, ReadsAreBoundedAndSaySo)
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("big.qnfp"));
+    const QString path = dir.filePath(u"big.qnfp"_s);
     writeAll(path, QByteArray(2048, 'x'));
     EXPECT_EQ(readRegularFile(path, 2048)->size(), 2048);
     const Result<QByteArray> tooLarge = readRegularFile(path, 1024);
@@ -127,7 +124,7 @@ TEST(RegularFile, ReadsAreBoundedAndSaySo)
     EXPECT_EQ(tooLarge.error().message, u"is too large (2048 bytes; at most 1024 bytes are read)");
 
     // A preset file beyond the bound is refused unread, with the limit in the message.
-    ASSERT_EQ(::truncate(local(path).constData(), kMaxPropertyListBytes + 1), 0);
+    ASSERT_EQ(::truncate(localBytesOfPath(path).constData(), kMaxPropertyListBytes + 1), 0);
     const Result<QVariant> preset = readPropertyListFile(path);
     ASSERT_FALSE(preset.ok());
     EXPECT_TRUE(preset.error().message.contains(QLatin1String("at most 16 MiB")))
@@ -137,7 +134,7 @@ TEST(RegularFile, ReadsAreBoundedAndSaySo)
 TEST(RegularFile, AFailedWriteKeepsTheOldFileAndGivesTheSystemsReason)
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("preset.qnfp"));
+    const QString path = dir.filePath(u"preset.qnfp"_s);
     writeAll(path, "old contents");
     ASSERT_TRUE(writeFileReplacing(path, "new contents").ok());
     EXPECT_EQ(readAll(path), "new contents");
@@ -157,10 +154,10 @@ TEST(RegularFile, AFailedWriteKeepsTheOldFileAndGivesTheSystemsReason)
     EXPECT_EQ(failed.error().file, path);
     EXPECT_EQ(failed.error().message, u"cannot be written: file too large");
     EXPECT_EQ(readAll(path), "new contents");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("preset.qnfp")});
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{u"preset.qnfp"_s});
 
     // /dev/full is a disk that is always full; it cannot be replaced, and says so.
-    const Status full = writeFileReplacing(QStringLiteral("/dev/full"), "x");
+    const Status full = writeFileReplacing(u"/dev/full"_s, "x");
     ASSERT_FALSE(full.ok());
     EXPECT_TRUE(full.error().message.contains(QLatin1String("not a regular file")));
 }
@@ -168,23 +165,23 @@ TEST(RegularFile, AFailedWriteKeepsTheOldFileAndGivesTheSystemsReason)
 TEST(RegularFile, SettingsAndTemporaryFolderSurviveOddPlaces)
 {
     QTemporaryDir dir;
-    const QString fifo = dir.filePath(QStringLiteral("settings.ini"));
-    ASSERT_EQ(::mkfifo(local(fifo).constData(), 0600), 0);
+    const QString fifo = dir.filePath(u"settings.ini"_s);
+    ASSERT_EQ(::mkfifo(localBytesOfPath(fifo).constData(), 0600), 0);
     QElapsedTimer timer;
     timer.start();
     Settings settings(fifo);
     EXPECT_LT(timer.elapsed(), 3000);
     ASSERT_TRUE(settings.error().has_value());
     EXPECT_EQ(settings.error()->message, u"is not a regular file (a FIFO)");
-    EXPECT_EQ(settings.value(QStringLiteral("key"), 7).toInt(), 7);
-    settings.setValue(QStringLiteral("key"), 8); // kept nowhere, and no crash
-    EXPECT_FALSE(Settings(dir.filePath(QStringLiteral("fresh.ini"))).error().has_value());
+    EXPECT_EQ(settings.value(u"key"_s, 7).toInt(), 7);
+    settings.setValue(u"key"_s, 8); // kept nowhere, and no crash
+    EXPECT_FALSE(Settings(dir.filePath(u"fresh.ini"_s)).error().has_value());
 
     // A TMPDIR that names no folder gives the system default, never the folder above it.
     const QByteArray saved = qgetenv("TMPDIR");
-    qputenv("TMPDIR", local(dir.filePath(QStringLiteral("gone/deeper"))));
+    qputenv("TMPDIR", localBytesOfPath(dir.filePath(u"gone/deeper"_s)));
     const QString temporary = temporaryFolder();
-    qputenv("TMPDIR", local(dir.path()));
+    qputenv("TMPDIR", localBytesOfPath(dir.path()));
     const QString existing = temporaryFolder();
     if (saved.isNull())
         qunsetenv("TMPDIR");

@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::fileinspect;
 using quillon::test::samplePath;
 
@@ -74,7 +76,7 @@ TEST(FileFacts, ImageAndPdfFiles)
     const FileFacts lzw = facts("tiff/ExifTool.tif");
     EXPECT_EQ(lzw.kind, FileKind::TIFF);
     EXPECT_EQ(lzw.tiffCompression, 5);
-    EXPECT_EQ(lzw.tiffCompressionName, QStringLiteral("LZW"));
+    EXPECT_EQ(lzw.tiffCompressionName, u"LZW"_s);
     const FileFacts packBits = facts("tiff/copyleft.tiff");
     EXPECT_EQ(packBits.tiffCompression, 32773);
     EXPECT_FALSE(packBits.tiffCompressionName);
@@ -95,16 +97,15 @@ TEST(FileFacts, KindsByContentThenExtension)
 {
     quillon::test::TempFiles files;
     // Content wins over a misleading extension; an Illustrator file in PDF form is told by ".ai".
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("photo.eps"), "8BPS\0\1")), FileKind::Photoshop);
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.ai"), "%PDF-1.5\n")), FileKind::Illustrator);
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.pdf"), "%PDF-1.5\n")), FileKind::PDF);
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("art.bin"), "%!PS-Adobe-3.0 EPSF-3.0\n")), FileKind::EPS);
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("a.jpg"), "not really")), FileKind::JPEG);
-    EXPECT_EQ(detectFileKind(files.write(QStringLiteral("notes.txt"), "text")), FileKind::Unknown);
+    EXPECT_EQ(detectFileKind(files.write(u"photo.eps"_s, "8BPS\0\1")), FileKind::Photoshop);
+    EXPECT_EQ(detectFileKind(files.write(u"art.ai"_s, "%PDF-1.5\n")), FileKind::Illustrator);
+    EXPECT_EQ(detectFileKind(files.write(u"art.pdf"_s, "%PDF-1.5\n")), FileKind::PDF);
+    EXPECT_EQ(detectFileKind(files.write(u"art.bin"_s, "%!PS-Adobe-3.0 EPSF-3.0\n")), FileKind::EPS);
+    EXPECT_EQ(detectFileKind(files.write(u"a.jpg"_s, "not really")), FileKind::JPEG);
+    EXPECT_EQ(detectFileKind(files.write(u"notes.txt"_s, "text")), FileKind::Unknown);
     // Another image format needs no kind of its own for its size and profile.
-    const FileFacts webp = inspectFile(
-        files.write(QStringLiteral("a.webp"),
-                    quillon::test::webpWithProfile(quillon::test::readAll(samplePath("other/ICC_Profile.icc")))));
+    const FileFacts webp = inspectFile(files.write(
+        u"a.webp"_s, quillon::test::webpWithProfile(quillon::test::readAll(samplePath("other/ICC_Profile.icc")))));
     EXPECT_EQ(webp.kind, FileKind::Unknown);
     EXPECT_EQ(webp.pixelWidth, 5);
     EXPECT_EQ(webp.profile, u"Nikon Adobe RGB 4.0.0.3000");
@@ -119,22 +120,21 @@ TEST(FileFacts, UnreadableFilesSayWhy)
     EXPECT_EQ(inspectFile(samplePath("psd")).error, u"is not a regular file (a folder)");
 
     quillon::test::TempFiles files;
-    ASSERT_EQ(::mkfifo(QFile::encodeName(files.path(QStringLiteral("pipe.psd"))).constData(), 0600), 0);
-    EXPECT_EQ(inspectFile(files.path(QStringLiteral("pipe.psd"))).error, u"is not a regular file (a FIFO)");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(files.path(u"pipe.psd"_s)).constData(), 0600), 0);
+    EXPECT_EQ(inspectFile(files.path(u"pipe.psd"_s)).error, u"is not a regular file (a FIFO)");
 
     // The kind comes from the content; a name alone is not believed.
     for (const QByteArray& bytes : {QByteArray(), QByteArray("\x12\x34 random bytes, no header")}) {
-        EXPECT_EQ(inspectFile(files.write(QStringLiteral("fake.psd"), bytes)).error,
-                  u"not a Photoshop file (no 8BPS signature)");
-        EXPECT_EQ(inspectFile(files.write(QStringLiteral("fake.pdf"), bytes)).error,
+        EXPECT_EQ(inspectFile(files.write(u"fake.psd"_s, bytes)).error, u"not a Photoshop file (no 8BPS signature)");
+        EXPECT_EQ(inspectFile(files.write(u"fake.pdf"_s, bytes)).error,
                   u"not a PDF file (no %PDF- header in its first 1024 bytes)");
     }
-    const FileFacts broken = inspectFile(files.write(QStringLiteral("broken.pdf"), "%PDF-1.4\nnothing else"));
+    const FileFacts broken = inspectFile(files.write(u"broken.pdf"_s, "%PDF-1.4\nnothing else"));
     EXPECT_TRUE(broken.error.startsWith(QLatin1String("is a PDF that cannot be read"))) << broken.error.toStdString();
 
     // Three gigabytes that are not a PDF, or only pretend to be, are refused without being scanned.
     for (const QByteArray& head : {QByteArray("GIF89a"), QByteArray("%PDF-1.7\n%garbage")}) {
-        const QString huge = files.write(QStringLiteral("huge.pdf"), head);
+        const QString huge = files.write(u"huge.pdf"_s, head);
         ASSERT_EQ(::truncate(QFile::encodeName(huge).constData(), 3LL << 30), 0);
         QElapsedTimer timer;
         timer.start();

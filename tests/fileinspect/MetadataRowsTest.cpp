@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::fileinspect;
 using quillon::test::samplePath;
 
@@ -27,7 +29,7 @@ QStringList shown(const QVariantList& rows)
 {
     QStringList lines;
     for (const QVariant& row : rows)
-        lines << row.toMap().value(metadatakeys::kTag).toString() + QStringLiteral(": ") +
+        lines << row.toMap().value(metadatakeys::kTag).toString() + u": "_s +
                      metadataValueText(row.toMap().value(metadatakeys::kValue));
     return lines;
 }
@@ -43,13 +45,13 @@ QStringList rowsOf(const char* sample)
 TEST(MetadataRows, NamesSplitAtCapitals)
 {
     PXMetadataController controller;
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("BrightnessValue")), u"Brightness Value");
+    EXPECT_EQ(controller.splitByUppercaseLetters(u"BrightnessValue"_s), u"Brightness Value");
     // Two or more single capitals: rebuilt, abbreviations kept together, a trailing blank left.
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ISOSpeedRatings")), u"ISO Speed Ratings ");
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("ImageUniqueID")), u"Image Unique ID");
+    EXPECT_EQ(controller.splitByUppercaseLetters(u"ISOSpeedRatings"_s), u"ISO Speed Ratings ");
+    EXPECT_EQ(controller.splitByUppercaseLetters(u"ImageUniqueID"_s), u"Image Unique ID");
     // Digits and other characters are dropped; no capital leaves the key as it is.
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("Exif2Version")), u"Exif Version");
-    EXPECT_EQ(controller.splitByUppercaseLetters(QStringLiteral("gamma")), u"gamma");
+    EXPECT_EQ(controller.splitByUppercaseLetters(u"Exif2Version"_s), u"Exif Version");
+    EXPECT_EQ(controller.splitByUppercaseLetters(u"gamma"_s), u"gamma");
 }
 
 TEST(MetadataRows, ExifTablesAndRemainingTags)
@@ -84,7 +86,7 @@ TEST(MetadataRows, DecodedExifTags)
                                                 {"ExposureTime", 0.5},
                                                 {"ComponentsConfiguration", QVariantList{1, 2, 3, 0}},
                                                 {"SensingMethod", 2},
-                                                {"InteropIndex", QStringLiteral("R98")}});
+                                                {"InteropIndex", u"R98"_s}});
     EXPECT_EQ(shown(controller.exifArray(exif)),
               QStringList({"Flash: Auto, Did not fire", "Components Configuration: Y, Cb, Cr, -",
                            "Sensing Method: One-chip color area sensor",
@@ -95,31 +97,30 @@ TEST(MetadataRows, DecodedExifTags)
     EXPECT_EQ(PXEXIFData::Orientation(8)->value(exifkeys::kParsedValue).toString(), u"Rotate 270 CW");
     // An unknown code shows as its number; a value that is no code gives nothing.
     EXPECT_EQ(PXEXIFData::Orientation(42)->value(exifkeys::kParsedValue).toString(), u"42");
-    EXPECT_FALSE(PXEXIFData::Orientation(QStringLiteral("left")));
-    EXPECT_FALSE(PXEXIFData::decode(QStringLiteral("ColorSpace"), 1));
+    EXPECT_FALSE(PXEXIFData::Orientation(u"left"_s));
+    EXPECT_FALSE(PXEXIFData::decode(u"ColorSpace"_s, 1));
 }
 
 TEST(MetadataRows, GpsRowsCutTheCoordinates)
 {
     PXMetadataController controller;
     EXPECT_EQ(shown(controller.gpsArr(dictionary({{"GPSVersion", QVariantList{2, 2, 0, 0}},
-                                                  {"LatitudeRef", QStringLiteral("N")},
+                                                  {"LatitudeRef", u"N"_s},
                                                   {"Latitude", 48.85837},
-                                                  {"LongitudeRef", QStringLiteral("E")},
+                                                  {"LongitudeRef", u"E"_s},
                                                   {"Longitude", 2.29448},
                                                   {"AltitudeRef", 1},
                                                   {"Altitude", 42.8},
-                                                  {"MapDatum", QStringLiteral("WGS-84")},
+                                                  {"MapDatum", u"WGS-84"_s},
                                                   {"Speed", 0}}))),
               QStringList({"GPS:  ", "Latitude: 48.85837 N", "Longtitude: 2.29448 E", "Altitude: -42.8 m",
                            "Map Datum: WGS-84", "Speed: 0"}));
     // A short latitude sets the cut of a long longitude.
-    EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 5.5},
-                                                  {"LatitudeRef", QStringLiteral("S")},
-                                                  {"Longitude", 123.456789},
-                                                  {"LongitudeRef", QStringLiteral("W")}})))
-                  .value(2),
-              u"Longtitude: 123 W");
+    EXPECT_EQ(
+        shown(controller.gpsArr(dictionary(
+                  {{"Latitude", 5.5}, {"LatitudeRef", u"S"_s}, {"Longitude", 123.456789}, {"LongitudeRef", u"W"_s}})))
+            .value(2),
+        u"Longtitude: 123 W");
     // Without the references the coordinates are plain rows.
     EXPECT_EQ(shown(controller.gpsArr(dictionary({{"Latitude", 5.5}, {"Longitude", 1.25}}))),
               QStringList({"GPS:  ", "Latitude: 5.5", "Longitude: 1.25"}));
@@ -129,13 +130,13 @@ TEST(MetadataRows, SectionsFollowTheViewersRules)
 {
     PXMetadataController controller;
     ImageMetadata metadata;
-    metadata.tiff = dictionary({{"Make", QStringLiteral("Canon")}, {"Orientation", 6}, {"XResolution", 72}});
-    metadata.iptc = dictionary({{"ObjectName", QStringLiteral("Title")}, {"Keywords", QVariantList{"a", "b"}}});
+    metadata.tiff = dictionary({{"Make", u"Canon"_s}, {"Orientation", 6}, {"XResolution", 72}});
+    metadata.iptc = dictionary({{"ObjectName", u"Title"_s}, {"Keywords", QVariantList{"a", "b"}}});
     // No EXIF: no TIFF section either.
     EXPECT_EQ(shown(controller.rowsFromMetadata(metadata)),
               QStringList({"IPTC:  ", "Object Name: Title", "Keywords: a, b"}));
     metadata.exif = dictionary({{"FNumber", 2.8}});
-    metadata.gps = dictionary({{"MapDatum", QStringLiteral("WGS84")}});
+    metadata.gps = dictionary({{"MapDatum", u"WGS84"_s}});
     EXPECT_EQ(shown(controller.rowsFromMetadata(metadata)),
               QStringList({"EXIF:  ", "F Number: 2.8", "TIFF:  ", "Make: Canon", "Orientation: Rotate 90 CW",
                            "IPTC:  ", "Object Name: Title", "Keywords: a, b", "GPS:  ", "Map Datum: WGS84"}));
@@ -189,21 +190,21 @@ TEST(MetadataRows, TableShowsRowsOnlyForAFile)
 TEST(MetadataRows, PdfAndPrintSizes)
 {
     quillon::test::TempFiles files;
-    quillon::app::Settings settings(files.path(QStringLiteral("defaults.ini")));
+    quillon::app::Settings settings(files.path(u"defaults.ini"_s));
     PXMetadataController controller(&settings);
     EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("other/PDF.pdf")), QStringList({"8", "8"}));
     EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("other/module1.pdf")), QStringList({"178.6", "164.4"}));
     EXPECT_EQ(controller.pdfDimensionsAtPath(samplePath("jpeg/Kodak.jpg")), QStringList({"0", "0"}));
 
-    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("mm"));
+    settings.setValue(u"measurementUnits"_s, u"mm"_s);
     EXPECT_EQ(controller.printDimensionsFromInchValues(8.5, 11), QStringList({"216", "279"}));
-    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("in"));
+    settings.setValue(u"measurementUnits"_s, u"in"_s);
     EXPECT_EQ(controller.printDimensionsFromInchValues(8.504, 11.0), QStringList({"8.5", "11"}));
-    settings.setValue(QStringLiteral("measurementUnits"), QStringLiteral("furlong"));
+    settings.setValue(u"measurementUnits"_s, u"furlong"_s);
     EXPECT_EQ(controller.measurementUnits(), u"in");
 
     // Unset, the locale's measurement system decides.
-    settings.remove(QStringLiteral("measurementUnits"));
+    settings.remove(u"measurementUnits"_s);
     const QLocale previous;
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     EXPECT_EQ(controller.measurementUnits(), u"mm");

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::fileinspect;
 using quillon::test::be16;
 using quillon::test::be32;
@@ -135,13 +137,13 @@ TEST(PhotoshopReader, AlphaChannelNames)
             bytes += be16(c.unicode());
         return bytes;
     };
-    EXPECT_EQ(QNPreflightMethods::alphaNames(unicode(QStringLiteral("Alpha 1")) + unicode(QStringLiteral("Maske ä"))),
-              QStringList({QStringLiteral("Alpha 1"), QStringLiteral("Maske ä")}));
+    EXPECT_EQ(QNPreflightMethods::alphaNames(unicode(u"Alpha 1"_s) + unicode(u"Maske ä"_s)),
+              QStringList({u"Alpha 1"_s, u"Maske ä"_s}));
     // Cut short to an odd byte count it is no UTF-16: 7-bit text is read as ASCII, UTF-8 as such,
     // anything else as "<unknown>".
-    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "abc"), QStringList{QStringLiteral("abc")});
-    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "\xc3\xa4x"), QStringList{QStringLiteral("äx")});
-    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "\xff\xfe\xfd"), QStringList{QStringLiteral("<unknown>")});
+    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "abc"), QStringList{u"abc"_s});
+    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "\xc3\xa4x"), QStringList{u"äx"_s});
+    EXPECT_EQ(QNPreflightMethods::alphaNames(be32(2) + "\xff\xfe\xfd"), QStringList{u"<unknown>"_s});
     EXPECT_TRUE(QNPreflightMethods::alphaNames({}).isEmpty());
 }
 
@@ -160,11 +162,8 @@ TEST(PhotoshopReader, SmallUtilities)
     EXPECT_EQ(QNPreflightMethods::finalScaleHor(62.54, 62.5), u"62.5");
     EXPECT_EQ(QNPreflightMethods::finalScaleHor(50, -25), u"50x25");
 
-    EXPECT_EQ(QNPreflightMethods::duotoneRes(QStringLiteral("72"), QStringLiteral("300"), QStringLiteral("50")),
-              QStringList({QStringLiteral("300"), QStringLiteral("600")}));
-    EXPECT_EQ(QNPreflightMethods::duotoneRes(QStringLiteral("144"), QStringLiteral("301"), QStringLiteral("62,5")),
-              QStringList({QStringLiteral("150"), QStringLiteral("240")}));
+    EXPECT_EQ(QNPreflightMethods::duotoneRes(u"72"_s, u"300"_s, u"50"_s), QStringList({u"300"_s, u"600"_s}));
+    EXPECT_EQ(QNPreflightMethods::duotoneRes(u"144"_s, u"301"_s, u"62,5"_s), QStringList({u"150"_s, u"240"_s}));
     // Nothing to divide by: whole numbers all the same, never undefined behaviour.
-    EXPECT_EQ(QNPreflightMethods::duotoneRes(QStringLiteral("0"), QStringLiteral("300"), QStringLiteral("0")),
-              QStringList({QStringLiteral("0"), QStringLiteral("0")}));
+    EXPECT_EQ(QNPreflightMethods::duotoneRes(u"0"_s, u"300"_s, u"0"_s), QStringList({u"0"_s, u"0"_s}));
 }

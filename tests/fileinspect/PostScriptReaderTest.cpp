@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon::fileinspect;
 using quillon::test::samplePath;
 
@@ -38,24 +40,23 @@ TEST(PostScriptReader, VectorEpsFilesOfIllustrator)
     // Version 17: the colour mode comes from the XMP packet (LAB, so not CMYK); the spot colours
     // follow the thumbnail; an empty font comment on a line of its own sends the reader to the
     // embedded fonts, of which there are none.
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/Envoy_Logo_Final_CMYK-REVERSE.eps")),
-              list({QStringLiteral("RGB"), 3, QStringLiteral("PANTONE 239 C\nPANTONE 252 C\nPANTONE 253 C"),
-                    QStringLiteral("-"), QStringLiteral("-")}));
+    EXPECT_EQ(vectorEps(reader, u"eps/Envoy_Logo_Final_CMYK-REVERSE.eps"_s),
+              list({u"RGB"_s, 3, u"PANTONE 239 C\nPANTONE 252 C\nPANTONE 253 C"_s, u"-"_s, u"-"_s}));
     EXPECT_EQ(reader.aiVersion(), 17u);
 
     // Illustrator 8: "%%DocumentProcessColors:" makes it CMYK.
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/ulogo.eps")).value(0).toString(), u"CMYK");
+    EXPECT_EQ(vectorEps(reader, u"eps/ulogo.eps"_s).value(0).toString(), u"CMYK");
     EXPECT_EQ(reader.aiVersion(), 8u);
 
     // CS3 (version 13) with a thumbnail: the comments are read after the thumbnail data.
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/beamerthemesuse-logo.eps")).value(0).toString(), u"CMYK");
+    EXPECT_EQ(vectorEps(reader, u"eps/beamerthemesuse-logo.eps"_s).value(0).toString(), u"CMYK");
     EXPECT_EQ(reader.aiVersion(), 13u);
 
     // CS6 (version 16) reads "<xmpG:mode>" anywhere in the file, with or without a preview header.
     // The font comment ends in CR LF, so the list taken runs up to 2 before the next comment: empty.
-    const QVariantList cs6 = list({QStringLiteral("CMYK"), QStringLiteral("-"), QStringLiteral("-"), 1, QString()});
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/illuCS6_no_preview.eps")), cs6);
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/illuCS6_preview.eps")), cs6);
+    const QVariantList cs6 = list({u"CMYK"_s, u"-"_s, u"-"_s, 1, QString()});
+    EXPECT_EQ(vectorEps(reader, u"eps/illuCS6_no_preview.eps"_s), cs6);
+    EXPECT_EQ(vectorEps(reader, u"eps/illuCS6_preview.eps"_s), cs6);
     EXPECT_EQ(reader.aiVersion(), 16u);
 }
 
@@ -63,14 +64,11 @@ TEST(PostScriptReader, VectorEpsFilesOfOtherPrograms)
 {
     QNPreflightMethods reader;
     // gnuplot: no Illustrator creator, and "(atend)" fonts whose comment has no known end.
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/zero_bb.eps")),
-              list({QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("?"),
-                    QStringLiteral("?")}));
+    EXPECT_EQ(vectorEps(reader, u"eps/zero_bb.eps"_s), list({u"-"_s, u"-"_s, u"-"_s, u"?"_s, u"?"_s}));
     EXPECT_EQ(reader.aiVersion(), 0u);
     // Illustrator 1.0 wrote its comments without the blank after the colon: nothing matches.
-    const QVariantList none =
-        list({QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-"), QStringLiteral("-")});
-    EXPECT_EQ(vectorEps(reader, QStringLiteral("eps/golfer.eps")), none);
+    const QVariantList none = list({u"-"_s, u"-"_s, u"-"_s, u"-"_s, u"-"_s});
+    EXPECT_EQ(vectorEps(reader, u"eps/golfer.eps"_s), none);
 }
 
 TEST(PostScriptReader, ColourModeOfIllustrator8ByProcessColours)
@@ -91,14 +89,14 @@ TEST(PostScriptReader, CustomColoursByTheirMarkers)
     QNPreflightMethods reader;
     const QString three = QStringLiteral("%%DocumentCustomColors: (PANTONE 185 C)\r%%+ (PANTONE 286 C)\r%%+ (Gold)\r"
                                          "%%CMYKCustomColor: 0 1 1 0 (PANTONE 185 C)\r");
-    EXPECT_EQ(reader.spotColorsOfVectorEPS(three), list({3, QStringLiteral("PANTONE 185 C\rPANTONE 286 C\rGold")}));
+    EXPECT_EQ(reader.spotColorsOfVectorEPS(three), list({3, u"PANTONE 185 C\rPANTONE 286 C\rGold"_s}));
     // Missing or out-of-order markers leave the colours unknown instead of cutting nonsense.
-    const QVariantList none = list({QStringLiteral("-"), QStringLiteral("-")});
-    EXPECT_EQ(reader.spotColorsOfVectorEPS(QStringLiteral("%%DocumentCustomColors: (Gold)\r%%EndComments")), none);
+    const QVariantList none = list({u"-"_s, u"-"_s});
+    EXPECT_EQ(reader.spotColorsOfVectorEPS(u"%%DocumentCustomColors: (Gold)\r%%EndComments"_s), none);
     EXPECT_EQ(reader.spotColorsOfVectorEPS(QStringLiteral("%%CMYKCustomColor: 0 0 0 1 (Gold)\r"
                                                           "%%DocumentCustomColors: (Gold)\r")),
               none);
-    EXPECT_EQ(reader.spotColorsOfVectorEPS(QStringLiteral("%%DocumentCustomColors: (\r%%CMYKCustomColor")), none);
+    EXPECT_EQ(reader.spotColorsOfVectorEPS(u"%%DocumentCustomColors: (\r%%CMYKCustomColor"_s), none);
 }
 
 TEST(PostScriptReader, DocumentFonts)
@@ -107,36 +105,29 @@ TEST(PostScriptReader, DocumentFonts)
     const QString head = QStringLiteral("%%DocumentFonts: Helvetica\r\n%%+ Times-Roman\r\n%%+ Symbol\r\n"
                                         "%%DocumentNeededFonts: Helvetica\r\n");
     const quillon::app::FoundRange fonts{0, 17};
-    EXPECT_EQ(reader.fontsOfVectorEPS(head, fonts, ByteSource()),
-              list({3, QStringLiteral("Helvetica\r\nTimes-Roman\r\nSymbol")}));
+    EXPECT_EQ(reader.fontsOfVectorEPS(head, fonts, ByteSource()), list({3, u"Helvetica\r\nTimes-Roman\r\nSymbol"_s}));
     // The second end marker serves when the first is absent.
-    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentFonts: Courier\r\n%%DocumentSuppliedFonts: x"), fonts,
-                                      ByteSource()),
-              list({1, QStringLiteral("Courier")}));
-    const QVariantList unknown = list({QStringLiteral("?"), QStringLiteral("?")});
-    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentFonts: Courier\r\n%%EndComments"), fonts, ByteSource()),
-              unknown);
+    EXPECT_EQ(reader.fontsOfVectorEPS(u"%%DocumentFonts: Courier\r\n%%DocumentSuppliedFonts: x"_s, fonts, ByteSource()),
+              list({1, u"Courier"_s}));
+    const QVariantList unknown = list({u"?"_s, u"?"_s});
+    EXPECT_EQ(reader.fontsOfVectorEPS(u"%%DocumentFonts: Courier\r\n%%EndComments"_s, fonts, ByteSource()), unknown);
     // An end marker before the font comment is out of order.
-    EXPECT_EQ(reader.fontsOfVectorEPS(QStringLiteral("%%DocumentNeededFonts:\r%%DocumentFonts: Courier\r"), {23, 17},
-                                      ByteSource()),
+    EXPECT_EQ(reader.fontsOfVectorEPS(u"%%DocumentNeededFonts:\r%%DocumentFonts: Courier\r"_s, {23, 17}, ByteSource()),
               unknown);
 }
 
 TEST(PostScriptReader, EmbeddedFontsWhenTheFontCommentIsEmpty)
 {
     QNPreflightMethods reader;
-    EXPECT_EQ(
-        reader.embeddedFontsOfVectorEPS(samplePath("eps/connexions.eps")),
-        QStringList({QStringLiteral("E3"), QStringLiteral("Embedded fonts:\rTLRAAA+Myriad-Roman\r"
-                                                          "TJMAAA+TrebuchetMS-Bold\rTTVBAA+ArialRoundedMTBold")}));
+    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(samplePath("eps/connexions.eps")),
+              QStringList({u"E3"_s, QStringLiteral("Embedded fonts:\rTLRAAA+Myriad-Roman\r"
+                                                   "TJMAAA+TrebuchetMS-Bold\rTTVBAA+ArialRoundedMTBold")}));
     const QByteArray eps = kIllustrator8Head + "%%DocumentFonts: \n%%EndComments\n"
                                                "%ADOBeginSubsetFont: AAAAAA+Futura Initial\r...\r"
                                                "%ADOBeginSubsetFont: AAAAAA+Futura AddGlyphs\r"
                                                "%ADOBeginSubsetFont: BBBBBB+Gill Initial\r";
-    EXPECT_EQ(vectorEpsOfText(reader, eps).mid(3),
-              list({QStringLiteral("E2"), QStringLiteral("Embedded fonts:\rAAAAAA+Futura\rBBBBBB+Gill")}));
-    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(ByteSource::fromBytes(kIllustrator8Head)),
-              QStringList({QStringLiteral("-"), QStringLiteral("-")}));
+    EXPECT_EQ(vectorEpsOfText(reader, eps).mid(3), list({u"E2"_s, u"Embedded fonts:\rAAAAAA+Futura\rBBBBBB+Gill"_s}));
+    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(ByteSource::fromBytes(kIllustrator8Head)), QStringList({u"-"_s, u"-"_s}));
 }
 
 TEST(PostScriptReader, WholeFileReadsThatFailAlertTheUser)
@@ -144,7 +135,7 @@ TEST(PostScriptReader, WholeFileReadsThatFailAlertTheUser)
     quillon::app::ScriptedAlertSink alerts;
     QNPreflightMethods reader(&alerts);
     const QString missing = samplePath("eps/no such file.eps");
-    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(missing), QStringList({QStringLiteral("-"), QStringLiteral("-")}));
+    EXPECT_EQ(reader.embeddedFontsOfVectorEPS(missing), QStringList({u"-"_s, u"-"_s}));
     EXPECT_EQ(reader.getRead1500ForPhotoshopEPSWithTIFFPreview(missing), QString());
     const QNPreflightMethods::AIHeadAndFonts ai = reader.read4500AndFontsOfPreCS3AI(missing);
     EXPECT_TRUE(ai.head.isEmpty() && ai.fonts.isEmpty());
@@ -156,8 +147,7 @@ TEST(PostScriptReader, WholeFileReadsThatFailAlertTheUser)
     for (const auto& request : requests) {
         EXPECT_EQ(request.title, u"Error");
         EXPECT_TRUE(request.critical);
-        EXPECT_TRUE(
-            request.message.startsWith(QStringLiteral("The file %1 could not be parsed.\n\nError: ").arg(missing)))
+        EXPECT_TRUE(request.message.startsWith(u"The file %1 could not be parsed.\n\nError: "_s.arg(missing)))
             << request.message.toStdString();
     }
 }
@@ -224,13 +214,13 @@ TEST(PostScriptReader, FontNamesOfIllustratorFiles)
                                                                "/FontName /ABCDEF+Myriad\r")),
               u"Minion\nMyriad");
     // Without a subset prefix the first six letters are skipped all the same.
-    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("x/FontName/Helvetica-Bold/")), u"ica-Bold");
-    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("/FontName/ABCDEF+Helvetica/")), QString());
-    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(QStringLiteral("x/FontName/AB")), QString());
+    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(u"x/FontName/Helvetica-Bold/"_s), u"ica-Bold");
+    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(u"/FontName/ABCDEF+Helvetica/"_s), QString());
+    EXPECT_EQ(QNPreflightMethods::fontsOfAIFile(u"x/FontName/AB"_s), QString());
 }
 
 TEST(PostScriptReader, IllustratorVersionOfAnOddCreatorIsZero)
 {
-    EXPECT_EQ(QNPreflightMethods::illustratorVersion(QStringLiteral("%%Creator: Adobe Illustrator(R) -5")), 0u);
-    EXPECT_EQ(QNPreflightMethods::illustratorVersion(QStringLiteral("%%Creator: Adobe Illustrator(R)")), 0u);
+    EXPECT_EQ(QNPreflightMethods::illustratorVersion(u"%%Creator: Adobe Illustrator(R) -5"_s), 0u);
+    EXPECT_EQ(QNPreflightMethods::illustratorVersion(u"%%Creator: Adobe Illustrator(R)"_s), 0u);
 }

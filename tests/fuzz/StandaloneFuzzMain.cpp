@@ -7,7 +7,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <cstdio>
@@ -22,52 +22,42 @@ struct Options {
     long runs = 1000;
     unsigned seed = 1;
     qsizetype maxLength = 64 * 1024;
-    std::vector<QString> inputs;
+    QStringList inputs;
 };
-
-bool parseFlag(const QString& argument, const char* name, long& value)
-{
-    const QString prefix = QStringLiteral("--%1=").arg(QLatin1String(name));
-    if (!argument.startsWith(prefix))
-        return false;
-    value = argument.mid(prefix.size()).toLong();
-    return true;
-}
 
 Options parse(int argc, char** argv)
 {
     Options options;
     for (int i = 1; i < argc; ++i) {
         const QString argument = QString::fromLocal8Bit(argv[i]);
-        long value = 0;
-        if (parseFlag(argument, "runs", value))
-            options.runs = value;
-        else if (parseFlag(argument, "seed", value))
-            options.seed = unsigned(value);
-        else if (parseFlag(argument, "max-len", value))
-            options.maxLength = value;
+        const QString value = argument.section(u'=', 1);
+        if (argument.startsWith(QLatin1String("--runs=")))
+            options.runs = value.toLong();
+        else if (argument.startsWith(QLatin1String("--seed=")))
+            options.seed = value.toUInt();
+        else if (argument.startsWith(QLatin1String("--max-len=")))
+            options.maxLength = value.toLongLong();
         else
-            options.inputs.push_back(argument);
+            options.inputs << argument;
     }
     return options;
 }
 
+// The head of every input file, and of every file under an input folder.
 std::vector<QByteArray> readInputs(const Options& options)
 {
+    QStringList paths;
+    for (const QString& input : options.inputs) {
+        if (!QFileInfo(input).isDir())
+            paths << input;
+        for (QDirIterator it(input, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
+            paths << it.next();
+    }
     std::vector<QByteArray> corpus;
-    auto add = [&](const QString& path) {
+    for (const QString& path : paths) {
         QFile file(path);
         if (file.open(QIODevice::ReadOnly))
             corpus.push_back(file.read(options.maxLength));
-    };
-    for (const QString& input : options.inputs) {
-        if (QFileInfo(input).isDir()) {
-            QDirIterator it(input, QDir::Files, QDirIterator::Subdirectories);
-            while (it.hasNext())
-                add(it.next());
-        } else {
-            add(input);
-        }
     }
     if (corpus.empty())
         corpus.emplace_back();

@@ -2,29 +2,13 @@
 
 #include <QtEndian>
 
-#include <array>
+#include <zlib.h>
+
+using namespace Qt::StringLiterals;
 
 namespace quillon::hostile {
 
 namespace {
-
-quint32 crc32(const QByteArray& bytes)
-{
-    static const std::array<quint32, 256> table = [] {
-        std::array<quint32, 256> t{};
-        for (quint32 i = 0; i < 256; ++i) {
-            quint32 c = i;
-            for (int k = 0; k < 8; ++k)
-                c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
-            t[i] = c;
-        }
-        return t;
-    }();
-    quint32 crc = 0xFFFFFFFFu;
-    for (const char byte : bytes)
-        crc = table[(crc ^ static_cast<quint8>(byte)) & 0xFF] ^ (crc >> 8);
-    return crc ^ 0xFFFFFFFFu;
-}
 
 void put16(QByteArray& out, quint16 value)
 {
@@ -107,7 +91,8 @@ QByteArray zipArchive(const QList<ZipEntry>& entries)
     QByteArray directory;
     for (const ZipEntry& entry : entries) {
         const quint32 offset = quint32(out.size());
-        const quint32 crc = crc32(entry.data);
+        const quint32 crc =
+            quint32(::crc32(0, reinterpret_cast<const Bytef*>(entry.data.constData()), uInt(entry.data.size())));
         auto header = [&](QByteArray& to, bool central) {
             put32(to, central ? 0x02014b50 : 0x04034b50);
             if (central)
@@ -208,39 +193,39 @@ QList<Case> Generator::archives(int count)
         QString what;
         switch (below(9)) {
         case 0:
-            what = QStringLiteral("zip-slip entry");
+            what = u"zip-slip entry"_s;
             entries.append(ZipEntry{below(2) ? "../../escaped.xml" : "Stories/../../../escaped.xml", "x"});
             break;
         case 1:
-            what = QStringLiteral("absolute entry name");
+            what = u"absolute entry name"_s;
             entries.append(ZipEntry{"/tmp/absolute.xml", "x"});
             break;
         case 2:
-            what = QStringLiteral("duplicate entry");
+            what = u"duplicate entry"_s;
             entries.append(ZipEntry{"Stories/Story_u2.xml", story("second copy")});
             break;
         case 3:
-            what = QStringLiteral("entity bomb designmap");
+            what = u"entity bomb designmap"_s;
             entries[1].data = entityBomb("Document");
             break;
         case 4:
-            what = QStringLiteral("hostile story part");
+            what = u"hostile story part"_s;
             entries[3].data = part();
             break;
         case 5:
-            what = QStringLiteral("hostile spread part");
+            what = u"hostile spread part"_s;
             entries[2].data = part();
             break;
         case 6:
-            what = QStringLiteral("designmap names a missing part");
+            what = u"designmap names a missing part"_s;
             entries[1].data = designmap("<idPkg:Story src=\"Stories/Story_missing.xml\"/>");
             break;
         case 7:
-            what = QStringLiteral("truncated archive");
+            what = u"truncated archive"_s;
             cases.append({what, "truncated.idml", sound.left(below(int(sound.size())))});
             continue;
         default:
-            what = QStringLiteral("damaged archive bytes");
+            what = u"damaged archive bytes"_s;
             cases.append({what, "damaged.idml", mutated(sound)});
             continue;
         }
@@ -253,7 +238,7 @@ QList<Case> Generator::parts(int count)
 {
     QList<Case> cases;
     for (int i = 0; i < count; ++i)
-        cases.append({QStringLiteral("XML part"), "Story_u" + QByteArray::number(i) + ".xml", part()});
+        cases.append({u"XML part"_s, "Story_u" + QByteArray::number(i) + ".xml", part()});
     return cases;
 }
 
@@ -295,7 +280,7 @@ QList<Case> Generator::presets(int count)
 {
     QList<Case> cases;
     for (int i = 0; i < count; ++i)
-        cases.append({QStringLiteral("preset"), "hostile" + QByteArray::number(i) + ".qnfp", preset()});
+        cases.append({u"preset"_s, "hostile" + QByteArray::number(i) + ".qnfp", preset()});
     return cases;
 }
 

@@ -12,35 +12,36 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using namespace quillon;
 using namespace quillon::reports;
 
 namespace {
 
-const QString kDocPath = QStringLiteral("/Jobs/Brochure.idml");
+const QString kDocPath = u"/Jobs/Brochure.idml"_s;
 
 QVariantMap dataFile(const QVariantList& records)
 {
-    return {{kDocPath, QVariantMap{{app::kGroupNameKey, QStringLiteral("Brochure.idml")},
+    return {{kDocPath, QVariantMap{{app::kGroupNameKey, u"Brochure.idml"_s},
                                    {app::kGroupIsDockKey, true},
                                    {app::kGroupChildrenKey, records}}}};
 }
 
 QVariantMap missingRule()
 {
-    return {{QStringLiteral("attribute"), QStringLiteral("Status")},
-            {QStringLiteral("attributeKey"), QStringLiteral("status")},
-            {QStringLiteral("condition"), QStringLiteral("is")},
-            {QStringLiteral("value"), QStringLiteral("Missing")}};
+    return {{u"attribute"_s, u"Status"_s},
+            {u"attributeKey"_s, u"status"_s},
+            {u"condition"_s, u"is"_s},
+            {u"value"_s, u"Missing"_s}};
 }
 
 QVariantMap strictPreset()
 {
-    return {
-        {results::kPresetNameKey, QStringLiteral("Strict")},
-        {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-        {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-        {results::kPresetColorsKey, QVariantMap{{QStringLiteral("RGB"), 1}, {QStringLiteral("regAppliedToText"), 1}}}};
+    return {{results::kPresetNameKey, u"Strict"_s},
+            {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+            {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+            {results::kPresetColorsKey, QVariantMap{{u"RGB"_s, 1}, {u"regAppliedToText"_s, 1}}}};
 }
 
 class PreflightResultsTest : public ::testing::Test {
@@ -49,33 +50,29 @@ protected:
     {
         ASSERT_TRUE(m_dir.isValid());
         const QDir dir(m_dir.path());
+        ASSERT_TRUE(app::writePropertyListFile(dataFile({QVariantMap{{u"name"_s, u"Lost.tif"_s},
+                                                                     {u"path"_s, u"/Jobs/Links/Lost.tif"_s},
+                                                                     {u"status"_s, u"Missing"_s},
+                                                                     {u"sizebytes"_s, 0}}}),
+                                               dir.filePath(app::kLinkDataFileName)));
         ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Lost.tif")},
-                                  {QStringLiteral("path"), QStringLiteral("/Jobs/Links/Lost.tif")},
-                                  {QStringLiteral("status"), QStringLiteral("Missing")},
-                                  {QStringLiteral("sizebytes"), 0}}}),
-            dir.filePath(app::kLinkDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Minion Pro Regular")},
-                                  {QStringLiteral("type"), QStringLiteral("OpenType CFF")},
-                                  {QStringLiteral("status"), QStringLiteral("missing")}}}),
+            dataFile({QVariantMap{
+                {u"name"_s, u"Minion Pro Regular"_s}, {u"type"_s, u"OpenType CFF"_s}, {u"status"_s, u"missing"_s}}}),
             dir.filePath(app::kFontDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Web Blue")},
-                                  {QStringLiteral("spot"), QStringLiteral("process")},
-                                  {QStringLiteral("space"), QStringLiteral("RGB")},
-                                  {QStringLiteral("colValuesList"), QVariantList{0, 102, 204}},
-                                  {QStringLiteral("used"), QStringLiteral("√")}}}),
-            dir.filePath(app::kColorDataFileName)));
+        ASSERT_TRUE(app::writePropertyListFile(dataFile({QVariantMap{{u"name"_s, u"Web Blue"_s},
+                                                                     {u"spot"_s, u"process"_s},
+                                                                     {u"space"_s, u"RGB"_s},
+                                                                     {u"colValuesList"_s, QVariantList{0, 102, 204}},
+                                                                     {u"used"_s, u"√"_s}}}),
+                                               dir.filePath(app::kColorDataFileName)));
     }
 
-    QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.ini")); }
+    QString settingsFile() const { return m_dir.filePath(u"settings.ini"_s); }
 
     inspection::QNDocInfo docInfo() const
     {
-        return inspection::QNDocInfo::docInfoWithRecord({QString(), kDocPath, QStringLiteral("Brochure.idml"),
-                                                        QStringLiteral("4"), QStringLiteral("0"),
-                                                        QStringLiteral("20.0")});
+        return inspection::QNDocInfo::docInfoWithRecord(
+            {QString(), kDocPath, u"Brochure.idml"_s, u"4"_s, u"0"_s, u"20.0"_s});
     }
 
     QTemporaryDir m_dir;
@@ -90,7 +87,7 @@ TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
         ++presetReads;
         return std::optional<QVariantMap>(strictPreset());
     });
-    EXPECT_EQ(results.registrationInTextFlag(), QStringLiteral("1"));
+    EXPECT_EQ(results.registrationInTextFlag(), u"1"_s);
 
     results.setItems(m_dir.path());
     EXPECT_EQ(presetReads, 1); // a preflight reads its preset once, as it starts
@@ -102,11 +99,10 @@ TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
 
     inspection::QNDocInfo info = docInfo();
     results.populateSummaryAndDocInfo(info);
-    EXPECT_EQ(results.status().text, QStringLiteral("3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"));
+    EXPECT_EQ(results.status().text, u"3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"_s);
     EXPECT_TRUE(info.hasPreflightErrors());
     const QVariantMap summary = results.summary().toVariantMap();
-    EXPECT_EQ(summary.value(QStringLiteral("Links")).toMap().value(QStringLiteral("Missing")).toString(),
-              QStringLiteral("1"));
+    EXPECT_EQ(summary.value(u"Links"_s).toMap().value(u"Missing"_s).toString(), u"1"_s);
 
     // Without a preset nothing is judged.
     PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
@@ -128,9 +124,8 @@ TEST_F(PreflightResultsTest, ChangingThePresetWithEmptyListsOnlyStoresIt)
         return std::optional<QVariantMap>(strictPreset());
     });
     results.setSettingsFile(settingsFile());
-    results.presetsPopup(QStringLiteral("Print"));
-    EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(),
-              QStringLiteral("Print"));
+    results.presetsPopup(u"Print"_s);
+    EXPECT_EQ(app::Settings(settingsFile()).value(u"selectedPreset"_s).toString(), u"Print"_s);
     EXPECT_EQ(presetReads, 0);
     EXPECT_TRUE(results.linkItems().isEmpty());
 }
@@ -143,8 +138,8 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
     results.setItems(m_dir.path());
     EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
 
-    current = QVariantMap{{results::kPresetNameKey, QStringLiteral("Lenient")}};
-    results.presetsPopup(QStringLiteral("Lenient"));
+    current = QVariantMap{{results::kPresetNameKey, u"Lenient"_s}};
+    results.presetsPopup(u"Lenient"_s);
     EXPECT_FALSE(results::hasAlerts(results.linkItems().front().toMap()));
     EXPECT_FALSE(results::hasAlerts(results.colorItems().front().toMap()));
 }
@@ -158,29 +153,29 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
-    const QString out = m_dir.filePath(QStringLiteral("out"));
+    const QString out = m_dir.filePath(u"out"_s);
     QDir().mkpath(out);
     app::Result<QString> regular = results.createTextReport(out, QString(), info);
     ASSERT_TRUE(regular) << regular.error().text().toStdString();
-    EXPECT_EQ(*regular, out + QStringLiteral("/Brochure.idml_Quillon_Report.txt"));
+    EXPECT_EQ(*regular, out + u"/Brochure.idml_Quillon_Report.txt"_s);
     EXPECT_EQ(QString::fromUtf8(test::readAll(*regular)), results.textReport(TextReportType::Regular, QString(), info));
     EXPECT_TRUE(QString::fromUtf8(test::readAll(*regular)).contains(QLatin1String("\nStatus: Missing\n")));
 
     results.setTextReportType(TextReportType::TabDelimited);
-    app::Result<QString> tab = results.createTextReport(out, QStringLiteral("Body: 3 paragraphs"), info);
+    app::Result<QString> tab = results.createTextReport(out, u"Body: 3 paragraphs"_s, info);
     ASSERT_TRUE(tab);
     const QString text = QString::fromUtf8(test::readAll(*tab));
-    EXPECT_EQ(text, results.textReport(TextReportType::TabDelimited, QStringLiteral("Body: 3 paragraphs"), info));
+    EXPECT_EQ(text, results.textReport(TextReportType::TabDelimited, u"Body: 3 paragraphs"_s, info));
     EXPECT_TRUE(text.contains(QLatin1String("\tPDF Embedding\n")));
-    EXPECT_TRUE(text.contains(QStringLiteral("Report date: %1\n").arg(QLocale().toString(when, QLocale::ShortFormat))));
+    EXPECT_TRUE(text.contains(u"Report date: %1\n"_s.arg(QLocale().toString(when, QLocale::ShortFormat))));
 }
 
 TEST(TextReportType, TheSavePanelRemembersTheChosenLayout)
 {
     QTemporaryDir dir;
-    app::Settings settings(dir.filePath(QStringLiteral("s.ini")));
-    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Regular"));
-    rememberTextReportTypeTitle(settings, QStringLiteral("Tab-delimited"));
-    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Tab-delimited"));
-    EXPECT_EQ(textReportTypeForTitle(QStringLiteral("Regular (one per line)")), TextReportType::Regular);
+    app::Settings settings(dir.filePath(u"s.ini"_s));
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), u"Regular"_s);
+    rememberTextReportTypeTitle(settings, u"Tab-delimited"_s);
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), u"Tab-delimited"_s);
+    EXPECT_EQ(textReportTypeForTitle(u"Regular (one per line)"_s), TextReportType::Regular);
 }

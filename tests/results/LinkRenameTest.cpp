@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillon::results {
 namespace {
 
@@ -28,21 +30,20 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        m_oldPath = m_dir.filePath(QStringLiteral("photo.tif"));
+        m_oldPath = m_dir.filePath(u"photo.tif"_s);
         test::writeAll(m_oldPath, "pixels");
-        m_items = {row(QStringLiteral("1")), row(QStringLiteral("2")),
-                   QVariantMap{{QStringLiteral("name"), QStringLiteral("other.tif")},
-                               {QStringLiteral("path"), m_dir.filePath(QStringLiteral("other.tif"))},
-                               {QStringLiteral("id"), QStringLiteral("3")}}};
+        m_items = {
+            row(u"1"_s), row(u"2"_s),
+            QVariantMap{{u"name"_s, u"other.tif"_s}, {u"path"_s, m_dir.filePath(u"other.tif"_s)}, {u"id"_s, u"3"_s}}};
     }
 
     QVariantMap row(const QString& id) const
     {
-        return {{QStringLiteral("name"), QStringLiteral("photo.tif")},
-                {QStringLiteral("path"), m_oldPath},
-                {QStringLiteral("id"), id},
-                {QStringLiteral("status"), QStringLiteral("OK")},
-                {QStringLiteral("docPath"), QStringLiteral("/jobs/brochure.indd")}};
+        return {{u"name"_s, u"photo.tif"_s},
+                {u"path"_s, m_oldPath},
+                {u"id"_s, id},
+                {u"status"_s, u"OK"_s},
+                {u"docPath"_s, u"/jobs/brochure.indd"_s}};
     }
 
     LinkRenameResult rename(const QString& newName)
@@ -65,17 +66,17 @@ protected:
 
 TEST_F(LinkRename, RefusalsInTheirOrderLeaveTheFileAlone)
 {
-    test::writeAll(m_dir.filePath(QStringLiteral("taken.tif")), "other");
+    test::writeAll(m_dir.filePath(u"taken.tif"_s), "other");
     const struct {
         QString name;
         QString title;
         bool critical;
     } cases[] = {
-        {QString(), QStringLiteral("Please specify a new file name"), false},
-        {QStringLiteral("a:b.psd"), QStringLiteral("Error"), false}, // the characters come before the extension
-        {QStringLiteral("photo"), QStringLiteral("File extensions don't match"), true},
-        {QStringLiteral(".photo.tif"), QStringLiteral("Error"), false},
-        {QStringLiteral("taken.tif"), QStringLiteral("File already exists"), true},
+        {QString(), u"Please specify a new file name"_s, false},
+        {u"a:b.psd"_s, u"Error"_s, false}, // the characters come before the extension
+        {u"photo"_s, u"File extensions don't match"_s, true},
+        {u".photo.tif"_s, u"Error"_s, false},
+        {u"taken.tif"_s, u"File already exists"_s, true},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(rename(c.name).outcome, LinkRenameOutcome::Refused) << c.name.toStdString();
@@ -83,65 +84,62 @@ TEST_F(LinkRename, RefusalsInTheirOrderLeaveTheFileAlone)
         EXPECT_EQ(m_alerts.requests().back().critical, c.critical) << c.name.toStdString();
     }
     EXPECT_TRUE(QFileInfo::exists(m_oldPath));
-    EXPECT_EQ(test::readAll(m_dir.filePath(QStringLiteral("taken.tif"))), QByteArray("other"));
+    EXPECT_EQ(test::readAll(m_dir.filePath(u"taken.tif"_s)), QByteArray("other"));
     EXPECT_TRUE(m_relinker.calls.isEmpty());
-    EXPECT_EQ(rename(QStringLiteral("photo.tif")).outcome, LinkRenameOutcome::Unchanged);
+    EXPECT_EQ(rename(u"photo.tif"_s).outcome, LinkRenameOutcome::Unchanged);
 }
 
 TEST_F(LinkRename, RelinksEveryRowOfThePath)
 {
-    const LinkRenameResult result = rename(QStringLiteral("cover.tif"));
+    const LinkRenameResult result = rename(u"cover.tif"_s);
     EXPECT_EQ(result.outcome, LinkRenameOutcome::Relinked);
-    const QString newPath = m_dir.filePath(QStringLiteral("cover.tif"));
+    const QString newPath = m_dir.filePath(u"cover.tif"_s);
     EXPECT_EQ(result.newPath, newPath);
     EXPECT_FALSE(QFileInfo::exists(m_oldPath));
-    EXPECT_EQ(m_relinker.calls, (QStringList{QStringLiteral("1|") + newPath + QStringLiteral("|brochure.indd"),
-                                             QStringLiteral("2|") + newPath + QStringLiteral("|brochure.indd")}));
+    EXPECT_EQ(m_relinker.calls,
+              (QStringList{u"1|"_s + newPath + u"|brochure.indd"_s, u"2|"_s + newPath + u"|brochure.indd"_s}));
     for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(m_items[i].toMap().value(QStringLiteral("path")).toString(), newPath);
-    EXPECT_EQ(m_items[2].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("other.tif"));
+        EXPECT_EQ(m_items[i].toMap().value(u"path"_s).toString(), newPath);
+    EXPECT_EQ(m_items[2].toMap().value(u"name"_s).toString(), u"other.tif"_s);
     EXPECT_TRUE(m_alerts.requests().empty());
 }
 
 TEST_F(LinkRename, AFailedRelinkMovesTheFileBack)
 {
     m_relinker.answer = false;
-    EXPECT_EQ(rename(QStringLiteral("cover.tif")).outcome, LinkRenameOutcome::MovedBack);
+    EXPECT_EQ(rename(u"cover.tif"_s).outcome, LinkRenameOutcome::MovedBack);
     EXPECT_TRUE(QFileInfo::exists(m_oldPath));
-    EXPECT_FALSE(QFileInfo::exists(m_dir.filePath(QStringLiteral("cover.tif"))));
+    EXPECT_FALSE(QFileInfo::exists(m_dir.filePath(u"cover.tif"_s)));
     EXPECT_TRUE(m_alerts.requests().empty()); // silently
-    EXPECT_EQ(m_items[0].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("photo.tif"));
+    EXPECT_EQ(m_items[0].toMap().value(u"name"_s).toString(), u"photo.tif"_s);
 }
 
 TEST_F(LinkRename, ABatchMovesTheFileAndThenSaysItIsNotSupported)
 {
     const QVariantList rows = m_items;
-    m_items = {QVariantMap{{QStringLiteral("docPath"), QStringLiteral("/jobs/a.indd")},
-                           {QStringLiteral("name"), QStringLiteral("a.indd")},
-                           {QStringLiteral("isDock"), 1},
-                           {QStringLiteral("children"), rows}}};
-    const LinkRenameResult result =
-        renameLinkedFile(m_items, rows[0].toMap(), QStringLiteral("cover.tif"), m_alerts, m_relinker);
+    m_items = {QVariantMap{
+        {u"docPath"_s, u"/jobs/a.indd"_s}, {u"name"_s, u"a.indd"_s}, {u"isDock"_s, 1}, {u"children"_s, rows}}};
+    const LinkRenameResult result = renameLinkedFile(m_items, rows[0].toMap(), u"cover.tif"_s, m_alerts, m_relinker);
     EXPECT_EQ(result.outcome, LinkRenameOutcome::NotRelinked);
-    EXPECT_TRUE(QFileInfo::exists(m_dir.filePath(QStringLiteral("cover.tif"))));
-    EXPECT_EQ(lastTitle(), QStringLiteral("Link renaming for multiple InDesign documents is not supported yet"));
+    EXPECT_TRUE(QFileInfo::exists(m_dir.filePath(u"cover.tif"_s)));
+    EXPECT_EQ(lastTitle(), u"Link renaming for multiple InDesign documents is not supported yet"_s);
     EXPECT_TRUE(m_relinker.calls.isEmpty());
 }
 
 TEST_F(LinkRename, RowsWithoutTheirIdAreNotFound)
 {
     QVariantMap edited = m_items[0].toMap();
-    m_items = {QVariantMap{{QStringLiteral("name"), QStringLiteral("photo.tif")}, {QStringLiteral("path"), m_oldPath}}};
-    EXPECT_EQ(renameLinkedFile(m_items, edited, QStringLiteral("cover.tif"), m_alerts, m_relinker).outcome,
+    m_items = {QVariantMap{{u"name"_s, u"photo.tif"_s}, {u"path"_s, m_oldPath}}};
+    EXPECT_EQ(renameLinkedFile(m_items, edited, u"cover.tif"_s, m_alerts, m_relinker).outcome,
               LinkRenameOutcome::NotRelinked);
-    EXPECT_EQ(lastTitle(), QStringLiteral("Could not find requested links"));
+    EXPECT_EQ(lastTitle(), u"Could not find requested links"_s);
 }
 
 TEST_F(LinkRename, AFileThatIsGoneCannotBeRenamed)
 {
     QFile::remove(m_oldPath);
-    EXPECT_EQ(rename(QStringLiteral("cover.tif")).outcome, LinkRenameOutcome::NotMoved);
-    EXPECT_EQ(lastTitle(), QStringLiteral("File could not be renamed"));
+    EXPECT_EQ(rename(u"cover.tif"_s).outcome, LinkRenameOutcome::NotMoved);
+    EXPECT_EQ(lastTitle(), u"File could not be renamed"_s);
 }
 
 } // namespace

@@ -12,25 +12,27 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillon::results {
 namespace {
 
 QVariantMap link(const QVariantMap& overrides = {})
 {
-    QVariantMap record{{QStringLiteral("id"), QStringLiteral("419")},
-                       {QStringLiteral("name"), QStringLiteral("photo.tif")},
-                       {QStringLiteral("path"), QStringLiteral("/jobs/photo.tif")},
-                       {QStringLiteral("status"), QStringLiteral("OK")},
-                       {QStringLiteral("kind"), QStringLiteral("TIFF LZW")},
-                       {QStringLiteral("color"), QStringLiteral("CMYK")},
-                       {QStringLiteral("profile"), QStringLiteral("Coated FOGRA39")},
-                       {QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(180000)},
-                       {QStringLiteral("eres"), QStringLiteral("300")},
-                       {QStringLiteral("horScale"), QStringLiteral("100")},
-                       {QStringLiteral("vertScale"), QStringLiteral("100")},
-                       {QStringLiteral("print"), QStringLiteral("√")},
-                       {QStringLiteral("epsfontlist"), QString()},
-                       {QStringLiteral("docPath"), QStringLiteral("/jobs/brochure.indd")}};
+    QVariantMap record{{u"id"_s, u"419"_s},
+                       {u"name"_s, u"photo.tif"_s},
+                       {u"path"_s, u"/jobs/photo.tif"_s},
+                       {u"status"_s, u"OK"_s},
+                       {u"kind"_s, u"TIFF LZW"_s},
+                       {u"color"_s, u"CMYK"_s},
+                       {u"profile"_s, u"Coated FOGRA39"_s},
+                       {u"sizebytes"_s, QVariant::fromValue<quint64>(180000)},
+                       {u"eres"_s, u"300"_s},
+                       {u"horScale"_s, u"100"_s},
+                       {u"vertScale"_s, u"100"_s},
+                       {u"print"_s, u"√"_s},
+                       {u"epsfontlist"_s, QString()},
+                       {u"docPath"_s, u"/jobs/brochure.indd"_s}};
     for (auto it = overrides.cbegin(); it != overrides.cend(); ++it)
         record.insert(it.key(), it.value());
     return record;
@@ -38,15 +40,15 @@ QVariantMap link(const QVariantMap& overrides = {})
 
 QVariantMap rule(const QString& attribute, const QString& condition, const QVariant& value)
 {
-    return {{QStringLiteral("attribute"), attribute},
-            {QStringLiteral("attributeKey"), linkAttributeKey(attribute)},
-            {QStringLiteral("condition"), condition},
-            {QStringLiteral("value"), value}};
+    return {{u"attribute"_s, attribute},
+            {u"attributeKey"_s, linkAttributeKey(attribute)},
+            {u"condition"_s, condition},
+            {u"value"_s, value}};
 }
 
 QVariantMap linksPreset(const QVariantMap& links)
 {
-    return {{QStringLiteral("Links"), links}};
+    return {{u"Links"_s, links}};
 }
 
 QVariantMap alertsOf(const QVariantMap& record, const QVariantMap& links)
@@ -61,144 +63,117 @@ QString alertText(const QVariantMap& record, const QVariantMap& links, const QSt
 
 TEST(LinkRules, IsIsExactWhileContainsIgnoresCase)
 {
-    const QVariantMap rules{
-        {QStringLiteral("conditions"),
-         QVariantList{rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("cmyk")),
-                      rule(QStringLiteral("Color Mode"), QStringLiteral("contains"), QStringLiteral("cmyk")),
-                      rule(QStringLiteral("Color Mode"), QStringLiteral("is"), QStringLiteral("CMYK")),
-                      rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("RGB"))}}};
-    EXPECT_EQ(alertsOf(link(), rules).value(QStringLiteral("color")).toStringList(),
-              (QStringList{QStringLiteral("Color Mode contains \"cmyk\""), QStringLiteral("Color Mode is \"CMYK\""),
-                           QStringLiteral("Color Mode doesn't contain \"RGB\"")}));
+    const QVariantMap rules{{u"conditions"_s, QVariantList{rule(u"Color Mode"_s, u"is"_s, u"cmyk"_s),
+                                                           rule(u"Color Mode"_s, u"contains"_s, u"cmyk"_s),
+                                                           rule(u"Color Mode"_s, u"is"_s, u"CMYK"_s),
+                                                           rule(u"Color Mode"_s, u"doesn't contain"_s, u"RGB"_s)}}};
+    EXPECT_EQ(alertsOf(link(), rules).value(u"color"_s).toStringList(),
+              (QStringList{u"Color Mode contains \"cmyk\""_s, u"Color Mode is \"CMYK\""_s,
+                           u"Color Mode doesn't contain \"RGB\""_s}));
     // No diacritic folding on links, and the font engine's wildcard means nothing here.
-    const QVariantMap other{
-        {QStringLiteral("conditions"),
-         QVariantList{rule(QStringLiteral("Name"), QStringLiteral("contains"), QStringLiteral("cafe")),
-                      rule(QStringLiteral("Name"), QStringLiteral("is"), QStringLiteral("Café*"))}}};
-    EXPECT_TRUE(alertsOf(link({{QStringLiteral("name"), QStringLiteral("Café.tif")}}), other).isEmpty());
+    const QVariantMap other{{u"conditions"_s, QVariantList{rule(u"Name"_s, u"contains"_s, u"cafe"_s),
+                                                           rule(u"Name"_s, u"is"_s, u"Café*"_s)}}};
+    EXPECT_TRUE(alertsOf(link({{u"name"_s, u"Café.tif"_s}}), other).isEmpty());
 }
 
 TEST(LinkRules, ColorModeNeedsTwoCharactersAndNonTextIsNeverTested)
 {
-    const QVariantMap rules{
-        {QStringLiteral("conditions"),
-         QVariantList{
-             rule(QStringLiteral("Color Mode"), QStringLiteral("doesn't contain"), QStringLiteral("CMYK")),
-             rule(QStringLiteral("ICC Profile"), QStringLiteral("doesn't contain"), QStringLiteral("FOGRA"))}}};
-    EXPECT_TRUE(
-        alertsOf(link({{QStringLiteral("color"), QStringLiteral("G")}, {QStringLiteral("profile"), QString()}}), rules)
-            .isEmpty());
-    EXPECT_TRUE(
-        alertsOf(link({{QStringLiteral("color"), 42}, {QStringLiteral("profile"), QVariant()}}), rules).isEmpty());
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("color"), QStringLiteral("   -")},
-                             {QStringLiteral("profile"), QStringLiteral("sRGB")}}),
-                       rules)
-                  .keys(),
-              (QStringList{QStringLiteral("color"), QStringLiteral("profile")}));
+    const QVariantMap rules{{u"conditions"_s, QVariantList{rule(u"Color Mode"_s, u"doesn't contain"_s, u"CMYK"_s),
+                                                           rule(u"ICC Profile"_s, u"doesn't contain"_s, u"FOGRA"_s)}}};
+    EXPECT_TRUE(alertsOf(link({{u"color"_s, u"G"_s}, {u"profile"_s, QString()}}), rules).isEmpty());
+    EXPECT_TRUE(alertsOf(link({{u"color"_s, 42}, {u"profile"_s, QVariant()}}), rules).isEmpty());
+    EXPECT_EQ(alertsOf(link({{u"color"_s, u"   -"_s}, {u"profile"_s, u"sRGB"_s}}), rules).keys(),
+              (QStringList{u"color"_s, u"profile"_s}));
 }
 
 TEST(LinkRules, NumericStatusValuesReadAsStatusNames)
 {
-    const QVariantMap rules{
-        {QStringLiteral("conditions"), QVariantList{rule(QStringLiteral("Status"), QStringLiteral("is"), 1),
-                                                    rule(QStringLiteral("Status"), QStringLiteral("is"), 7),
-                                                    rule(QStringLiteral("Kind"), QStringLiteral("is"), 1)}}};
-    EXPECT_EQ(alertsOf(link({{QStringLiteral("status"), QStringLiteral("Modified")}}), rules)
-                  .value(QStringLiteral("status"))
-                  .toStringList(),
-              QStringList{QStringLiteral("Status is \"Modified\"")});
+    const QVariantMap rules{{u"conditions"_s, QVariantList{rule(u"Status"_s, u"is"_s, 1), rule(u"Status"_s, u"is"_s, 7),
+                                                           rule(u"Kind"_s, u"is"_s, 1)}}};
+    EXPECT_EQ(alertsOf(link({{u"status"_s, u"Modified"_s}}), rules).value(u"status"_s).toStringList(),
+              QStringList{u"Status is \"Modified\""_s});
 }
 
-QVariantMap sizeLimits(const QString& below, const QString& above, const QString& unit = QStringLiteral("MB"))
+QVariantMap sizeLimits(const QString& below, const QString& above, const QString& unit = u"MB"_s)
 {
-    return {{QStringLiteral("sizeBelowField"), below},
-            {QStringLiteral("sizeBelowBytes"), QVariant::fromValue(sizeLimitBytes(below, unit))},
-            {QStringLiteral("sizeBelowUnitsPopup"), unit},
-            {QStringLiteral("sizeAboveField"), above},
-            {QStringLiteral("sizeAboveBytes"), QVariant::fromValue(sizeLimitBytes(above, unit))},
-            {QStringLiteral("sizeAboveUnitsPopup"), unit}};
+    return {{u"sizeBelowField"_s, below},
+            {u"sizeBelowBytes"_s, QVariant::fromValue(sizeLimitBytes(below, unit))},
+            {u"sizeBelowUnitsPopup"_s, unit},
+            {u"sizeAboveField"_s, above},
+            {u"sizeAboveBytes"_s, QVariant::fromValue(sizeLimitBytes(above, unit))},
+            {u"sizeAboveUnitsPopup"_s, unit}};
 }
 
 TEST(LinkThresholds, SizesWrapAt32Bits)
 {
-    const QVariantMap threeGiB{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3221225472ULL)}};
-    EXPECT_EQ(alertText(link(threeGiB), sizeLimits(QString(), QStringLiteral("100")), QStringLiteral("size")),
-              QStringLiteral("Size > 100 MB"));
-    EXPECT_TRUE(alertsOf(link(threeGiB), sizeLimits(QStringLiteral("100"), QString())).isEmpty());
+    const QVariantMap threeGiB{{u"sizebytes"_s, QVariant::fromValue<quint64>(3221225472ULL)}};
+    EXPECT_EQ(alertText(link(threeGiB), sizeLimits(QString(), u"100"_s), u"size"_s), u"Size > 100 MB"_s);
+    EXPECT_TRUE(alertsOf(link(threeGiB), sizeLimits(u"100"_s, QString())).isEmpty());
     // Both limits crossed at once (a nonsense preset): the lower one is reported.
-    EXPECT_EQ(alertText(link(), sizeLimits(QStringLiteral("1"), QStringLiteral("0.1")), QStringLiteral("size")),
-              QStringLiteral("Size < 1 MB"));
+    EXPECT_EQ(alertText(link(), sizeLimits(u"1"_s, u"0.1"_s), u"size"_s), u"Size < 1 MB"_s);
     EXPECT_TRUE(alertsOf(link(), sizeLimits(QString(), QString())).isEmpty());
 }
 
 QVariantMap resolution(const QString& below, const QString& above, const QString& bwBelow = {},
                        const QString& bwAbove = {})
 {
-    return {{QStringLiteral("resBelowField"), below},
-            {QStringLiteral("resAboveField"), above},
-            {QStringLiteral("resBWBelowField"), bwBelow},
-            {QStringLiteral("resBWAboveField"), bwAbove}};
+    return {{u"resBelowField"_s, below},
+            {u"resAboveField"_s, above},
+            {u"resBWBelowField"_s, bwBelow},
+            {u"resBWAboveField"_s, bwAbove}};
 }
 
 TEST(LinkThresholds, ResolutionWithItsBlackAndWhiteSplit)
 {
-    const auto eres = [](const QString& value, const QString& color = QStringLiteral("CMYK")) {
-        return link({{QStringLiteral("eres"), value}, {QStringLiteral("color"), color}});
+    const auto eres = [](const QString& value, const QString& color = u"CMYK"_s) {
+        return link({{u"eres"_s, value}, {u"color"_s, color}});
     };
-    const QVariantMap colourOnly = resolution(QStringLiteral("250"), QStringLiteral("450"));
-    EXPECT_EQ(alertsOf(eres(QStringLiteral("200")), colourOnly).value(QStringLiteral("eres")).toString(),
-              QStringLiteral("Effective res < 250 dpi"));
-    EXPECT_EQ(alertsOf(eres(QStringLiteral("600")), colourOnly).value(QStringLiteral("eres")).toString(),
-              QStringLiteral("Effective res > 450 dpi"));
-    EXPECT_TRUE(alertsOf(eres(QStringLiteral("300")), colourOnly).isEmpty());
-    EXPECT_TRUE(alertsOf(eres(QStringLiteral("-")), colourOnly).isEmpty());
+    const QVariantMap colourOnly = resolution(u"250"_s, u"450"_s);
+    EXPECT_EQ(alertsOf(eres(u"200"_s), colourOnly).value(u"eres"_s).toString(), u"Effective res < 250 dpi"_s);
+    EXPECT_EQ(alertsOf(eres(u"600"_s), colourOnly).value(u"eres"_s).toString(), u"Effective res > 450 dpi"_s);
+    EXPECT_TRUE(alertsOf(eres(u"300"_s), colourOnly).isEmpty());
+    EXPECT_TRUE(alertsOf(eres(u"-"_s), colourOnly).isEmpty());
     // Black and White with only colour limits is not checked at all.
-    EXPECT_TRUE(alertsOf(eres(QStringLiteral("100"), QStringLiteral("Black and White")), colourOnly).isEmpty());
+    EXPECT_TRUE(alertsOf(eres(u"100"_s, u"Black and White"_s), colourOnly).isEmpty());
 
-    const QVariantMap bwOnly = resolution(QString(), QString(), QStringLiteral("1200"), QString());
-    EXPECT_EQ(alertText(eres(QStringLiteral("600"), QStringLiteral("Black and White")), bwOnly, QStringLiteral("eres")),
-              QStringLiteral("Effective res < 1200 dpi"));
+    const QVariantMap bwOnly = resolution(QString(), QString(), u"1200"_s, QString());
+    EXPECT_EQ(alertText(eres(u"600"_s, u"Black and White"_s), bwOnly, u"eres"_s), u"Effective res < 1200 dpi"_s);
     // An upper limit alone: no lower bound.
-    EXPECT_TRUE(alertsOf(eres(QStringLiteral("5")), resolution(QString(), QStringLiteral("400"))).isEmpty());
+    EXPECT_TRUE(alertsOf(eres(u"5"_s), resolution(QString(), u"400"_s)).isEmpty());
 }
 
 TEST(LinkThresholds, EpsFontsScaleAndPrinting)
 {
-    const QVariantMap checks{{QStringLiteral("fontsEpsBtn"), 1},
-                             {QStringLiteral("fontsEpsMtrx"), 1},
-                             {QStringLiteral("scaledNonPropBtn"), 1},
-                             {QStringLiteral("nonPrintBtn"), 1}};
-    const QVariantMap flagged = alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica E\rTimes")},
-                                               {QStringLiteral("horScale"), QStringLiteral("62.5")},
-                                               {QStringLiteral("vertScale"), QStringLiteral("50")},
-                                               {QStringLiteral("print"), QStringLiteral("-")}}),
+    const QVariantMap checks{
+        {u"fontsEpsBtn"_s, 1}, {u"fontsEpsMtrx"_s, 1}, {u"scaledNonPropBtn"_s, 1}, {u"nonPrintBtn"_s, 1}};
+    const QVariantMap flagged = alertsOf(link({{u"epsfontlist"_s, u"Helvetica E\rTimes"_s},
+                                               {u"horScale"_s, u"62.5"_s},
+                                               {u"vertScale"_s, u"50"_s},
+                                               {u"print"_s, u"-"_s}}),
                                          checks);
-    EXPECT_EQ(flagged, (QVariantMap{{QStringLiteral("epsfonts"), QStringLiteral("Contains embedded fonts")},
-                                    {QStringLiteral("scale"), QStringLiteral("Non-proportional scale")},
-                                    {QStringLiteral("print"), QStringLiteral("Non-printing")}}));
+    EXPECT_EQ(flagged, (QVariantMap{{u"epsfonts"_s, u"Contains embedded fonts"_s},
+                                    {u"scale"_s, u"Non-proportional scale"_s},
+                                    {u"print"_s, u"Non-printing"_s}}));
     // Only the integer parts of the scales count; an unembedded list passes "embedded only".
-    EXPECT_TRUE(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica\rTimes")},
-                               {QStringLiteral("horScale"), QStringLiteral("62.5")},
-                               {QStringLiteral("vertScale"), QStringLiteral("62.1")}}),
-                         checks)
-                    .isEmpty());
+    EXPECT_TRUE(
+        alertsOf(
+            link({{u"epsfontlist"_s, u"Helvetica\rTimes"_s}, {u"horScale"_s, u"62.5"_s}, {u"vertScale"_s, u"62.1"_s}}),
+            checks)
+            .isEmpty());
     QVariantMap anyFont = checks;
-    anyFont.insert(QStringLiteral("fontsEpsMtrx"), 0);
-    EXPECT_EQ(alertText(link({{QStringLiteral("epsfontlist"), QStringLiteral("Helvetica")}}), anyFont,
-                        QStringLiteral("epsfonts")),
-              QStringLiteral("Contains fonts"));
-    EXPECT_TRUE(alertsOf(link({{QStringLiteral("epsfontlist"), QStringLiteral("-")}}), anyFont).isEmpty());
+    anyFont.insert(u"fontsEpsMtrx"_s, 0);
+    EXPECT_EQ(alertText(link({{u"epsfontlist"_s, u"Helvetica"_s}}), anyFont, u"epsfonts"_s), u"Contains fonts"_s);
+    EXPECT_TRUE(alertsOf(link({{u"epsfontlist"_s, u"-"_s}}), anyFont).isEmpty());
 }
 
 TEST(LinkRules, DisplayKeysAndThePlainCopyWithoutLinks)
 {
-    const QVariantList records{link(), link({{QStringLiteral("path"), QStringLiteral("?")},
-                                             {QStringLiteral("status"), QStringLiteral("<unknown>")}})};
+    const QVariantList records{link(), link({{u"path"_s, u"?"_s}, {u"status"_s, u"<unknown>"_s}})};
     EXPECT_EQ(QNLinksOutline::applyCurrPresetToArray(records, {}), records);
     const QVariantList judged = QNLinksOutline::applyCurrPresetToArray(records, linksPreset({}));
     EXPECT_EQ(judged[0].toMap().value(kIconKey).toString(), kImageFileIcon);
-    EXPECT_EQ(judged[1].toMap().value(kIconKey).toString(), QStringLiteral("blank"));
-    EXPECT_EQ(judged[1].toMap().value(kStatusImgKey).toString(), QStringLiteral("blank"));
+    EXPECT_EQ(judged[1].toMap().value(kIconKey).toString(), u"blank"_s);
+    EXPECT_EQ(judged[1].toMap().value(kStatusImgKey).toString(), u"blank"_s);
 }
 
 TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
@@ -206,9 +181,8 @@ TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
     // Long lists are judged on several threads; the result must not show it.
     QVariantList records;
     for (int i = 0; i < 4500; ++i)
-        records.append(
-            link({{QStringLiteral("id"), QString::number(i)}, {QStringLiteral("eres"), QString::number(i % 600)}}));
-    const QVariantMap preset = linksPreset(resolution(QStringLiteral("100"), QStringLiteral("500")));
+        records.append(link({{u"id"_s, QString::number(i)}, {u"eres"_s, QString::number(i % 600)}}));
+    const QVariantMap preset = linksPreset(resolution(u"100"_s, u"500"_s));
     const QVariantList judged = QNLinksOutline::applyCurrPresetToArray(records, preset);
     ASSERT_EQ(judged.size(), records.size());
     for (qsizetype i = 0; i < records.size(); i += 499)
@@ -220,55 +194,50 @@ TEST(LinkRules, ALongListIsJudgedInOrderAsEachRecordAlone)
 
 TEST(LinkResults, LoadingSortsTheTopLevelRows)
 {
-    const QVariantMap data{{QStringLiteral("/jobs/a.indd"),
-                            QVariantMap{{QStringLiteral("children"),
-                                         QVariantList{link({{QStringLiteral("name"), QStringLiteral("b.tif")}}),
-                                                      link({{QStringLiteral("name"), QStringLiteral("a10.tif")}}),
-                                                      link({{QStringLiteral("name"), QStringLiteral("a9.tif")}})}}}}};
+    const QVariantMap data{
+        {u"/jobs/a.indd"_s,
+         QVariantMap{{u"children"_s, QVariantList{link({{u"name"_s, u"b.tif"_s}}), link({{u"name"_s, u"a10.tif"_s}}),
+                                                  link({{u"name"_s, u"a9.tif"_s}})}}}}};
     QNLinksOutline outline;
-    outline.setItems(data, linksPreset({}),
-                     {SortDescriptor{QStringLiteral("name"), true, SortDescriptor::Comparison::Natural}});
+    outline.setItems(data, linksPreset({}), {SortDescriptor{u"name"_s, true, SortDescriptor::Comparison::Natural}});
     QStringList names;
     for (const QVariant& r : outline.items())
-        names.append(r.toMap().value(QStringLiteral("name")).toString());
-    EXPECT_EQ(names, (QStringList{QStringLiteral("a9.tif"), QStringLiteral("a10.tif"), QStringLiteral("b.tif")}));
+        names.append(r.toMap().value(u"name"_s).toString());
+    EXPECT_EQ(names, (QStringList{u"a9.tif"_s, u"a10.tif"_s, u"b.tif"_s}));
 }
 
 TEST(LinkResults, RowsToActOnLeaveOutMissingUnlessGoingToTheLink)
 {
-    const QVariantList top{link(), link({{QStringLiteral("status"), QStringLiteral("Missing")},
-                                         {QStringLiteral("id"), QStringLiteral("7")}})};
+    const QVariantList top{link(), link({{u"status"_s, u"Missing"_s}, {u"id"_s, u"7"_s}})};
     OutlineSelection selection;
     selection.rows = top;
     selection.selected = {0};
     selection.clickedRow = 1;
-    EXPECT_TRUE(QNLinksOutline::itemsForAction(selection, top, QStringLiteral("revealInFinder")).isEmpty());
-    const QVariantList goTo = QNLinksOutline::itemsForAction(selection, top, QStringLiteral("goToLink"));
+    EXPECT_TRUE(QNLinksOutline::itemsForAction(selection, top, u"revealInFinder"_s).isEmpty());
+    const QVariantList goTo = QNLinksOutline::itemsForAction(selection, top, u"goToLink"_s);
     const auto target = QNLinksOutline::goToLinkTarget(goTo);
     ASSERT_TRUE(target);
-    EXPECT_EQ(target->linkId, QStringLiteral("7"));
-    EXPECT_EQ(target->docName, QStringLiteral("brochure.indd"));
+    EXPECT_EQ(target->linkId, u"7"_s);
+    EXPECT_EQ(target->docName, u"brochure.indd"_s);
     EXPECT_FALSE(QNLinksOutline::goToLinkTarget({}));
 
     selection.selected = {0, 1};
-    EXPECT_EQ(QNLinksOutline::itemsForAction(selection, top, QStringLiteral("open")).size(), 1);
-    EXPECT_EQ(QNLinksOutline::itemsForAction(selection, top, QStringLiteral("goToLink")).size(), 2);
+    EXPECT_EQ(QNLinksOutline::itemsForAction(selection, top, u"open"_s).size(), 1);
+    EXPECT_EQ(QNLinksOutline::itemsForAction(selection, top, u"goToLink"_s).size(), 2);
 }
 
 TEST(LinkResults, CellHelpers)
 {
-    EXPECT_TRUE(QNLinksOutline::emptyOrDash(QStringLiteral("   -")));
+    EXPECT_TRUE(QNLinksOutline::emptyOrDash(u"   -"_s));
     EXPECT_FALSE(QNLinksOutline::emptyOrDash(3));
-    const QVariantMap eps = link({{QStringLiteral("epscols"), QStringLiteral("2")},
-                                  {QStringLiteral("epscollist"), QStringLiteral("PANTONE 185 C\rPANTONE 300 C")},
-                                  {QStringLiteral("epsfonts"), QStringLiteral("-")}});
-    EXPECT_EQ(QNLinksOutline::epsPullDownItems(eps, QStringLiteral("epscols")),
-              (QStringList{QStringLiteral("PANTONE 185 C"), QStringLiteral("PANTONE 300 C")}));
-    EXPECT_TRUE(QNLinksOutline::epsPullDownItems(eps, QStringLiteral("epsfonts")).isEmpty());
-    EXPECT_TRUE(QNLinksOutline::shouldEditName(link(), QStringLiteral("name"), false));
-    EXPECT_FALSE(QNLinksOutline::shouldEditName(link({{QStringLiteral("status"), QStringLiteral("Embedded")}}),
-                                                QStringLiteral("name"), false));
-    EXPECT_FALSE(QNLinksOutline::shouldEditName(link(), QStringLiteral("name"), true));
+    const QVariantMap eps =
+        link({{u"epscols"_s, u"2"_s}, {u"epscollist"_s, u"PANTONE 185 C\rPANTONE 300 C"_s}, {u"epsfonts"_s, u"-"_s}});
+    EXPECT_EQ(QNLinksOutline::epsPullDownItems(eps, u"epscols"_s),
+              (QStringList{u"PANTONE 185 C"_s, u"PANTONE 300 C"_s}));
+    EXPECT_TRUE(QNLinksOutline::epsPullDownItems(eps, u"epsfonts"_s).isEmpty());
+    EXPECT_TRUE(QNLinksOutline::shouldEditName(link(), u"name"_s, false));
+    EXPECT_FALSE(QNLinksOutline::shouldEditName(link({{u"status"_s, u"Embedded"_s}}), u"name"_s, false));
+    EXPECT_FALSE(QNLinksOutline::shouldEditName(link(), u"name"_s, true));
 }
 
 TEST(LinkResults, MetadataIsReadOnceAndOpeningIsRemembered)
@@ -277,30 +246,29 @@ TEST(LinkResults, MetadataIsReadOnceAndOpeningIsRemembered)
     int reads = 0;
     const auto reader = [&reads](const QString& path) {
         ++reads;
-        return QVariantList{QVariantMap{{QStringLiteral("file"), path}}};
+        return QVariantList{QVariantMap{{u"file"_s, path}}};
     };
     QNLinksOutline::acquireMetadata(record, reader);
     QNLinksOutline::acquireMetadata(record, reader);
     EXPECT_EQ(reads, 1);
-    EXPECT_EQ(record.value(QStringLiteral("metadata")).toList().size(), 1);
+    EXPECT_EQ(record.value(u"metadata"_s).toList().size(), 1);
 
     QTemporaryDir dir;
-    app::Settings settings(dir.filePath(QStringLiteral("s.ini")));
-    EXPECT_EQ(defaultAppForType(settings, QStringLiteral("tif")), QString());
-    setDefaultAppForType(settings, QStringLiteral("/Applications/Preview.app"), QStringLiteral("tif"));
-    setDefaultAppForType(settings, QStringLiteral("/Applications/Acrobat.app"), QStringLiteral("pdf"));
-    EXPECT_EQ(defaultAppForType(settings, QStringLiteral("tif")), QStringLiteral("/Applications/Preview.app"));
+    app::Settings settings(dir.filePath(u"s.ini"_s));
+    EXPECT_EQ(defaultAppForType(settings, u"tif"_s), QString());
+    setDefaultAppForType(settings, u"/Applications/Preview.app"_s, u"tif"_s);
+    setDefaultAppForType(settings, u"/Applications/Acrobat.app"_s, u"pdf"_s);
+    EXPECT_EQ(defaultAppForType(settings, u"tif"_s), u"/Applications/Preview.app"_s);
 }
 
 TEST(LinkResults, DataFilesAreReadFromTheTemporaryFolder)
 {
     QTemporaryDir dir;
     app::setTemporaryFolderOverride(dir.path());
-    EXPECT_TRUE(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")).isEmpty());
-    const QVariantMap data{
-        {QStringLiteral("/jobs/a.indd"), QVariantMap{{QStringLiteral("children"), QVariantList{link()}}}}};
-    ASSERT_TRUE(app::writePropertyListFile(data, dir.filePath(QStringLiteral("qnf_tmpLinkData.plist"))).ok());
-    EXPECT_EQ(readDataFile(QStringLiteral("qnf_tmpLinkData.plist")).keys(), data.keys());
+    EXPECT_TRUE(readDataFile(u"qnf_tmpLinkData.plist"_s).isEmpty());
+    const QVariantMap data{{u"/jobs/a.indd"_s, QVariantMap{{u"children"_s, QVariantList{link()}}}}};
+    ASSERT_TRUE(app::writePropertyListFile(data, dir.filePath(u"qnf_tmpLinkData.plist"_s)).ok());
+    EXPECT_EQ(readDataFile(u"qnf_tmpLinkData.plist"_s).keys(), data.keys());
     app::setTemporaryFolderOverride({});
 }
 
@@ -309,20 +277,19 @@ TEST(LinkRulesEditor, OperationsHaveTheEditorsEffects)
     QNLinkRulesTable table;
     table.startup();
     table.plusBtn();
-    EXPECT_EQ(table.items()[0].toMap(), rule(QStringLiteral("Kind"), QStringLiteral("contains"), QString()));
-    table.setObjectValue(QStringLiteral("value"), 0, QStringLiteral("JPEG"));
-    table.setObjectValue(QStringLiteral("attribute"), 0, QStringLiteral("Color Mode"));
+    EXPECT_EQ(table.items()[0].toMap(), rule(u"Kind"_s, u"contains"_s, QString()));
+    table.setObjectValue(u"value"_s, 0, u"JPEG"_s);
+    table.setObjectValue(u"attribute"_s, 0, u"Color Mode"_s);
     QVariantMap r = table.items()[0].toMap();
-    EXPECT_EQ(r.value(QStringLiteral("attributeKey")).toString(), QStringLiteral("color"));
-    EXPECT_EQ(r.value(QStringLiteral("value")).toString(), QStringLiteral("JPEG")); // kept: only "Status" resets
+    EXPECT_EQ(r.value(u"attributeKey"_s).toString(), u"color"_s);
+    EXPECT_EQ(r.value(u"value"_s).toString(), u"JPEG"_s); // kept: only "Status" resets
 
-    table.setObjectValue(QStringLiteral("attribute"), 0, QStringLiteral("Status"));
+    table.setObjectValue(u"attribute"_s, 0, u"Status"_s);
     r = table.items()[0].toMap();
-    EXPECT_EQ(r.value(QStringLiteral("condition")).toString(), QStringLiteral("is"));
-    EXPECT_EQ(r.value(QStringLiteral("value")).toString(), QStringLiteral("Missing"));
-    table.setObjectValue(QStringLiteral("value"), 0, 2);
-    EXPECT_EQ(table.items()[0].toMap().value(QStringLiteral("value")).toString(), QStringLiteral("Embedded"));
-    EXPECT_EQ(QNLinkRulesTable::statusMenuIndex(QStringLiteral("Embedded")), 2);
+    EXPECT_EQ(r.value(u"condition"_s).toString(), u"is"_s);
+    EXPECT_EQ(r.value(u"value"_s).toString(), u"Missing"_s);
+    table.setObjectValue(u"value"_s, 0, 2);
+    EXPECT_EQ(table.items()[0].toMap().value(u"value"_s).toString(), u"Embedded"_s);
 
     table.minusBtn(-1);
     EXPECT_EQ(table.items().size(), 1);

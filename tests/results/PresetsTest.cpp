@@ -9,44 +9,34 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillon::results {
 namespace {
 
-// What Python's plistlib makes of a file, through JSON.
-QVariantMap readWithPython(const QString& path)
+// What a preset file holds, as any reader of the format sees it.
+QVariantMap readBack(const QString& path)
 {
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-c"),
-                  QStringLiteral("import plistlib, json, sys\n"
-                                 "print(json.dumps(plistlib.load(open(sys.argv[1], 'rb'))))"),
-                  path});
-    if (!python.waitForFinished(20000) || python.exitCode() != 0) {
-        ADD_FAILURE() << "plistlib could not read " << path.toStdString() << ": "
-                      << python.readAllStandardError().toStdString();
-        return {};
-    }
-    return QJsonDocument::fromJson(python.readAllStandardOutput()).object().toVariantMap();
+    const app::Result<QVariantMap> dict = app::readPropertyListDictionary(path);
+    EXPECT_TRUE(dict.ok()) << path.toStdString();
+    return dict.ok() ? *dict : QVariantMap();
 }
 
-const QVariantMap kMissingRule{{QStringLiteral("attribute"), QStringLiteral("Status")},
-                               {QStringLiteral("attributeKey"), QStringLiteral("status")},
-                               {QStringLiteral("condition"), QStringLiteral("is")},
-                               {QStringLiteral("value"), QStringLiteral("Missing")}};
+const QVariantMap kMissingRule{{u"attribute"_s, u"Status"_s},
+                               {u"attributeKey"_s, u"status"_s},
+                               {u"condition"_s, u"is"_s},
+                               {u"value"_s, u"Missing"_s}};
 
 class Presets : public testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(m_dir.isValid()); }
 
     QString folder() const { return m_dir.path(); }
-    QString file(const QString& name) const { return m_dir.filePath(name + QStringLiteral(".qnfp")); }
+    QString file(const QString& name) const { return m_dir.filePath(name + u".qnfp"_s); }
 
     void writePreset(const QString& fileName, const QVariantMap& preset) const
     {
@@ -61,49 +51,46 @@ TEST_F(Presets, AnEmptyFolderGetsTheDefaultPresetFile)
 {
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
-    const QVariantMap python = readWithPython(file(QStringLiteral("[Default]")));
-    EXPECT_EQ(python.value(QStringLiteral("name")).toString(), QStringLiteral("[Default]"));
-    EXPECT_EQ(python.value(QStringLiteral("Fonts")).toMap().value(QStringLiteral("conditions")).toList(),
-              QVariantList{kMissingRule});
+    EXPECT_EQ(table.presetNames(), QStringList{u"[Default]"_s});
+    const QVariantMap written = readBack(file(u"[Default]"_s));
+    EXPECT_EQ(written.value(u"name"_s).toString(), u"[Default]"_s);
+    EXPECT_EQ(written.value(u"Fonts"_s).toMap().value(u"conditions"_s).toList(), QVariantList{kMissingRule});
     for (const char* empty : {"Colors", "Document", "Options"})
-        EXPECT_TRUE(python.contains(QLatin1String(empty)) && python.value(QLatin1String(empty)).toMap().isEmpty())
+        EXPECT_TRUE(written.contains(QLatin1String(empty)) && written.value(QLatin1String(empty)).toMap().isEmpty())
             << empty;
 }
 
 TEST_F(Presets, DefaultComesFirstAndIsOnlyInMemoryWhenOthersExist)
 {
-    writePreset(QStringLiteral("Print.qnfp"),
-                {{QStringLiteral("name"), QStringLiteral("Print")}, {QStringLiteral("Fonts"), QVariantMap()}});
-    writePreset(QStringLiteral("Web.qnfp"), {{QStringLiteral("name"), QStringLiteral("Web")}});
-    writePreset(QStringLiteral(".Hidden.qnfp"), {{QStringLiteral("name"), QStringLiteral("Hidden")}});
-    writePreset(QStringLiteral("Empty.qnfp"), {});
-    writePreset(QStringLiteral("Other.plist"), {{QStringLiteral("name"), QStringLiteral("Other")}});
-    test::writeAll(file(QStringLiteral("Broken")), "<plist><dict><key>name</key>");
+    writePreset(u"Print.qnfp"_s, {{u"name"_s, u"Print"_s}, {u"Fonts"_s, QVariantMap()}});
+    writePreset(u"Web.qnfp"_s, {{u"name"_s, u"Web"_s}});
+    writePreset(u".Hidden.qnfp"_s, {{u"name"_s, u"Hidden"_s}});
+    writePreset(u"Empty.qnfp"_s, {});
+    writePreset(u"Other.plist"_s, {{u"name"_s, u"Other"_s}});
+    test::writeAll(file(u"Broken"_s), "<plist><dict><key>name</key>");
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    EXPECT_EQ(table.presetNames(),
-              (QStringList{QStringLiteral("[Default]"), QStringLiteral("Print"), QStringLiteral("Web")}));
-    EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
+    EXPECT_EQ(table.presetNames(), (QStringList{u"[Default]"_s, u"Print"_s, u"Web"_s}));
+    EXPECT_FALSE(QFileInfo::exists(file(u"[Default]"_s)));
 
     // Selected and left, the default is written.
     table.selectRow(0);
     ASSERT_TRUE(table.selectionShouldChange(table.loadSelectedPreset()).ok());
-    EXPECT_TRUE(QFileInfo::exists(file(QStringLiteral("[Default]"))));
+    EXPECT_TRUE(QFileInfo::exists(file(u"[Default]"_s)));
 
     // Now on disk, it is moved to the front wherever it sorts.
-    writePreset(QStringLiteral("0 First.qnfp"), {{QStringLiteral("name"), QStringLiteral("0 First")}});
+    writePreset(u"0 First.qnfp"_s, {{u"name"_s, u"0 First"_s}});
     ASSERT_TRUE(table.loadPresets().ok());
-    EXPECT_EQ(table.presetNames().first(), QStringLiteral("[Default]"));
+    EXPECT_EQ(table.presetNames().first(), u"[Default]"_s);
 }
 
 TEST_F(Presets, AnUnreadableDefaultIsNeverOverwritten)
 {
-    test::writeAll(file(QStringLiteral("[Default]")), "garbage");
+    test::writeAll(file(u"[Default]"_s), "garbage");
     QNPresetsTable table(folder());
     EXPECT_FALSE(table.loadPresets().ok());
-    EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
-    EXPECT_EQ(test::readAll(file(QStringLiteral("[Default]"))), QByteArray("garbage"));
+    EXPECT_EQ(table.presetNames(), QStringList{u"[Default]"_s});
+    EXPECT_EQ(test::readAll(file(u"[Default]"_s)), QByteArray("garbage"));
 }
 
 TEST_F(Presets, AddingNamesNewPresetsFromOne)
@@ -111,17 +98,15 @@ TEST_F(Presets, AddingNamesNewPresetsFromOne)
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
     table.selectRow(0);
-    EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 1"));
+    EXPECT_EQ(table.addRow().value(), u"New Preset 1"_s);
     table.selectRow(1);
-    EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 2"));
-    EXPECT_EQ(table.presetNames(), (QStringList{QStringLiteral("[Default]"), QStringLiteral("New Preset 1"),
-                                                QStringLiteral("New Preset 2")}));
-    EXPECT_EQ(readWithPython(file(QStringLiteral("New Preset 2"))).value(QStringLiteral("name")).toString(),
-              QStringLiteral("New Preset 2"));
+    EXPECT_EQ(table.addRow().value(), u"New Preset 2"_s);
+    EXPECT_EQ(table.presetNames(), (QStringList{u"[Default]"_s, u"New Preset 1"_s, u"New Preset 2"_s}));
+    EXPECT_EQ(readBack(file(u"New Preset 2"_s)).value(u"name"_s).toString(), u"New Preset 2"_s);
     // A file that could not be read keeps its name from being reused.
-    test::writeAll(file(QStringLiteral("New Preset 3")), "not a plist");
-    EXPECT_EQ(table.addRow().value(), QStringLiteral("New Preset 4"));
-    EXPECT_EQ(test::readAll(file(QStringLiteral("New Preset 3"))), QByteArray("not a plist"));
+    test::writeAll(file(u"New Preset 3"_s), "not a plist");
+    EXPECT_EQ(table.addRow().value(), u"New Preset 4"_s);
+    EXPECT_EQ(test::readAll(file(u"New Preset 3"_s)), QByteArray("not a plist"));
 }
 
 TEST_F(Presets, RemovingRefusesTheDefault)
@@ -130,7 +115,7 @@ TEST_F(Presets, RemovingRefusesTheDefault)
     ASSERT_TRUE(table.loadPresets().ok());
     table.selectRow(0);
     ASSERT_TRUE(table.addRow().ok());
-    PresetsPopup popup{table.presetNames(), QStringLiteral("New Preset 1")};
+    PresetsPopup popup{table.presetNames(), u"New Preset 1"_s};
 
     EXPECT_FALSE(table.removeRow(m_alerts, &popup));
     ASSERT_EQ(m_alerts.requests().size(), 1u);
@@ -139,120 +124,118 @@ TEST_F(Presets, RemovingRefusesTheDefault)
     table.selectRow(1);
     EXPECT_TRUE(table.minusButtonEnabled());
     EXPECT_TRUE(table.removeRow(m_alerts, &popup));
-    EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("New Preset 1"))));
-    EXPECT_EQ(table.presetNames(), QStringList{QStringLiteral("[Default]")});
-    EXPECT_EQ(popup.title, QStringLiteral("[Default]"));
+    EXPECT_FALSE(QFileInfo::exists(file(u"New Preset 1"_s)));
+    EXPECT_EQ(table.presetNames(), QStringList{u"[Default]"_s});
+    EXPECT_EQ(popup.title, u"[Default]"_s);
     EXPECT_EQ(table.selectedRow(), 0);
 }
 
 TEST_F(Presets, RenamingRefusesInItsOrder)
 {
-    writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}});
-    writePreset(QStringLiteral("Web.qnfp"), {{QStringLiteral("name"), QStringLiteral("Web")}});
-    test::writeAll(file(QStringLiteral("Unreadable")), "x");
+    writePreset(u"Print.qnfp"_s, {{u"name"_s, u"Print"_s}});
+    writePreset(u"Web.qnfp"_s, {{u"name"_s, u"Web"_s}});
+    test::writeAll(file(u"Unreadable"_s), "x");
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    const qsizetype print = table.rowOfPreset(QStringLiteral("Print"));
+    const qsizetype print = table.rowOfPreset(u"Print"_s);
     const struct {
         QString name;
         QString title;
         bool critical;
     } refusals[] = {
-        {QStringLiteral("Web"), QStringLiteral("Preset with this name already exists"), true},
-        {QString(), QStringLiteral("Please assign a name to the preflight preset"), true},
-        {QStringLiteral("Print [final]"), QStringLiteral("Error"), false},
-        {QStringLiteral("Café"), QStringLiteral("Error"), false},
-        {QStringLiteral(".hidden"), QStringLiteral("Error"), false},
-        {QStringLiteral("Unreadable"), QStringLiteral("File with this name already exists"), true},
+        {u"Web"_s, u"Preset with this name already exists"_s, true},
+        {QString(), u"Please assign a name to the preflight preset"_s, true},
+        {u"Print [final]"_s, u"Error"_s, false},
+        {u"Café"_s, u"Error"_s, false},
+        {u".hidden"_s, u"Error"_s, false},
+        {u"Unreadable"_s, u"File with this name already exists"_s, true},
     };
     for (const auto& r : refusals) {
         EXPECT_FALSE(table.renamePreset(print, r.name, m_alerts)) << r.name.toStdString();
         EXPECT_EQ(m_alerts.requests().back().title, r.title) << r.name.toStdString();
         EXPECT_EQ(m_alerts.requests().back().critical, r.critical) << r.name.toStdString();
     }
-    EXPECT_TRUE(QFileInfo::exists(file(QStringLiteral("Print"))));
+    EXPECT_TRUE(QFileInfo::exists(file(u"Print"_s)));
 
-    PresetsPopup popup{table.presetNames(), QStringLiteral("Print")};
-    EXPECT_TRUE(table.renamePreset(print, QStringLiteral("Print final"), m_alerts, &popup));
-    EXPECT_FALSE(QFileInfo::exists(file(QStringLiteral("Print"))));
-    EXPECT_EQ(readWithPython(file(QStringLiteral("Print final"))).value(QStringLiteral("name")).toString(),
-              QStringLiteral("Print final"));
-    EXPECT_TRUE(popup.allPresets.contains(QStringLiteral("Print final")));
+    PresetsPopup popup{table.presetNames(), u"Print"_s};
+    EXPECT_TRUE(table.renamePreset(print, u"Print final"_s, m_alerts, &popup));
+    EXPECT_FALSE(QFileInfo::exists(file(u"Print"_s)));
+    EXPECT_EQ(readBack(file(u"Print final"_s)).value(u"name"_s).toString(), u"Print final"_s);
+    EXPECT_TRUE(popup.allPresets.contains(u"Print final"_s));
 }
 
 TEST(PresetSizes, SinglePrecisionByUnit)
 {
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("1.5"), QStringLiteral("MB")), 1572864u);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("2"), QStringLiteral("TB")), 2147483648u); // any other unit is GB
+    EXPECT_EQ(sizeLimitBytes(u"1.5"_s, u"MB"_s), 1572864u);
+    EXPECT_EQ(sizeLimitBytes(u"2"_s, u"TB"_s), 2147483648u); // any other unit is GB
     // Single precision: 0.3 GB is not 322122547.2 but what a float makes of it.
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("0.3"), QStringLiteral("GB")),
-              static_cast<std::uint64_t>(0.3f * 1073741824.0f));
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("-3"), QStringLiteral("MB")), 0u);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("lots"), QStringLiteral("MB")), 0u);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("1e30"), QStringLiteral("GB")), UINT64_MAX);
-    EXPECT_EQ(sizeLimitBytes(QStringLiteral("12 MB"), QStringLiteral("KB")), 12288u);
+    EXPECT_EQ(sizeLimitBytes(u"0.3"_s, u"GB"_s), static_cast<std::uint64_t>(0.3f * 1073741824.0f));
+    EXPECT_EQ(sizeLimitBytes(u"-3"_s, u"MB"_s), 0u);
+    EXPECT_EQ(sizeLimitBytes(u"lots"_s, u"MB"_s), 0u);
+    EXPECT_EQ(sizeLimitBytes(u"1e30"_s, u"GB"_s), UINT64_MAX);
+    EXPECT_EQ(sizeLimitBytes(u"12 MB"_s, u"KB"_s), 12288u);
 }
 
 TEST_F(Presets, EditorStateIsWrittenInTheFileShape)
 {
     QVariantMap preset = defaultPreset();
-    preset.insert(QStringLiteral("name"), QStringLiteral("Print"));
-    QVariantMap fonts = preset.value(QStringLiteral("Fonts")).toMap();
-    fonts.insert(QStringLiteral("embed"), true); // made elsewhere: kept, never written by the editors
-    preset.insert(QStringLiteral("Fonts"), fonts);
-    writePreset(QStringLiteral("Print.qnfp"), preset);
+    preset.insert(u"name"_s, u"Print"_s);
+    QVariantMap fonts = preset.value(u"Fonts"_s).toMap();
+    fonts.insert(u"embed"_s, true); // made elsewhere: kept, never written by the editors
+    preset.insert(u"Fonts"_s, fonts);
+    writePreset(u"Print.qnfp"_s, preset);
 
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    PresetEditorState shown = table.selectRow(table.rowOfPreset(QStringLiteral("Print")));
-    EXPECT_EQ(shown.sizeBelowUnits, QStringLiteral("MB"));
+    PresetEditorState shown = table.selectRow(table.rowOfPreset(u"Print"_s));
+    EXPECT_EQ(shown.sizeBelowUnits, u"MB"_s);
     EXPECT_EQ(shown.fontRules, QVariantList{kMissingRule});
-    shown.sizeBelowField = QStringLiteral("1.5");
-    shown.sizeAboveField = QStringLiteral("3");
-    shown.sizeAboveUnits = QStringLiteral("GB");
-    shown.resBelowField = QStringLiteral("250");
+    shown.sizeBelowField = u"1.5"_s;
+    shown.sizeAboveField = u"3"_s;
+    shown.sizeAboveUnits = u"GB"_s;
+    shown.resBelowField = u"250"_s;
     shown.fontsEpsBtn = 1;
     shown.fontsEpsMtrx = 1;
     shown.embedBtn = 1;
-    shown.colorRules = {{QStringLiteral("spot"), 1}, {QStringLiteral("LAB"), 0}};
+    shown.colorRules = {{u"spot"_s, 1}, {u"LAB"_s, 0}};
     ASSERT_TRUE(table.writeCurrPreset(shown).ok());
 
-    const QVariantMap python = readWithPython(file(QStringLiteral("Print")));
-    const QVariantMap links = python.value(QStringLiteral("Links")).toMap();
-    EXPECT_EQ(links.value(QStringLiteral("sizeBelowBytes")).toLongLong(), 1572864);
-    EXPECT_EQ(links.value(QStringLiteral("sizeAboveBytes")).toLongLong(), 3221225472LL);
-    EXPECT_EQ(links.value(QStringLiteral("resBelowField")).toString(), QStringLiteral("250"));
-    EXPECT_EQ(links.value(QStringLiteral("fontsEpsMtrx")).toInt(), 1);
-    EXPECT_EQ(links.value(QStringLiteral("conditions")).toList(), QVariantList{kMissingRule});
-    const QVariantMap writtenFonts = python.value(QStringLiteral("Fonts")).toMap();
-    EXPECT_EQ(writtenFonts.value(QStringLiteral("embedBtn")).toInt(), 1);
-    EXPECT_TRUE(writtenFonts.value(QStringLiteral("embed")).toBool());
-    EXPECT_EQ(python.value(QStringLiteral("Colors")).toMap().value(QStringLiteral("spot")).toInt(), 1);
+    const QVariantMap written = readBack(file(u"Print"_s));
+    const QVariantMap links = written.value(u"Links"_s).toMap();
+    EXPECT_EQ(links.value(u"sizeBelowBytes"_s).toLongLong(), 1572864);
+    EXPECT_EQ(links.value(u"sizeAboveBytes"_s).toLongLong(), 3221225472LL);
+    EXPECT_EQ(links.value(u"resBelowField"_s).toString(), u"250"_s);
+    EXPECT_EQ(links.value(u"fontsEpsMtrx"_s).toInt(), 1);
+    EXPECT_EQ(links.value(u"conditions"_s).toList(), QVariantList{kMissingRule});
+    const QVariantMap writtenFonts = written.value(u"Fonts"_s).toMap();
+    EXPECT_EQ(writtenFonts.value(u"embedBtn"_s).toInt(), 1);
+    EXPECT_TRUE(writtenFonts.value(u"embed"_s).toBool());
+    EXPECT_EQ(written.value(u"Colors"_s).toMap().value(u"spot"_s).toInt(), 1);
 
     // What was written is what the editors show again.
     QNPresetsTable reloaded(folder());
     ASSERT_TRUE(reloaded.loadPresets().ok());
-    const PresetEditorState again = reloaded.selectRow(reloaded.rowOfPreset(QStringLiteral("Print")));
-    EXPECT_EQ(again.sizeAboveUnits, QStringLiteral("GB"));
+    const PresetEditorState again = reloaded.selectRow(reloaded.rowOfPreset(u"Print"_s));
+    EXPECT_EQ(again.sizeAboveUnits, u"GB"_s);
     EXPECT_EQ(again.colorRules, shown.colorRules);
 }
 
 TEST_F(Presets, StartupSelectsTheRowOfLastTimeAndWritesNothingOnTheFirstChange)
 {
-    writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}});
-    app::Settings settings(m_dir.filePath(QStringLiteral("settings.ini")));
-    settings.setValue(QStringLiteral("presetIndexSelectedOnQuit"), 1);
+    writePreset(u"Print.qnfp"_s, {{u"name"_s, u"Print"_s}});
+    app::Settings settings(m_dir.filePath(u"settings.ini"_s));
+    settings.setValue(u"presetIndexSelectedOnQuit"_s, 1);
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadStartupSettings(settings).ok());
     EXPECT_EQ(table.selectedRow(), 1);
     PresetEditorState shown = table.loadSelectedPreset();
     shown.nonPrintBtn = 1;
     ASSERT_TRUE(table.selectionShouldChange(shown).ok());
-    EXPECT_FALSE(app::readPropertyListDictionary(file(QStringLiteral("Print")))->contains(QStringLiteral("Links")));
+    EXPECT_FALSE(app::readPropertyListDictionary(file(u"Print"_s))->contains(u"Links"_s));
     ASSERT_TRUE(table.selectionShouldChange(shown).ok());
-    EXPECT_TRUE(app::readPropertyListDictionary(file(QStringLiteral("Print")))->contains(QStringLiteral("Links")));
+    EXPECT_TRUE(app::readPropertyListDictionary(file(u"Print"_s))->contains(u"Links"_s));
 
-    settings.setValue(QStringLiteral("presetIndexSelectedOnQuit"), 9);
+    settings.setValue(u"presetIndexSelectedOnQuit"_s, 9);
     ASSERT_TRUE(table.loadStartupSettings(settings).ok());
     EXPECT_EQ(table.selectedRow(), -1);
     EXPECT_FALSE(table.curPreset());
@@ -260,34 +243,34 @@ TEST_F(Presets, StartupSelectsTheRowOfLastTimeAndWritesNothingOnTheFirstChange)
 
 TEST_F(Presets, ANameFromAFileNeverLeadsOutOfTheFolder)
 {
-    writePreset(QStringLiteral("Evil.qnfp"), {{QStringLiteral("name"), QStringLiteral("../../escaped")}});
+    writePreset(u"Evil.qnfp"_s, {{u"name"_s, u"../../escaped"_s}});
     QNPresetsTable table(folder());
     ASSERT_TRUE(table.loadPresets().ok());
-    table.selectRow(table.rowOfPreset(QStringLiteral("../../escaped")));
+    table.selectRow(table.rowOfPreset(u"../../escaped"_s));
     ASSERT_TRUE(table.writeCurrPreset(table.loadSelectedPreset()).ok());
-    EXPECT_FALSE(QFileInfo::exists(QDir(folder()).absoluteFilePath(QStringLiteral("../../escaped.qnfp"))));
-    EXPECT_TRUE(table.presetFilePath(QStringLiteral("../../escaped")).startsWith(folder() + u'/'));
+    EXPECT_FALSE(QFileInfo::exists(QDir(folder()).absoluteFilePath(u"../../escaped.qnfp"_s)));
+    EXPECT_TRUE(table.presetFilePath(u"../../escaped"_s).startsWith(folder() + u'/'));
 }
 
 TEST_F(Presets, TheCurrentPresetIsReadFromDisk)
 {
-    app::Settings settings(m_dir.filePath(QStringLiteral("settings.ini")));
-    EXPECT_EQ(selectPresetOnLaunch(settings), QStringLiteral("[Default]"));
+    app::Settings settings(m_dir.filePath(u"settings.ini"_s));
+    EXPECT_EQ(selectPresetOnLaunch(settings), u"[Default]"_s);
     EXPECT_FALSE(currPreset(settings, m_alerts, folder()));
     ASSERT_EQ(m_alerts.requests().size(), 1u);
-    EXPECT_EQ(m_alerts.requests()[0].title, QStringLiteral("The selected checkup preset could not be found"));
+    EXPECT_EQ(m_alerts.requests()[0].title, u"The selected checkup preset could not be found"_s);
 
-    writePreset(QStringLiteral("Print.qnfp"), {{QStringLiteral("name"), QStringLiteral("Print")}});
-    presetsPopup(settings, QStringLiteral("Print"));
-    EXPECT_EQ(selectPresetOnLaunch(settings), QStringLiteral("Print"));
+    writePreset(u"Print.qnfp"_s, {{u"name"_s, u"Print"_s}});
+    presetsPopup(settings, u"Print"_s);
+    EXPECT_EQ(selectPresetOnLaunch(settings), u"Print"_s);
     const auto preset = currPreset(settings, m_alerts, folder());
     ASSERT_TRUE(preset);
-    EXPECT_EQ(preset->value(QStringLiteral("name")).toString(), QStringLiteral("Print"));
+    EXPECT_EQ(preset->value(u"name"_s).toString(), u"Print"_s);
 
-    test::writeAll(file(QStringLiteral("Print")), "<plist>");
+    test::writeAll(file(u"Print"_s), "<plist>");
     EXPECT_FALSE(currPreset(settings, m_alerts, folder()));
-    EXPECT_EQ(m_alerts.requests().back().title, QStringLiteral("The selected checkup preset could not be read"));
-    EXPECT_TRUE(m_alerts.requests().back().message.contains(QStringLiteral("Print.qnfp")));
+    EXPECT_EQ(m_alerts.requests().back().title, u"The selected checkup preset could not be read"_s);
+    EXPECT_TRUE(m_alerts.requests().back().message.contains(u"Print.qnfp"_s));
 }
 
 TEST(PresetHelpers, NumericFieldsTakeNumbersOnly)

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillon::results {
 namespace {
 
@@ -11,37 +13,36 @@ QVariantMap withAlerts(QVariantMap record, const QStringList& alertedKeys)
 {
     QVariantMap alerts;
     for (const QString& key : alertedKeys)
-        alerts.insert(key, QStringList{QStringLiteral("text"), QStringLiteral("second text")});
+        alerts.insert(key, QStringList{u"text"_s, u"second text"_s});
     record.insert(kAlertsKey, alerts);
     return record;
 }
 
 QString bytesAsText(std::uint64_t bytes)
 {
-    return QString::number(bytes) + QStringLiteral(" B");
+    return QString::number(bytes) + u" B"_s;
 }
 
 QString valueOf(QNSummaryOutlineController& summary, const QString& section, const QString& row)
 {
     QNSummaryItem* s = summary.sectionItemWithTitle(section);
     if (!s)
-        return QStringLiteral("<no section>");
+        return u"<no section>"_s;
     QNSummaryItem* r = QNSummaryOutlineController::childWithTitle(row, s->children);
-    return r ? r->value : QStringLiteral("<no row>");
+    return r ? r->value : u"<no row>"_s;
 }
 
 TEST(Summary, StatusLineCountsAttributesNotTexts)
 {
-    const QVariantList fonts{withAlerts({}, {QStringLiteral("name"), QStringLiteral("status")}),
-                             withAlerts({}, {QStringLiteral("type")}), withAlerts({}, {})};
-    const QVariantList links{withAlerts({}, {QStringLiteral("eres")})};
+    const QVariantList fonts{withAlerts({}, {u"name"_s, u"status"_s}), withAlerts({}, {u"type"_s}), withAlerts({}, {})};
+    const QVariantList links{withAlerts({}, {u"eres"_s})};
     const PreflightStatus status =
         QNSummaryOutlineController::loadPreflightStatusResults(fonts, {withAlerts({}, {})}, links);
-    EXPECT_EQ(status.text, QStringLiteral("4 errors found: Fonts: 3 \u2022 Links: 1"));
+    EXPECT_EQ(status.text, u"4 errors found: Fonts: 3 \u2022 Links: 1"_s);
     EXPECT_TRUE(status.hasPreflightErrors);
 
     const PreflightStatus clean = QNSummaryOutlineController::loadPreflightStatusResults({}, {}, {});
-    EXPECT_EQ(clean.text, QStringLiteral("No errors found"));
+    EXPECT_EQ(clean.text, u"No errors found"_s);
     EXPECT_FALSE(clean.hasPreflightErrors);
 }
 
@@ -49,11 +50,11 @@ TEST(Summary, ErrorFlagComesFromTheLowByte)
 {
     QVariantList links;
     for (int i = 0; i < 256; ++i)
-        links.append(withAlerts({}, {QStringLiteral("size")}));
+        links.append(withAlerts({}, {u"size"_s}));
     const PreflightStatus status = QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links);
-    EXPECT_EQ(status.text, QStringLiteral("256 errors found: Links: 256"));
+    EXPECT_EQ(status.text, u"256 errors found: Links: 256"_s);
     EXPECT_FALSE(status.hasPreflightErrors);
-    links.append(withAlerts({}, {QStringLiteral("size")}));
+    links.append(withAlerts({}, {u"size"_s}));
     EXPECT_TRUE(QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links).hasPreflightErrors);
     links.resize(254); // the byte reads negative, which is still an error
     EXPECT_TRUE(QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links).hasPreflightErrors);
@@ -63,69 +64,48 @@ TEST(Summary, SectionsCountByTheirRules)
 {
     QNSummaryOutlineController summary;
     summary.startup();
-    const QVariantList fonts{
-        QVariantMap{{QStringLiteral("status"), QStringLiteral("missing")},
-                    {QStringLiteral("type"), QStringLiteral("type 1")}},
-        QVariantMap{{QStringLiteral("status"), QStringLiteral("installed")},
-                    {QStringLiteral("type"), QStringLiteral("OpenType TrueType")}},
-        QVariantMap{{QStringLiteral("status"), QStringLiteral("installed")}, {QStringLiteral("type"), 7}}};
-    const QVariantList colors{QVariantMap{{QStringLiteral("spot"), QStringLiteral("spot")},
-                                          {QStringLiteral("space"), QStringLiteral("CMYK")}},
-                              QVariantMap{{QStringLiteral("spot"), QStringLiteral("process")},
-                                          {QStringLiteral("space"), QStringLiteral("RGB")}}};
-    const QVariantList links{QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")},
-                                         {QStringLiteral("status"), QStringLiteral("Missing")},
-                                         {QStringLiteral("color"), QStringLiteral("CMYK + Spot")},
-                                         {QStringLiteral("sizebytes"), 0}},
-                             QVariantMap{{QStringLiteral("path"), QStringLiteral("/a.tif")},
-                                         {QStringLiteral("status"), QStringLiteral("OK")},
-                                         {QStringLiteral("color"), QStringLiteral("Indexed RGB")},
-                                         {QStringLiteral("sizebytes"), 0}}};
+    const QVariantList fonts{QVariantMap{{u"status"_s, u"missing"_s}, {u"type"_s, u"type 1"_s}},
+                             QVariantMap{{u"status"_s, u"installed"_s}, {u"type"_s, u"OpenType TrueType"_s}},
+                             QVariantMap{{u"status"_s, u"installed"_s}, {u"type"_s, 7}}};
+    const QVariantList colors{QVariantMap{{u"spot"_s, u"spot"_s}, {u"space"_s, u"CMYK"_s}},
+                              QVariantMap{{u"spot"_s, u"process"_s}, {u"space"_s, u"RGB"_s}}};
+    const QVariantList links{
+        QVariantMap{
+            {u"path"_s, u"/a.tif"_s}, {u"status"_s, u"Missing"_s}, {u"color"_s, u"CMYK + Spot"_s}, {u"sizebytes"_s, 0}},
+        QVariantMap{
+            {u"path"_s, u"/a.tif"_s}, {u"status"_s, u"OK"_s}, {u"color"_s, u"Indexed RGB"_s}, {u"sizebytes"_s, 0}}};
     SummaryDocumentInfo doc;
-    doc.docName = QStringLiteral("brochure.indd");
-    doc.numberOfPagesStr = QStringLiteral("12");
+    doc.docName = u"brochure.indd"_s;
+    doc.numberOfPagesStr = u"12"_s;
     summary.loadSummary(doc, fonts, colors, links, bytesAsText);
 
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Document"), QStringLiteral("Pages")), QStringLiteral("12"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Fonts"), QStringLiteral("Missing")), QStringLiteral("1"));
+    EXPECT_EQ(valueOf(summary, u"Document"_s, u"Pages"_s), u"12"_s);
+    EXPECT_EQ(valueOf(summary, u"Fonts"_s, u"Missing"_s), u"1"_s);
     // "type 1" is not counted by the case-sensitive "Type 1" test; "OpenType TrueType" counts twice.
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Fonts"), QStringLiteral("Type 1")), QStringLiteral("0"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Fonts"), QStringLiteral("TrueType")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Fonts"), QStringLiteral("OpenType")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Colors"), QStringLiteral("Spot")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Colors"), QStringLiteral("RGB")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Links"), QStringLiteral("Unique")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Links"), QStringLiteral("CMYK")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Links"), QStringLiteral("RGB")), QStringLiteral("1"));
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Links"), QStringLiteral("Total Size")), QStringLiteral("-"));
+    EXPECT_EQ(valueOf(summary, u"Fonts"_s, u"Type 1"_s), u"0"_s);
+    EXPECT_EQ(valueOf(summary, u"Fonts"_s, u"TrueType"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Fonts"_s, u"OpenType"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Colors"_s, u"Spot"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Colors"_s, u"RGB"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Unique"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"CMYK"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"RGB"_s), u"1"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Total Size"_s), u"-"_s);
 
-    EXPECT_EQ(summary.toVariantMap().value(QStringLiteral("Links")).toMap().value(QStringLiteral("Unique")).toString(),
-              QStringLiteral("1"));
+    EXPECT_EQ(summary.toVariantMap().value(u"Links"_s).toMap().value(u"Unique"_s).toString(), u"1"_s);
     summary.clear();
-    EXPECT_EQ(valueOf(summary, QStringLiteral("Links"), QStringLiteral("Total")), QString());
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Total"_s), QString());
 }
 
 TEST(Summary, TotalSizeAndDisplayedValues)
 {
-    const QVariantList links{QVariantMap{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3000000000ULL)}},
-                             QVariantMap{{QStringLiteral("sizebytes"), QVariant::fromValue<quint64>(3000000000ULL)}}};
-    EXPECT_EQ(
-        QNSummaryOutlineController::totalFileSizeFromDictsInArray(links, QStringLiteral("sizebytes"), bytesAsText),
-        QStringLiteral("6000000000 B"));
+    const QVariantList links{QVariantMap{{u"sizebytes"_s, QVariant::fromValue<quint64>(3000000000ULL)}},
+                             QVariantMap{{u"sizebytes"_s, QVariant::fromValue<quint64>(3000000000ULL)}}};
+    EXPECT_EQ(QNSummaryOutlineController::totalFileSizeFromDictsInArray(links, u"sizebytes"_s, bytesAsText),
+              u"6000000000 B"_s);
 
-    const QNSummaryItem zero{QStringLiteral("Missing"), QStringLiteral("0"), {}};
-    EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, QStringLiteral("value")), QStringLiteral("-"));
-}
-
-TEST(Summary, CountingHelpers)
-{
-    const QVariantList rows{QVariantMap{{QStringLiteral("k"), QStringLiteral("CMYK RGB")}},
-                            QVariantMap{{QStringLiteral("k"), QStringLiteral("cmyk")}},
-                            QVariantMap{{QStringLiteral("k"), 5}}};
-    const auto counts = QNSummaryOutlineController::countDictsWhoseValueForKey(
-        QStringLiteral("k"), {QStringLiteral("CM"), QStringLiteral("RG"), QStringLiteral("Lab")}, rows);
-    EXPECT_EQ(counts.value(QStringLiteral("CM")), 1);
-    EXPECT_TRUE(counts.contains(QStringLiteral("Lab")));
+    const QNSummaryItem zero{u"Missing"_s, u"0"_s, {}};
+    EXPECT_EQ(QNSummaryOutlineController::objectValueForColumn(zero, u"value"_s), u"-"_s);
 }
 
 } // namespace
