@@ -57,8 +57,8 @@ QStringList idmlDocumentRecord(const IdmlDocument& document, const QString& idml
     const QString version = QString::fromUtf8(document.designmap().document_element().attribute("DOMVersion").value());
     qint64 pages = 0;
     qint64 links = 0;
-    for (const QStringList* parts : {&document.masterSpreads(), &document.spreads(), &document.stories()}) {
-        const bool spread = parts == &document.spreads();
+    for (const QStringList* parts : {&document.masterSpreadFiles(), &document.spreadFiles(), &document.storyFiles()}) {
+        const bool spread = parts == &document.spreadFiles();
         document.parseAhead(*parts);
         for (const QString& name : *parts) {
             // A part that cannot be read is left out of the counts and named; the rest still counts.

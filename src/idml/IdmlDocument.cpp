@@ -121,8 +121,9 @@ Result<std::shared_ptr<IdmlDocument>> IdmlDocument::fromFolder(const QString& fo
     if (!info.isDir())
         return makeError(QStringLiteral("the unpacked IDML folder is missing"), folder);
     auto source = std::make_unique<Source>();
-    source->folder = QDir::cleanPath(info.absoluteFilePath());
-    std::shared_ptr<IdmlDocument> document(new IdmlDocument(source->folder, std::move(source)));
+    const QString name = QDir::cleanPath(info.absoluteFilePath());
+    source->folder = name;
+    std::shared_ptr<IdmlDocument> document(new IdmlDocument(name, std::move(source)));
     if (Status read = document->readDesignmap(); !read)
         return read.error();
     return document;
@@ -159,13 +160,40 @@ Status IdmlDocument::readDesignmap()
             m_preferences = *name;
         else
             continue;
-        if (!m_source->slotByName.contains(*name)) {
-            m_source->slotByName.insert(*name, static_cast<qsizetype>(m_slots.size()));
-            m_slots.push_back(std::make_unique<Slot>());
-            m_slots.back()->name = *name;
-        }
+        addSlot(*name);
     }
+    listPartFiles();
     return {};
+}
+
+void IdmlDocument::addSlot(const QString& name)
+{
+    if (m_source->slotByName.contains(name))
+        return;
+    m_source->slotByName.insert(name, static_cast<qsizetype>(m_slots.size()));
+    m_slots.push_back(std::make_unique<Slot>());
+    m_slots.back()->name = name;
+}
+
+void IdmlDocument::listPartFiles()
+{
+    for (const auto& [folder, files] :
+         {std::pair{QStringLiteral("MasterSpreads"), &m_masterSpreadFiles},
+          std::pair{QStringLiteral("Spreads"), &m_spreadFiles}, std::pair{QStringLiteral("Stories"), &m_storyFiles}}) {
+        QStringList names;
+        if (m_source->archive) {
+            for (const IdmlArchive::Entry& entry : m_source->archive->entries())
+                if (entry.path.startsWith(folder + u'/') && entry.path.count(u'/') == 1 && !entry.name.endsWith(u'/') &&
+                    !fileNameOf(entry.path).startsWith(u'.'))
+                    names << entry.path;
+        } else {
+            for (const QString& file : QDir(m_source->folder + u'/' + folder).entryList(QDir::Files))
+                names << folder + u'/' + file;
+        }
+        *files = inFileNameOrder(names);
+        for (const QString& name : std::as_const(*files))
+            addSlot(name);
+    }
 }
 
 IdmlDocument::Slot* IdmlDocument::slot(const QString& name) const

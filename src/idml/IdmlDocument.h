@@ -51,6 +51,12 @@ public:
     const QStringList& masterSpreads() const { return m_masterSpreads; }
     const QStringList& spreads() const { return m_spreads; }
     const QStringList& stories() const { return m_stories; }
+    // Every part file in the "MasterSpreads", "Spreads" and "Stories" folders, listed or not, hidden
+    // ones skipped, in byte order of their file names (the order a Mac volume lists a folder in):
+    // what the link analysis and the record read.
+    const QStringList& masterSpreadFiles() const { return m_masterSpreadFiles; }
+    const QStringList& spreadFiles() const { return m_spreadFiles; }
+    const QStringList& storyFiles() const { return m_storyFiles; }
     // The resource parts; empty when the designmap lists none.
     const QString& graphic() const { return m_graphic; }
     const QString& fonts() const { return m_fonts; }
@@ -72,6 +78,8 @@ private:
     IdmlDocument(QString name, std::unique_ptr<Source> source);
     app::Status readDesignmap();
     Slot* slot(const QString& name) const;
+    void addSlot(const QString& name);
+    void listPartFiles();
 
     QString m_name;
     bool m_repaired = false;
@@ -80,6 +88,9 @@ private:
     QStringList m_masterSpreads;
     QStringList m_spreads;
     QStringList m_stories;
+    QStringList m_masterSpreadFiles;
+    QStringList m_spreadFiles;
+    QStringList m_storyFiles;
     QString m_graphic;
     QString m_fonts;
     QString m_styles;

@@ -129,8 +129,8 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
                              {app::kGroupIsDockKey, true}};
 
     app::logLine(QStringLiteral("---> start idml spreads"));
-    const QStringList masters = inFileNameOrder(document.masterSpreads());
-    const QStringList spreads = inFileNameOrder(document.spreads());
+    const QStringList& masters = document.masterSpreadFiles();
+    const QStringList& spreads = document.spreadFiles();
     document.parseAhead(masters + spreads, m_controller.cancel);
     std::vector<LinkSource> sources;
     for (const auto& [parts, label, isMaster] :
@@ -149,7 +149,7 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
     if (linksInDoc < 0 || linksInDoc > static_cast<int>(sources.size())) {
         app::logLine(QStringLiteral("more links in doc, check stories"));
         m_storyFramePages.setSpreadOrder(document.spreads());
-        const QStringList stories = inFileNameOrder(document.stories());
+        const QStringList& stories = document.storyFiles();
         document.parseAhead(stories, m_controller.cancel);
         int count = 0;
         for (const QString& name : stories) {

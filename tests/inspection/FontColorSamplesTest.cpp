@@ -6,6 +6,7 @@
 #include "inspection/FontsFromIdml.h"
 #include "inspection/ParaStylesFromIdml.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
 #include "support/UnpackForTest.h"
 
@@ -30,7 +31,7 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
         ++documents;
 
         FontFileFinder finder(path);
-        const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
+        const auto fonts = fontRecordsFromIdml(*test::readPackage(unpacked->path()), finder);
         ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
         EXPECT_TRUE(fonts->skipped.isEmpty());
         withFonts += fonts->found.isEmpty() ? 0 : 1;
@@ -42,7 +43,7 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
                             .contains(record.value(kFontStatusKey).toString()));
         }
 
-        const auto colors = colorInspectionFromIdml(unpacked->path(), QStringLiteral("1"));
+        const auto colors = colorInspectionFromIdml(*test::readPackage(unpacked->path()), QStringLiteral("1"));
         ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
         EXPECT_TRUE(colors->skipped.isEmpty());
         QStringList names;
@@ -66,7 +67,7 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
         for (const char* special : {"Paper", "Registration"})
             EXPECT_TRUE(names.contains(QLatin1String(special))) << special;
 
-        const auto styles = paraStyleUsesFromIdml(unpacked->path());
+        const auto styles = paraStyleUsesFromIdml(*test::readPackage(unpacked->path()));
         ASSERT_TRUE(styles.ok()) << styles.error().text().toStdString();
         EXPECT_FALSE(styles->found.isEmpty());
     }
