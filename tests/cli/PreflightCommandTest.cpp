@@ -288,7 +288,7 @@ TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)
         return;
     }
     const QJsonArray documents = QJsonDocument::fromJson(out).object().value(QStringLiteral("documents")).toArray();
-    EXPECT_EQ(documents.size(), 60);
+    EXPECT_EQ(documents.size(), 60) << out.left(400).toStdString();
     EXPECT_EQ(documents.last().toObject().value(QStringLiteral("error")).toString(),
               QStringLiteral("the preflight was cancelled"));
 }
