@@ -4,11 +4,13 @@
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
+#include "host/OfflineIdmlHost.h"
+#include "idml/IdmlDocument.h"
 
-#include "inspection/DocInfo.h"
-#include "preflight/DocumentWarnings.h"
 #include "host/InDesignHost.h"
+#include "inspection/DocInfo.h"
 #include "inspection/PageSizes.h"
+#include "preflight/DocumentWarnings.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -35,20 +37,31 @@ struct DocumentFacts {
     QList<app::Error> warnings; // parts that could not be read, a repair, no pages
 };
 
-// Reads one document the way a preflight does: the record from the host, the IDML exported
-// (copied) into the work folder and unpacked there, then the document information. The work
-// files are removed afterwards.
+// Reads one document the way a preflight does, straight from its archive: the record from the
+// offline host, then the document information from the parts the host read.
 app::Result<DocumentFacts> readDocument(const QString& path, const QString& workFolder)
 {
-    app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder);
-    if (!unpacked)
-        return unpacked.error();
-    DocumentFacts facts{unpacked->record, QNDocInfo::docInfoWithRecord(unpacked->record), unpacked->repaired,
-                        unpacked->warnings};
+    OfflineIdmlHost host;
+    host.setWorkFolder(workFolder);
+    if (app::Status opened = host.openDocument(path, true); !opened)
+        return opened.error();
+    app::Result<QStringList> record = host.pathsAndNameOfDocument(DocumentReference::active());
+    if (!record)
+        return record.error();
+    app::Result<std::shared_ptr<const idml::IdmlDocument>> document =
+        host.idmlDocument(record->value(inspection::kRecordPosixPath), nullptr);
+    if (!document)
+        return document.error();
+    DocumentFacts facts{*record, QNDocInfo::docInfoWithRecord(*record), (*document)->wasRepaired(),
+                        host.documentWarnings()};
+    if (facts.repaired)
+        preflight::addWarningsOnce(facts.warnings, {preflight::repairedArchiveWarning()});
+    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(*record))
+        preflight::addWarningsOnce(facts.warnings, {*noPages});
     QList<app::Error> partWarnings;
-    if (const app::Status read = facts.info.parseDocInfoInIDMLFolderAtPath(unpacked->folder); !read)
+    if (const app::Status read = facts.info.parseDocInfoInDocument(**document); !read)
         partWarnings << read.error();
-    facts.info.setDocPageSizesDict(inspection::pageSizesInIdmlFolder(unpacked->folder, &partWarnings));
+    facts.info.setDocPageSizesDict(inspection::pageSizesInDocument(**document, &partWarnings));
     preflight::addWarningsOnce(facts.warnings, partWarnings);
     return facts;
 }

@@ -223,28 +223,35 @@ template <typename T> Result<inspection::Inspected<T>> noPartsSkipped(Result<T> 
 
 } // namespace
 
-Result<inspection::Inspected<QVariantList>> AppleScriptHost::processFonts(const QStringList& record, const QString& idmlFolder)
+Result<inspection::Inspected<QVariantList>> AppleScriptHost::processFonts(const QStringList& record,
+                                                                          const idml::IdmlDocument* document,
+                                                                          const app::CancelFlag* cancel)
 {
-    (void)idmlFolder; // InDesign answers for the open document itself
+    (void)document; // InDesign answers for the open document itself
+    (void)cancel;   // and one script cannot be stopped halfway
     if (record.size() < inspection::kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
-    return noPartsSkipped(
-        processFontsWithScripts(scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath])));
+    return noPartsSkipped(processFontsWithScripts(
+        scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath])));
 }
 
-Result<inspection::Inspected<inspection::ColorInspection>> AppleScriptHost::processColors(const QStringList& record,
-                                                                 const QString& idmlFolder,
-                                                                 const QString& registrationInTextFlag)
+Result<inspection::Inspected<inspection::ColorInspection>>
+AppleScriptHost::processColors(const QStringList& record, const idml::IdmlDocument* document,
+                               const QString& registrationInTextFlag, const app::CancelFlag* cancel)
 {
-    (void)idmlFolder;
+    (void)document;
+    (void)cancel;
     if (record.size() < inspection::kRecordItemCount)
         return makeError(QStringLiteral("The document record is incomplete."));
-    return noPartsSkipped(processColorsWithScripts(scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath]),
-                                                   registrationInTextFlag));
+    return noPartsSkipped(processColorsWithScripts(
+        scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath]),
+        registrationInTextFlag));
 }
 
-Result<inspection::Inspected<QString>> AppleScriptHost::paraReport(const QString& docName)
+Result<inspection::Inspected<QString>> AppleScriptHost::paraReport(const QString& docName,
+                                                                   const idml::IdmlDocument* document)
 {
+    (void)document;
     Result<QString> report = paraReportWithScripts(scriptedDocument(docName, {}));
     if (!report)
         return report.error();

@@ -37,10 +37,13 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override;
-    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const QString& idmlFolder,
-                                                         const QString& registrationInTextFlag) override;
-    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) override;
+    app::Result<inspection::Inspected<QVariantList>>
+    processFonts(const QStringList& record, const idml::IdmlDocument* document, const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
+                  const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
+                                                           const idml::IdmlDocument* document) override;
 
 private:
     QVariantMap run(const QString& source);

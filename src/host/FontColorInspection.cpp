@@ -2,12 +2,12 @@
 
 #include "app/Log.h"
 #include "host/ColorScript.h"
+#include "host/FontScript.h"
+#include "host/ParaStylesScript.h"
 #include "inspection/ColorsFromIdml.h"
 #include "inspection/FontFiles.h"
-#include "host/FontScript.h"
 #include "inspection/FontsFromIdml.h"
 #include "inspection/ParaStylesFromIdml.h"
-#include "host/ParaStylesScript.h"
 
 using namespace quillon::inspection;
 
@@ -30,24 +30,26 @@ app::Result<QString> runScript(const ScriptedDocument& document, const QString& 
 
 } // namespace
 
-app::Result<Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath)
+app::Result<Inspected<QVariantList>> processFontsFromIdml(const idml::IdmlDocument& document,
+                                                          const QString& documentPath, const app::CancelFlag* cancel)
 {
     app::logEntry("processFonts");
     FontFileFinder finder(documentPath);
-    return fontRecordsFromIdml(idmlFolder, finder);
+    return fontRecordsFromIdml(document, finder, cancel);
 }
 
-app::Result<Inspected<ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
-                                                              const QString& registrationInTextFlag)
+app::Result<Inspected<ColorInspection>> processColorsFromIdml(const idml::IdmlDocument& document,
+                                                              const QString& registrationInTextFlag,
+                                                              const app::CancelFlag* cancel)
 {
     app::logEntry("processColors");
-    return colorInspectionFromIdml(idmlFolder, registrationInTextFlag);
+    return colorInspectionFromIdml(document, registrationInTextFlag, cancel);
 }
 
-app::Result<Inspected<QString>> paraReportFromIdml(const QString& idmlFolder)
+app::Result<Inspected<QString>> paraReportFromIdml(const idml::IdmlDocument& document)
 {
     app::logEntry("paraReport");
-    auto styles = paraStyleUsesFromIdml(idmlFolder);
+    auto styles = paraStyleUsesFromIdml(document);
     if (!styles)
         return styles.error();
     return Inspected<QString>{paraStylesReportText(styles->found), styles->skipped};

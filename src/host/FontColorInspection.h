@@ -1,11 +1,19 @@
 #pragma once
 
 #include "app/Result.h"
-#include "inspection/ColorInspection.h"
 #include "host/FontColorScripts.h"
+#include "inspection/ColorInspection.h"
 #include "inspection/PartWarnings.h"
 
 #include <QString>
+
+namespace quillon::app {
+class CancelFlag;
+}
+
+namespace quillon::idml {
+class IdmlDocument;
+}
 
 namespace quillon::host {
 
@@ -15,13 +23,16 @@ namespace quillon::host {
 // returns its text. They run on the preflight's worker
 // thread; errors name the file or the script that failed and leave the data file as it was.
 
-// The offline host: from the document's unpacked IDML. `documentPath` is the document's own file,
-// beside which a "Document fonts" folder may hold fonts of its own. The parts that could not be
-// read were skipped: the answer names them.
-app::Result<inspection::Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath);
-app::Result<inspection::Inspected<inspection::ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
-                                                              const QString& registrationInTextFlag);
-app::Result<inspection::Inspected<QString>> paraReportFromIdml(const QString& idmlFolder);
+// The offline host: from the document's IDML. `documentPath` is the document's own file, beside
+// which a "Document fonts" folder may hold fonts of its own. The parts that could not be read
+// were skipped: the answer names them.
+app::Result<inspection::Inspected<QVariantList>> processFontsFromIdml(const idml::IdmlDocument& document,
+                                                                      const QString& documentPath,
+                                                                      const app::CancelFlag* cancel = nullptr);
+app::Result<inspection::Inspected<inspection::ColorInspection>>
+processColorsFromIdml(const idml::IdmlDocument& document, const QString& registrationInTextFlag,
+                      const app::CancelFlag* cancel = nullptr);
+app::Result<inspection::Inspected<QString>> paraReportFromIdml(const idml::IdmlDocument& document);
 
 // The AppleScript host: scripts sent to `inDesignName` about the open document `documentName`.
 struct ScriptedDocument {
@@ -32,7 +43,7 @@ struct ScriptedDocument {
 };
 app::Result<QVariantList> processFontsWithScripts(const ScriptedDocument& document);
 app::Result<inspection::ColorInspection> processColorsWithScripts(const ScriptedDocument& document,
-                                     const QString& registrationInTextFlag);
+                                                                  const QString& registrationInTextFlag);
 app::Result<QString> paraReportWithScripts(const ScriptedDocument& document);
 
 } // namespace quillon::host

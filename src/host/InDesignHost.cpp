@@ -1,6 +1,8 @@
 #include "host/InDesignHost.h"
 
+#include "app/AppPaths.h"
 #include "app/Strings.h"
+#include "idml/IdmlDocument.h"
 
 namespace quillon::host {
 
@@ -9,6 +11,16 @@ QString DocumentReference::scriptText() const
     if (isActive())
         return QStringLiteral("active document");
     return QStringLiteral("document \"%1\"").arg(app::stringByEscapingCharacters(m_name, {QStringLiteral("\"")}));
+}
+
+app::Result<std::shared_ptr<const idml::IdmlDocument>> InDesignHost::idmlDocument(const QString& idmlPath,
+                                                                                  const app::CancelFlag* cancel)
+{
+    app::Result<std::shared_ptr<idml::IdmlDocument>> document =
+        idml::IdmlDocument::open(idmlPath, app::workFolder(), cancel);
+    if (!document)
+        return document.error();
+    return std::shared_ptr<const idml::IdmlDocument>(std::move(*document));
 }
 
 app::Status InDesignHost::showLinkID(const QString& linkId, const QString& docName)

@@ -8,6 +8,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
+namespace quillon::app {
+class CancelFlag;
+}
+
+namespace quillon::idml {
+class IdmlDocument;
+}
+
 namespace quillon::host {
 
 // Which open document a request is about: the active one, or one named by its file name.
@@ -76,19 +86,29 @@ public:
     // document `docName`.
     virtual app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) = 0;
 
+    // The parts of the preflight's IDML export at `idmlPath`, read once for every stage that needs
+    // them (the link analysis, the document information, the inspections). By default the file
+    // is opened (and repaired in the work folder when damaged); a host that has read the same
+    // document already may hand over what it read. Errors name the file.
+    virtual app::Result<std::shared_ptr<const idml::IdmlDocument>> idmlDocument(const QString& idmlPath,
+                                                                                const app::CancelFlag* cancel);
+
     // The font and colour inspections of a preflighted document: the font records, and the
     // colour records with the unused names and the Registration count, of the document of
-    // `record` (the six-string record). `idmlFolder` is the preflight's unpacked IDML export: a
-    // host that reads the IDML uses it, or unpacks the document itself when it is empty.
-    // `registrationInTextFlag` "1" asks for Registration applied to text to be counted. The
-    // answer names the parts of the document that could not be read and were skipped.
+    // `record` (the six-string record). `document` is the preflight's IDML export: a host that
+    // reads the IDML uses it, or reads the document itself when it is null. `registrationInTextFlag`
+    // "1" asks for Registration applied to text to be counted. `cancel` stops the reading between
+    // parts. The answer names the parts of the document that could not be read and were skipped.
     virtual app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record,
-                                                              const QString& idmlFolder) = 0;
-    virtual app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record,
-                                                                  const QString& idmlFolder,
-                                                                  const QString& registrationInTextFlag) = 0;
-    // The paragraph-styles report of the open document `docName`, with the parts it skipped.
-    virtual app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) = 0;
+                                                                          const idml::IdmlDocument* document,
+                                                                          const app::CancelFlag* cancel = nullptr) = 0;
+    virtual app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
+                  const app::CancelFlag* cancel = nullptr) = 0;
+    // The paragraph-styles report of the open document `docName`, with the parts it skipped;
+    // `document`, when given, is its IDML.
+    virtual app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
+                                                                   const idml::IdmlDocument* document = nullptr) = 0;
 
     // Link actions and relinking; hosts that can do them override these.
     virtual app::Status showLinkID(const QString& linkId, const QString& docName);

@@ -4,14 +4,12 @@
 #include "app/FilePaths.h"
 #include "app/Log.h"
 #include "app/RegularFile.h"
-#include "idml/XmlPart.h"
 #include "host/FontColorInspection.h"
-#include "idml/IdmlPackage.h"
-#include "idml/IdmlXml.h"
+#include "idml/IdmlDocument.h"
+#include "idml/XmlPath.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <cstring>
 #include <memory>
@@ -26,11 +24,6 @@ using app::Status;
 
 namespace {
 
-bool isPart(const QString& name, const char* folder)
-{
-    return name.startsWith(QLatin1String(folder)) && name.endsWith(QLatin1String(".xml"));
-}
-
 bool isSameFile(const QString& a, const QString& b)
 {
     const QString canonicalA = QFileInfo(a).canonicalFilePath();
@@ -41,35 +34,6 @@ bool isSameFile(const QString& a, const QString& b)
 QString workFolderOr(const QString& workFolder)
 {
     return workFolder.isEmpty() ? app::workFolder() : workFolder;
-}
-
-// The IDML unpacked into a scratch folder of the work folder ("package" inside it), removed with
-// the returned object.
-Result<std::unique_ptr<QTemporaryDir>> unpackToScratch(const QString& idmlPath, const QString& workFolder)
-{
-    auto scratch = std::make_unique<QTemporaryDir>(workFolderOr(workFolder) + QStringLiteral("/inspect-XXXXXX"));
-    if (!scratch->isValid())
-        return makeError(QStringLiteral("no scratch folder can be made here"), workFolderOr(workFolder));
-    Result<IdmlArchive> archive =
-        openIdmlPackage(idmlPath, scratch->filePath(QFileInfo(idmlPath).fileName() + QStringLiteral("_tmp.zip")));
-    if (!archive)
-        return archive.error();
-    if (Status extracted = archive->extractTo(scratch->filePath(QStringLiteral("package"))); !extracted)
-        return extracted.error();
-    return scratch;
-}
-
-// Runs an inspection on the unpacked export when there is one, else on a scratch unpacking.
-template <typename Inspect>
-auto inspectUnpacked(const QString& idmlPath, const QString& idmlFolder, const QString& workFolder, Inspect inspect)
-    -> decltype(inspect(QString()))
-{
-    if (!idmlFolder.isEmpty())
-        return inspect(idmlFolder);
-    auto scratch = unpackToScratch(idmlPath, workFolder);
-    if (!scratch)
-        return scratch.error();
-    return inspect((*scratch)->filePath(QStringLiteral("package")));
 }
 
 Status checkRecord(const QStringList& record)
@@ -87,60 +51,43 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
+QStringList idmlDocumentRecord(const IdmlDocument& document, const QString& idmlPath, QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
-    QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
-    Result<IdmlArchive> archive =
-        openIdmlPackage(path, scratch.filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip")));
-    if (!archive)
-        return archive.error();
-
-    pugi::xml_document designmap;
-    Result<QByteArray> designmapBytes = archive->readEntry(QStringLiteral("designmap.xml"));
-    if (!designmapBytes)
-        return designmapBytes.error();
-    if (Status loaded = loadIdmlXml(designmap, *designmapBytes, path, QStringLiteral("designmap.xml")); !loaded)
-        return loaded.error();
-    const QString version = QString::fromUtf8(designmap.document_element().attribute("DOMVersion").value());
-
-    // A part that cannot be read is left out of the counts and named; the rest still counts.
-    const idml::XmlPartLimits limits;
-    auto skip = [&](const app::Error& why) {
-        app::logFailure(QStringLiteral("count pages and links: %1").arg(why.text()));
-        if (warnings)
-            warnings->append(why);
-    };
+    const QString version = QString::fromUtf8(document.designmap().document_element().attribute("DOMVersion").value());
     qint64 pages = 0;
     qint64 links = 0;
-    for (const IdmlArchive::Entry& entry : archive->entries()) {
-        const bool spread = isPart(entry.path, "Spreads/");
-        if (!spread && !isPart(entry.path, "MasterSpreads/") && !isPart(entry.path, "Stories/"))
-            continue;
-        if (entry.size > limits.maxBytes) {
-            skip(idml::partTooLarge(entry.path, entry.size, limits));
-            continue;
+    for (const QStringList* parts : {&document.masterSpreadFiles(), &document.spreadFiles(), &document.storyFiles()}) {
+        const bool spread = parts == &document.spreadFiles();
+        document.parseAhead(*parts);
+        for (const QString& name : *parts) {
+            // A part that cannot be read is left out of the counts and named; the rest still counts.
+            const Result<std::shared_ptr<const XmlPart>> part = document.part(name);
+            if (!part) {
+                app::logFailure(QStringLiteral("count pages and links: %1").arg(part.error().text()));
+                if (warnings)
+                    warnings->append(part.error());
+                continue;
+            }
+            forEachElement((*part)->document(), [&](const pugi::xml_node element) {
+                if (spread && std::strcmp(element.name(), "Page") == 0)
+                    ++pages;
+                else if (std::strcmp(element.name(), "Link") == 0 &&
+                         std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
+                    ++links;
+            });
         }
-        Result<QByteArray> bytes = archive->readEntry(entry.path, limits.maxBytes);
-        if (!bytes) {
-            skip(makeError(bytes.error().message, entry.path));
-            continue;
-        }
-        idml::XmlPart part;
-        if (Status parsed = part.parse(std::move(*bytes), entry.path, pugi::parse_minimal, limits); !parsed) {
-            skip(parsed.error());
-            continue;
-        }
-        forEachElement(part.document(), [&](const pugi::xml_node element) {
-            if (spread && std::strcmp(element.name(), "Page") == 0)
-                ++pages;
-            else if (std::strcmp(element.name(), "Link") == 0 &&
-                     std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
-                ++links;
-        });
     }
     return QStringList{QString(""), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
                        version};
+}
+
+Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
+{
+    Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(idmlPath, workFolderOr(workFolder));
+    if (!document)
+        return document.error();
+    return idmlDocumentRecord(**document, idmlPath, warnings);
 }
 
 Status OfflineIdmlHost::checkDocumentPath(const QString& path)
@@ -198,16 +145,43 @@ Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentRefere
         return path.error();
     // A file changed since (its size or time) is read again.
     const QFileInfo file(*path);
-    if (m_lastRecord && m_lastRecord->path == *path && m_lastRecord->size == file.size() &&
-        m_lastRecord->modified == file.lastModified()) {
+    if (isLastRecordOf(*path)) {
         m_recordWarnings = m_lastRecord->warnings;
         return m_lastRecord->record;
     }
     m_lastRecord.reset();
-    Result<QStringList> record = idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
-    if (record)
-        m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), *record, m_recordWarnings};
+    Result<std::shared_ptr<IdmlDocument>> read = IdmlDocument::open(*path, workFolderOr(m_workFolder));
+    if (!read)
+        return read.error();
+    const QStringList record = idmlDocumentRecord(**read, *path, &m_recordWarnings);
+    m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), record, m_recordWarnings, std::move(*read)};
     return record;
+}
+
+bool OfflineIdmlHost::isLastRecordOf(const QString& path) const
+{
+    const QFileInfo file(path);
+    return m_lastRecord && m_lastRecord->path == file.absoluteFilePath() && m_lastRecord->size == file.size() &&
+           m_lastRecord->modified == file.lastModified();
+}
+
+Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::documentAt(const QString& path,
+                                                                        const app::CancelFlag* cancel)
+{
+    if (isLastRecordOf(path))
+        return m_lastRecord->document;
+    Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(path, workFolderOr(m_workFolder), cancel);
+    if (!document)
+        return document.error();
+    return std::shared_ptr<const IdmlDocument>(std::move(*document));
+}
+
+Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::idmlDocument(const QString& idmlPath,
+                                                                          const app::CancelFlag* cancel)
+{
+    if (m_lastExport && isSameFile(m_lastExport->copy, idmlPath) && isLastRecordOf(m_lastExport->source))
+        return m_lastRecord->document;
+    return documentAt(idmlPath, cancel);
 }
 
 QList<app::Error> OfflineIdmlHost::documentWarnings() const
@@ -252,7 +226,11 @@ Status OfflineIdmlHost::exportDocumentForPreflight(const QString& docName, const
                                                    const QString& targetPosix)
 {
     (void)target;
-    return copyDocument(docName, targetPosix);
+    m_lastExport.reset();
+    Status copied = copyDocument(docName, targetPosix);
+    if (copied)
+        m_lastExport = ExportedCopy{documentPath(DocumentReference::named(docName)).valueOr(QString()), targetPosix};
+    return copied;
 }
 
 Status OfflineIdmlHost::exportDocumentToIdml(const QString& docName, const QString& targetPosix)
@@ -330,34 +308,46 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                      docName);
 }
 
-Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder)
+Result<inspection::Inspected<QVariantList>>
+OfflineIdmlHost::processFonts(const QStringList& record, const IdmlDocument* document, const app::CancelFlag* cancel)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
     const QString path = record[inspection::kRecordPosixPath];
-    return inspectUnpacked(path, idmlFolder, m_workFolder,
-                           [&](const QString& folder) { return processFontsFromIdml(folder, path); });
+    if (document)
+        return processFontsFromIdml(*document, path, cancel);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(path, cancel);
+    if (!read)
+        return read.error();
+    return processFontsFromIdml(**read, path, cancel);
 }
 
-Result<inspection::Inspected<inspection::ColorInspection>> OfflineIdmlHost::processColors(const QStringList& record,
-                                                                 const QString& idmlFolder,
-                                                                 const QString& registrationInTextFlag)
+Result<inspection::Inspected<inspection::ColorInspection>>
+OfflineIdmlHost::processColors(const QStringList& record, const IdmlDocument* document,
+                               const QString& registrationInTextFlag, const app::CancelFlag* cancel)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    const QString path = record[inspection::kRecordPosixPath];
-    return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
-        return processColorsFromIdml(folder, registrationInTextFlag);
-    });
+    if (document)
+        return processColorsFromIdml(*document, registrationInTextFlag, cancel);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record[inspection::kRecordPosixPath], cancel);
+    if (!read)
+        return read.error();
+    return processColorsFromIdml(**read, registrationInTextFlag, cancel);
 }
 
-Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString& docName)
+Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString& docName, const IdmlDocument* document)
 {
-    // Asked for after the preflight, when its export is gone: the document is unpacked again.
+    if (document)
+        return paraReportFromIdml(*document);
+    // Asked for after the preflight, when its export is gone: the document is read again.
     Result<QString> path = documentPath(DocumentReference::named(docName));
     if (!path)
         return path.error();
-    return inspectUnpacked(*path, {}, m_workFolder, [](const QString& folder) { return paraReportFromIdml(folder); });
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(*path);
+    if (!read)
+        return read.error();
+    return paraReportFromIdml(**read);
 }
 
 } // namespace quillon::host

@@ -43,38 +43,60 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override;
-    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const QString& idmlFolder,
-                                                         const QString& registrationInTextFlag) override;
-    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) override;
+    // The export of a preflight is a copy of the document: what the record read is handed over.
+    app::Result<std::shared_ptr<const idml::IdmlDocument>> idmlDocument(const QString& idmlPath,
+                                                                        const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<QVariantList>>
+    processFonts(const QStringList& record, const idml::IdmlDocument* document, const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
+                  const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
+                                                           const idml::IdmlDocument* document) override;
 
     const QStringList& openDocuments() const { return m_documents; }
-    // Where the host unpacks what it reads (a damaged archive's repaired copy); empty: the
+    // Where the host keeps a damaged archive's repaired copy while it reads it; empty: the
     // system's work folder.
     void setWorkFolder(const QString& folder) { m_workFolder = folder; }
 
 private:
     app::Result<QString> documentPath(const DocumentReference& document) const;
     app::Status copyDocument(const QString& docName, const QString& targetPosix);
+    // The parts of the document at `path`: those the last record read when the file is unchanged.
+    app::Result<std::shared_ptr<const idml::IdmlDocument>> documentAt(const QString& path,
+                                                                      const app::CancelFlag* cancel = nullptr);
 
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;
     QList<app::Error> m_recordWarnings;
     // The last record read and what it depends on: reading it means inflating and parsing every
-    // spread and story, and a preflight asks for it more than once.
+    // spread and story, which the inspections of the same document read again.
     struct ReadRecord {
         QString path;
         qint64 size = -1;
         QDateTime modified;
         QStringList record;
         QList<app::Error> warnings;
+        std::shared_ptr<const idml::IdmlDocument> document;
     };
     std::optional<ReadRecord> m_lastRecord;
+    bool isLastRecordOf(const QString& path) const;
+    // The last export for preflighting: `copy` holds the document at `source`.
+    struct ExportedCopy {
+        QString source;
+        QString copy;
+    };
+    std::optional<ExportedCopy> m_lastExport;
 };
 
-// The six-string record of an IDML file, read from the archive (a copy repaired in `workFolder`,
-// the system's work folder when empty, when it is damaged). Parts that cannot be read are left
-// out of the counts and, with `warnings`, named there.
+// The six-string record of a document from its IDML parts: no HFS path, the path and file name of
+// `idmlPath`, the pages of the spreads, the links with a file location in master spreads, spreads
+// and stories, the DOM version. Parts that cannot be read are left out of the counts and, with
+// `warnings`, named there.
+QStringList idmlDocumentRecord(const idml::IdmlDocument& document, const QString& idmlPath,
+                               QList<app::Error>* warnings = nullptr);
+// The same read from the file (a copy repaired in `workFolder`, the system's work folder when
+// empty, when it is damaged).
 app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
                                             QList<app::Error>* warnings = nullptr);
 

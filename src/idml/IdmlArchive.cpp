@@ -1,6 +1,7 @@
 #include "idml/IdmlArchive.h"
 
 #include "app/Numbers.h"
+#include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 
 #include <QFile>
@@ -16,7 +17,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <thread>
+#include <mutex>
 #include <unordered_set>
 
 namespace quillon::idml {
@@ -199,10 +200,63 @@ private:
 };
 
 // Archives with fewer files are unpacked on the calling thread alone.
-constexpr size_t kFilesPerExtraWorker = 64;
-constexpr unsigned kMaxWorkers = 4;
+constexpr qsizetype kFilesPerExtraWorker = 64;
+constexpr int kMaxWorkers = 4;
 
 } // namespace
+
+// libzip handles are not shared between threads: a reader borrows an idle one, or opens another
+// on the same file, and gives it back when done.
+class IdmlArchive::Handles {
+public:
+    Handles(QString path, QString name, std::unique_ptr<Handle> first)
+        : m_path(std::move(path)), m_name(std::move(name))
+    {
+        m_idle.push_back(std::move(first));
+    }
+
+    class Lease {
+    public:
+        Lease(Handles& owner, std::unique_ptr<Handle> handle) : m_owner(owner), m_handle(std::move(handle)) {}
+        Lease(Lease&&) = default;
+        ~Lease()
+        {
+            if (m_handle) {
+                const std::lock_guard lock(m_owner.m_mutex);
+                m_owner.m_idle.push_back(std::move(m_handle));
+            }
+        }
+        zip_t* zip() const { return m_handle->zip; }
+
+    private:
+        Handles& m_owner;
+        std::unique_ptr<Handle> m_handle;
+    };
+
+    Result<Lease> borrow()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            if (!m_idle.empty()) {
+                std::unique_ptr<Handle> handle = std::move(m_idle.back());
+                m_idle.pop_back();
+                return Lease(*this, std::move(handle));
+            }
+        }
+        Result<zip_t*> zip = openZip(m_path, m_name);
+        if (!zip)
+            return zip.error();
+        auto handle = std::make_unique<Handle>();
+        handle->zip = *zip;
+        return Lease(*this, std::move(handle));
+    }
+
+private:
+    QString m_path;
+    QString m_name;
+    std::mutex m_mutex;
+    std::vector<std::unique_ptr<Handle>> m_idle;
+};
 
 std::optional<QString> safeRelativeEntryPath(const QString& entryName)
 {
@@ -225,7 +279,8 @@ std::optional<QString> safeRelativeEntryPath(const QString& entryName)
 }
 
 IdmlArchive::IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries)
-    : m_path(std::move(path)), m_name(std::move(name)), m_handle(std::move(handle)), m_entries(std::move(entries))
+    : m_path(std::move(path)), m_name(std::move(name)),
+      m_handles(std::make_unique<Handles>(m_path, m_name, std::move(handle))), m_entries(std::move(entries))
 {
     m_indexByPath.reserve(static_cast<qsizetype>(m_entries.size()));
     for (size_t i = 0; i < m_entries.size(); ++i)
@@ -284,7 +339,7 @@ Result<IdmlArchive> IdmlArchive::open(const QString& path, const QString& report
     return IdmlArchive(path, name, std::move(handle), std::move(entries));
 }
 
-const IdmlArchive::Entry* IdmlArchive::find(const QString& name) const
+const IdmlArchive::Entry* IdmlArchive::entry(const QString& name) const
 {
     const std::optional<QString> path = safeRelativeEntryPath(name);
     if (!path)
@@ -295,21 +350,24 @@ const IdmlArchive::Entry* IdmlArchive::find(const QString& name) const
 
 bool IdmlArchive::contains(const QString& name) const
 {
-    return find(name) != nullptr;
+    return entry(name) != nullptr;
 }
 
 Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) const
 {
-    const Entry* it = find(name);
+    const Entry* it = entry(name);
     if (!it)
         return makeError(QStringLiteral("the archive holds no %1").arg(name), m_name);
     if (it->size > maxBytes)
         return makeError(QStringLiteral("the entry is too large to read (%1)").arg(app::fileSizeStrFromBytes(it->size)),
                          m_name, name);
-    zip_file_t* file = zip_fopen_index(m_handle->zip, it->index, 0);
+    Result<Handles::Lease> handle = m_handles->borrow();
+    if (!handle)
+        return handle.error();
+    zip_file_t* file = zip_fopen_index(handle->zip(), it->index, 0);
     if (!file)
         return makeError(
-            QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(m_handle->zip))), m_name,
+            QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(handle->zip()))), m_name,
             name);
     QByteArray bytes(it->size, Qt::Uninitialized);
     qint64 total = 0;
@@ -412,35 +470,37 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     }
 
     // Inflating and writing the files is spread over a few threads, each with its own handle.
-    const unsigned workers = static_cast<unsigned>(std::clamp<size_t>(
-        std::min<size_t>(jobs.size() / kFilesPerExtraWorker + 1, std::max(1u, std::thread::hardware_concurrency())), 1,
-        kMaxWorkers));
     std::atomic<qint64> budget{limits.maxTotalBytes};
     std::atomic<bool> stop{false};
-    std::vector<std::pair<size_t, Status>> failures(workers, {jobs.size(), Status()});
-    auto work = [&](unsigned worker, zip_t* zip) {
-        FileWriter writer(zip, m_name, budget);
-        for (size_t i = worker; i < jobs.size() && !stop.load(); i += workers) {
-            if (Status written = writer.write(jobs[i]); !written) {
-                failures[worker] = {i, written};
+    const int workers = app::parallelThreadLimit(kMaxWorkers);
+    std::vector<std::pair<size_t, Status>> failures(static_cast<size_t>(workers), {jobs.size(), Status()});
+    std::vector<std::optional<Handles::Lease>> leases(static_cast<size_t>(workers));
+    std::vector<std::unique_ptr<FileWriter>> writers(static_cast<size_t>(workers));
+    app::ParallelOptions options;
+    options.maxThreads = kMaxWorkers;
+    options.itemsPerThread = kFilesPerExtraWorker;
+    app::parallelFor(static_cast<qsizetype>(jobs.size()), options, [&](int worker, qsizetype index) {
+        const auto w = static_cast<size_t>(worker);
+        const auto i = static_cast<size_t>(index);
+        if (stop.load())
+            return;
+        if (!writers[w]) {
+            Result<Handles::Lease> lease = m_handles->borrow();
+            if (!lease) {
+                failures[w] = {i, lease.error()};
                 stop = true;
                 return;
             }
+            leases[w].emplace(std::move(*lease));
+            writers[w] = std::make_unique<FileWriter>(leases[w]->zip(), m_name, budget);
         }
-    };
-    std::vector<std::thread> threads;
-    std::vector<std::unique_ptr<Handle>> handles;
-    for (unsigned worker = 1; worker < workers; ++worker) {
-        Result<zip_t*> zip = openZip(m_path, m_name);
-        if (!zip)
-            return zip.error();
-        handles.push_back(std::make_unique<Handle>());
-        handles.back()->zip = *zip;
-        threads.emplace_back(work, worker, *zip);
-    }
-    work(0, m_handle->zip);
-    for (std::thread& thread : threads)
-        thread.join();
+        if (Status written = writers[w]->write(jobs[i]); !written) {
+            if (i < failures[w].first)
+                failures[w] = {i, written};
+            stop = true;
+        }
+    });
+    writers.clear();
     // Of several failures, the one of the earliest entry is reported.
     const auto first = std::min_element(failures.begin(), failures.end(),
                                         [](const auto& a, const auto& b) { return a.first < b.first; });

@@ -48,8 +48,11 @@ public:
     const std::vector<Entry>& entries() const { return m_entries; }
     // Entries are found by their path below the package, however the archive spells it.
     bool contains(const QString& name) const;
+    // The entry of that path; null when there is none.
+    const Entry* entry(const QString& name) const;
 
-    // The entry's bytes; refused when it declares more than `maxBytes`.
+    // The entry's bytes; refused when it declares more than `maxBytes`. May be called from several
+    // threads at once: each read takes a handle of its own.
     app::Result<QByteArray> readEntry(const QString& name, qint64 maxBytes = qint64(512) << 20) const;
 
     // Refuses an archive that could write outside its folder (absolute paths, "..", links or
@@ -64,12 +67,12 @@ public:
 
 private:
     struct Handle;
+    class Handles;
     IdmlArchive(QString path, QString name, std::unique_ptr<Handle> handle, std::vector<Entry> entries);
-    const Entry* find(const QString& name) const;
 
     QString m_path;
     QString m_name;
-    std::unique_ptr<Handle> m_handle;
+    std::unique_ptr<Handles> m_handles;
     std::vector<Entry> m_entries;
     QHash<QString, size_t> m_indexByPath; // the first entry of each path
 };

@@ -71,14 +71,6 @@ app::Error partTooLarge(const QString& partName, qint64 size, const XmlPartLimit
                      partName);
 }
 
-QString partNameOfFile(const QString& path)
-{
-    const QFileInfo file(path);
-    if (file.fileName() == QLatin1String("designmap.xml"))
-        return file.fileName();
-    return file.dir().dirName() + u'/' + file.fileName();
-}
-
 Status XmlPart::parse(QByteArray bytes, const QString& partName, unsigned options, const XmlPartLimits& limits)
 {
     m_document.reset();

@@ -52,8 +52,4 @@ private:
 // The message of a part larger than `limits` allows, for readers that check the size first.
 app::Error partTooLarge(const QString& partName, qint64 size, const XmlPartLimits& limits = {});
 
-// The name of a part file inside its package, from its path: "Spreads/Spread_u1.xml" (parts lie
-// one folder down, the designmap at the top).
-QString partNameOfFile(const QString& path);
-
 } // namespace quillon::idml

@@ -1,6 +1,7 @@
 #include "inspection/ColorsFromIdml.h"
 
 #include "app/Numbers.h"
+#include "idml/IdmlDocument.h"
 #include "inspection/ColorRecordKeys.h"
 #include "inspection/FontColorParts.h"
 #include "inspection/ParaStylesSheet.h"
@@ -145,7 +146,7 @@ QStringList builtOnReferences(pugi::xml_node node)
 class SwatchTable {
 public:
     // Keeps the part: the swatches point into it.
-    void load(std::shared_ptr<pugi::xml_document> graphic)
+    void load(std::shared_ptr<const pugi::xml_document> graphic)
     {
         m_graphic = std::move(graphic);
         for (const pugi::xml_node node : m_graphic->document_element().children()) {
@@ -224,7 +225,7 @@ private:
                     ref = m_colorByName.value(ref.mid(inkPrefix.size()));
     }
 
-    std::shared_ptr<pugi::xml_document> m_graphic;
+    std::shared_ptr<const pugi::xml_document> m_graphic;
     QList<Swatch> m_swatches;
     QHash<QString, qsizetype> m_byId;
     QHash<QString, QString> m_colorByName;
@@ -384,18 +385,16 @@ QVariantMap colorRecord(const Swatch& swatch, const SwatchTable& table, bool use
 
 } // namespace
 
-app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& idmlFolder,
-                                                                const QString& registrationInTextFlag)
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::IdmlDocument& document,
+                                                                const QString& registrationInTextFlag,
+                                                                const app::CancelFlag* cancel)
 {
-    auto parts = readIdmlParts(idmlFolder);
-    if (!parts)
-        return parts.error();
-    PartReader reader(*parts);
+    PartReader reader(document, cancel);
 
     SwatchTable swatches;
-    if (std::shared_ptr<pugi::xml_document> graphic = reader.read(parts->graphic))
+    if (std::shared_ptr<const pugi::xml_document> graphic = reader.read(document.graphic()))
         swatches.load(std::move(graphic));
-    const std::shared_ptr<pugi::xml_document> stylesDoc = reader.read(parts->styles);
+    const std::shared_ptr<const pugi::xml_document> stylesDoc = reader.read(document.styles());
     StyleReferences styleRefs;
     if (stylesDoc)
         styleRefs.load(*stylesDoc);
@@ -404,7 +403,7 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& i
     std::optional<TextStyleSheet> sheet;
     QSet<QString> registration;
     if (countRegistration) {
-        sheet = TextStyleSheet::fromDocuments(stylesDoc, reader.read(parts->preferences));
+        sheet = TextStyleSheet::fromDocuments(stylesDoc, reader.read(document.preferences()));
         const QString registrationId = swatches.registrationId();
         if (!registrationId.isEmpty()) {
             registration.insert(registrationId);
@@ -423,10 +422,11 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& i
         counter.emplace(*sheet, registration);
     // Each reference once: a large document makes millions, of a few hundred names.
     QSet<QString> referenced;
-    for (const QStringList* list : {&parts->spreads, &parts->masterSpreads, &parts->stories}) {
-        const bool isStory = list == &parts->stories;
+    for (const QStringList* list : {&document.spreads(), &document.masterSpreads(), &document.stories()}) {
+        const bool isStory = list == &document.stories();
+        document.parseAhead(*list, cancel);
         for (const QString& path : *list) {
-            const std::shared_ptr<pugi::xml_document> doc = reader.read(path);
+            const std::shared_ptr<const pugi::xml_document> doc = reader.read(path);
             if (!doc)
                 continue;
             QStringList refs;
@@ -437,6 +437,8 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& i
                 walkStoryText(doc->document_element(), *counter);
         }
     }
+    if (reader.cancelled())
+        return inspectionCancelled();
     pending += referenced.values();
 
     QSet<QString> used;
@@ -453,7 +455,7 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& i
 
     Inspected<ColorInspection> inspected;
     ColorInspection& inspection = inspected.found;
-    for (const Swatch* swatch : swatches.panelOrder(parts->designMap.get())) {
+    for (const Swatch* swatch : swatches.panelOrder(&document.designmap())) {
         const bool isUsed = swatch->special != Special::No || used.contains(swatch->id);
         QVariantMap record = colorRecord(*swatch, swatches, isUsed);
         if (!isUsed)

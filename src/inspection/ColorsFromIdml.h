@@ -6,9 +6,17 @@
 
 #include <QString>
 
+namespace quillon::app {
+class CancelFlag;
+}
+
+namespace quillon::idml {
+class IdmlDocument;
+}
+
 namespace quillon::inspection {
 
-// The swatches of a document, read from its unpacked IDML (Resources/Graphic.xml), in the
+// The swatches of a document, read from its IDML package (Resources/Graphic.xml), in the
 // Swatches panel's order: None, Paper and Registration included, known by their ColorOverride (or,
 // for None, by being the plain swatch), not by name. Colours that the panel does not show (the
 // reserved process inks, unnamed local colours) are left out.
@@ -21,9 +29,9 @@ namespace quillon::inspection {
 // With `registrationInTextFlag` "1" the text ranges whose fill or stroke, as set on the range or
 // by its styles, is the Registration swatch or a tint of it are counted.
 //
-// A part that cannot be read is skipped with a warning; only a package without a readable
-// designmap.xml fails.
-app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const QString& idmlFolder,
-                                                                const QString& registrationInTextFlag);
+// A part that cannot be read is skipped with a warning; only a cancelled inspection fails.
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::IdmlDocument& document,
+                                                                const QString& registrationInTextFlag,
+                                                                const app::CancelFlag* cancel = nullptr);
 
 } // namespace quillon::inspection

@@ -2,7 +2,7 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
-#include "idml/XmlPart.h"
+#include "idml/IdmlDocument.h"
 #include "inspection/DocumentRecord.h"
 
 #include <QDir>
@@ -84,16 +84,21 @@ void QNDocInfo::setBleedOrSlug(bool bleed, const QString& text)
     (bleed ? m_bleedStr : m_slugStr) = text;
 }
 
-app::Status QNDocInfo::parseDocInfoInIDMLFolderAtPath(const QString& folder)
+app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document)
 {
-    app::logLine(QStringLiteral("> parseDocInfoInIDMLFolderAtPath: %1").arg(folder));
-    const QString path = QDir(folder).filePath(QStringLiteral("Resources/Preferences.xml"));
-    idml::XmlPart preferences;
+    app::logLine(QStringLiteral("> parseDocInfoInIDMLFolderAtPath: %1").arg(document.name()));
+    const QString& path = document.preferences();
+    std::shared_ptr<const idml::XmlPart> preferences;
     app::Status read;
     // A package without preferences is not damaged: some tools write none.
-    if (QFileInfo::exists(path))
-        read = preferences.read(path, QStringLiteral("Resources/Preferences.xml"), pugi::parse_default);
-    const pugi::xml_node root = preferences.root();
+    if (!path.isEmpty()) {
+        app::Result<std::shared_ptr<const idml::XmlPart>> part = document.part(path);
+        if (part)
+            preferences = *part;
+        else
+            read = part.error();
+    }
+    const pugi::xml_node root = preferences ? preferences->root() : pugi::xml_node();
 
     const pugi::xml_node view = root.child("ViewPreference");
     if (view) {

@@ -9,6 +9,10 @@
 #include <QStringList>
 #include <QVariantMap>
 
+namespace quillon::idml {
+class IdmlDocument;
+}
+
 namespace quillon::inspection {
 
 // Keys of the document information as a record (reports, the batch's stored data, JSON).
@@ -51,10 +55,10 @@ public:
     // The same from the six-string document record.
     static QNDocInfo docInfoWithRecord(const QStringList& record, const QLocale& locale = QLocale());
 
-    // Reads the units, bleed and slug of an unpacked IDML ("Resources/Preferences.xml").
-    // Without that file the units are "Points" and bleed and slug "-"; when the file is there but
+    // Reads the units, bleed and slug of the document's IDML ("Resources/Preferences.xml").
+    // Without that part the units are "Points" and bleed and slug "-"; when the part is listed but
     // cannot be read the same, and the error names the part.
-    app::Status parseDocInfoInIDMLFolderAtPath(const QString& folder);
+    app::Status parseDocInfoInDocument(const idml::IdmlDocument& document);
 
     // The file's dates in the locale's short date and time; empty when they cannot be read.
     void setDates(const QLocale& locale = QLocale());

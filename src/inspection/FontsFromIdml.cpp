@@ -1,5 +1,6 @@
 #include "inspection/FontsFromIdml.h"
 
+#include "idml/IdmlDocument.h"
 #include "inspection/FontColorParts.h"
 #include "inspection/FontFiles.h"
 #include "inspection/FontRecordKeys.h"
@@ -166,7 +167,7 @@ private:
 class FontCatalog {
 public:
     // The part may be null (absent or unreadable): no face is then described.
-    void load(std::shared_ptr<pugi::xml_document> fonts)
+    void load(std::shared_ptr<const pugi::xml_document> fonts)
     {
         if (!fonts)
             return;
@@ -206,7 +207,7 @@ public:
     }
 
 private:
-    std::shared_ptr<pugi::xml_document> m_doc;
+    std::shared_ptr<const pugi::xml_document> m_doc;
     QHash<QString, pugi::xml_node> m_faces;
     QHash<QString, QList<UsedFont>> m_composites;
 };
@@ -263,19 +264,19 @@ QString fontTypeFromIdml(const QString& fontType)
     return fontType;
 }
 
-app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder)
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
+                                                         const app::CancelFlag* cancel)
 {
-    auto parts = readIdmlParts(idmlFolder);
-    if (!parts)
-        return parts.error();
-    PartReader reader(*parts);
+    PartReader reader(document, cancel);
     const TextStyleSheet sheet =
-        TextStyleSheet::fromDocuments(reader.read(parts->styles), reader.read(parts->preferences));
+        TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences()));
     FontCatalog catalog;
-    catalog.load(reader.read(parts->fonts));
+    catalog.load(reader.read(document.fonts()));
 
     UsedFontCollector collector(sheet);
-    walkStories(parts->stories, collector, reader);
+    walkStories(document.stories(), collector, reader);
+    if (reader.cancelled())
+        return inspectionCancelled();
 
     Inspected<QVariantList> inspected;
     QSet<QString> names;

@@ -6,11 +6,19 @@
 #include <QString>
 #include <QVariantList>
 
+namespace quillon::app {
+class CancelFlag;
+}
+
+namespace quillon::idml {
+class IdmlDocument;
+}
+
 namespace quillon::inspection {
 
 class FontFileFinder;
 
-// The fonts a document really uses, read from its unpacked IDML: the fonts of its text runs and of
+// The fonts a document really uses, read from its IDML package: the fonts of its text runs and of
 // the paragraph and character styles they apply (with the nested, GREP, line, bullet and numbering
 // character styles and bullet fonts of those paragraph styles), following BasedOn chains down to
 // the document's default font. Composite fonts stand for the fonts they combine. Faces that
@@ -19,8 +27,9 @@ class FontFileFinder;
 // One font record per font (keys in FontRecordKeys.h), sorted by name. The status is judged on
 // this machine with `finder`: a font whose file is found is "installed" ("fauxed" or "substituted"
 // when the IDML says so), any other "missing". A part that cannot be read is skipped with a
-// warning; only a package without a readable designmap.xml fails.
-app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const QString& idmlFolder, FontFileFinder& finder);
+// warning; only a cancelled inspection fails.
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
+                                                         const app::CancelFlag* cancel = nullptr);
 
 // The IDML's FontType in the words of the font record: "OpenTypeCFF" gives "OpenType CFF" (every
 // OpenType flavour keeps "OpenType"), "Type1" "type 1", "Bitmap" "bitmap", others as they are.

@@ -1,36 +1,23 @@
 #include "inspection/PageSizes.h"
 
+#include "idml/IdmlDocument.h"
 #include "links/PageGeometry.h"
-#include "idml/XmlPart.h"
-#include "idml/IdmlArchive.h"
-
-#include <QDir>
 
 #include <pugixml.hpp>
 
-using namespace quillon::idml;
-
 namespace quillon::inspection {
 
-PageSizesDict pageSizesInIdmlFolder(const QString& folder, QList<app::Error>* warnings)
+PageSizesDict pageSizesInDocument(const idml::IdmlDocument& document, QList<app::Error>* warnings)
 {
     PageSizesDict sizes;
-    const QDir root(folder);
-    idml::XmlPart designmap;
-    if (!designmap.read(root.filePath(QStringLiteral("designmap.xml")), QStringLiteral("designmap.xml")))
-        return sizes;
-    for (const pugi::xml_node part : designmap.root().children("idPkg:Spread")) {
-        // Only parts inside the package are read, whatever designmap.xml says.
-        const std::optional<QString> source = safeRelativeEntryPath(QString::fromUtf8(part.attribute("src").value()));
-        if (!source)
-            continue;
-        idml::XmlPart spreadFile;
-        if (const app::Status read = spreadFile.read(root.filePath(*source), *source); !read) {
+    for (const QString& name : document.spreads()) {
+        app::Result<std::shared_ptr<const idml::XmlPart>> part = document.part(name);
+        if (!part) {
             if (warnings)
-                warnings->append(read.error());
+                warnings->append(part.error());
             continue;
         }
-        const pugi::xml_node spread = spreadFile.root().child("Spread");
+        const pugi::xml_node spread = (*part)->root().child("Spread");
         for (const pugi::xml_node page : spread.children("Page")) {
             const QStringList key = links::pageSizeKeyFromGeometricBounds(page.attribute("GeometricBounds").value());
             if (!key.isEmpty())

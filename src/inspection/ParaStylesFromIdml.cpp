@@ -1,5 +1,6 @@
 #include "inspection/ParaStylesFromIdml.h"
 
+#include "idml/IdmlDocument.h"
 #include "inspection/FontColorParts.h"
 #include "inspection/FontRecords.h"
 #include "inspection/ParaStylesSheet.h"
@@ -64,16 +65,17 @@ QString nameFromReference(const QString& id)
 
 } // namespace
 
-app::Result<Inspected<QList<ParaStyleUse>>> paraStyleUsesFromIdml(const QString& idmlFolder)
+app::Result<Inspected<QList<ParaStyleUse>>> paraStyleUsesFromIdml(const idml::IdmlDocument& document,
+                                                                  const app::CancelFlag* cancel)
 {
-    auto parts = readIdmlParts(idmlFolder);
-    if (!parts)
-        return parts.error();
-    PartReader reader(*parts);
-    const auto sheet = TextStyleSheet::fromDocuments(reader.read(parts->styles), reader.read(parts->preferences));
+    PartReader reader(document, cancel);
+    const auto sheet =
+        TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences()));
 
     ParagraphCounter counter;
-    walkStories(parts->stories, counter, reader);
+    walkStories(document.stories(), counter, reader);
+    if (reader.cancelled())
+        return inspectionCancelled();
 
     Inspected<QList<ParaStyleUse>> inspected;
     QList<ParaStyleUse>& uses = inspected.found;

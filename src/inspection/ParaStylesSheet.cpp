@@ -1,7 +1,7 @@
 #include "inspection/ParaStylesSheet.h"
 
-#include "inspection/FontColorParts.h"
 #include "idml/IdmlXml.h"
+#include "inspection/FontColorParts.h"
 
 #include <vector>
 
@@ -99,8 +99,8 @@ void TextStyleSheet::resolveBasedOn(Kind& kind)
     }
 }
 
-TextStyleSheet TextStyleSheet::fromDocuments(std::shared_ptr<pugi::xml_document> styles,
-                                             std::shared_ptr<pugi::xml_document> preferences)
+TextStyleSheet TextStyleSheet::fromDocuments(std::shared_ptr<const pugi::xml_document> styles,
+                                             std::shared_ptr<const pugi::xml_document> preferences)
 {
     TextStyleSheet sheet;
     sheet.m_styles = std::move(styles);

@@ -29,8 +29,8 @@ class TextStyleSheet {
 public:
     // From the parts Resources/Styles.xml and Resources/Preferences.xml; either may be null (a
     // package without that part, or one that could not be read).
-    static TextStyleSheet fromDocuments(std::shared_ptr<pugi::xml_document> styles,
-                                        std::shared_ptr<pugi::xml_document> preferences);
+    static TextStyleSheet fromDocuments(std::shared_ptr<const pugi::xml_document> styles,
+                                        std::shared_ptr<const pugi::xml_document> preferences);
 
     // Paragraph styles in the order the file holds them (groups flattened).
     const QList<TextStyle>& paragraphStyles() const { return m_paragraph.styles; }
@@ -82,8 +82,8 @@ private:
     static void resolveBasedOn(Kind& kind);
     static QString inheritedValue(const Kind& kind, const QString& styleId, const char* property);
 
-    std::shared_ptr<pugi::xml_document> m_styles;
-    std::shared_ptr<pugi::xml_document> m_preferences;
+    std::shared_ptr<const pugi::xml_document> m_styles;
+    std::shared_ptr<const pugi::xml_document> m_preferences;
     pugi::xml_node m_textDefault;
     QString m_rootParagraphStyleId;
     Kind m_paragraph;

@@ -1,5 +1,6 @@
 #include "inspection/ParaStylesStories.h"
 
+#include "idml/IdmlDocument.h"
 #include "inspection/FontColorParts.h"
 
 #include <array>
@@ -151,11 +152,15 @@ void walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor)
     visitor.textEnded();
 }
 
-void walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor, PartReader& reader)
+void walkStories(const QStringList& storyNames, StoryTextVisitor& visitor, PartReader& reader)
 {
-    for (const QString& path : storyPaths)
-        if (const std::shared_ptr<pugi::xml_document> story = reader.read(path))
+    reader.document().parseAhead(storyNames, reader.cancelFlag());
+    for (const QString& name : storyNames) {
+        if (reader.cancelled())
+            return;
+        if (const std::shared_ptr<const pugi::xml_document> story = reader.read(name))
             walkStoryText(story->document_element(), visitor);
+    }
 }
 
 } // namespace quillon::inspection

@@ -37,7 +37,7 @@ class PartReader;
 void walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor);
 
 // Reads each story part in turn and walks it; a part that cannot be read is skipped with the
-// reader's warning.
-void walkStories(const QStringList& storyPaths, StoryTextVisitor& visitor, PartReader& reader);
+// reader's warning. Stops when the reader is cancelled.
+void walkStories(const QStringList& storyNames, StoryTextVisitor& visitor, PartReader& reader);
 
 } // namespace quillon::inspection

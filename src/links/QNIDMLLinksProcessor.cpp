@@ -1,27 +1,20 @@
 #include "links/QNIDMLLinksProcessor.h"
 
 #include "app/Log.h"
+#include "app/ParallelFor.h"
 #include "app/PathComponents.h"
 #include "app/Progress.h"
-#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
+#include "idml/IdmlDocument.h"
+#include "idml/TextFields.h"
+#include "idml/XmlPath.h"
 #include "links/AnchoredLinkPageSource.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
 #include "links/LinkedFileReader.h"
-#include "idml/PackageParts.h"
-#include "idml/TextFields.h"
-#include "idml/XmlPart.h"
-#include "idml/XmlPath.h"
 
-#include <QDir>
-#include <QFile>
-
-#include <algorithm>
-#include <atomic>
 #include <cstring>
-#include <thread>
 
 using namespace quillon::idml;
 
@@ -61,13 +54,8 @@ LinkSource sourceOfLink(pugi::xml_node link)
     return source;
 }
 
-int threadCount(int requested, size_t work)
-{
-    int threads = requested > 0 ? requested : static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    // Below a few dozen files a thread costs more than it saves.
-    threads = std::min<int>(threads, static_cast<int>(work / 32 + 1));
-    return std::clamp(threads, 1, 16);
-}
+// Below a few dozen links a thread costs more than it saves.
+constexpr qsizetype kLinksPerThread = 32;
 
 } // namespace
 
@@ -97,7 +85,6 @@ void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
 {
     m_geometry = PageGeometry();
     m_storyFramePages = StoryFramePages();
-    m_dataFileStatus = app::Status();
     m_warnings.clear();
     LinkRecordBuilder::Context context;
     context.documentPath = origInDesignDocPath;
@@ -124,20 +111,36 @@ void QNIDMLLinksProcessor::reportStatus(const QString& text) const
 QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packageFolder,
                                                             const QString& origInDesignDocPath)
 {
+    app::Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::fromFolder(packageFolder);
+    if (!document) {
+        beginRun(origInDesignDocPath);
+        app::logFailure(QStringLiteral("read %1: %2").arg(packageFolder, document.error().text()));
+        m_warnings.append(document.error());
+        return {};
+    }
+    return processLinksInDocument(**document, origInDesignDocPath);
+}
+
+QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& document,
+                                                          const QString& origInDesignDocPath)
+{
     beginRun(origInDesignDocPath);
     QVariantMap documentNode{{app::kGroupNameKey, app::lastPathComponent(origInDesignDocPath)},
                              {app::kGroupIsDockKey, true}};
 
     app::logLine(QStringLiteral("---> start idml spreads"));
+    const QStringList& masters = document.masterSpreadFiles();
+    const QStringList& spreads = document.spreadFiles();
+    document.parseAhead(masters + spreads, m_controller.cancel);
     std::vector<LinkSource> sources;
-    for (const auto& [folder, label, isMaster] :
-         {std::tuple{"MasterSpreads", "Master Spread", true}, std::tuple{"Spreads", "Spread", false}}) {
+    for (const auto& [parts, label, isMaster] :
+         {std::tuple{&masters, "Master Spread", true}, std::tuple{&spreads, "Spread", false}}) {
         int count = 0;
-        for (const QString& path : packagePartFiles(packageFolder, QLatin1String(folder))) {
+        for (const QString& name : *parts) {
             if (cancelled())
                 return {};
             reportStatus(QStringLiteral("Preflighting links: %1 %2").arg(QLatin1String(label)).arg(++count));
-            collectSpreadLinks(path, isMaster, sources);
+            collectSpreadLinks(document, name, isMaster, sources);
         }
     }
     app::logLine(QStringLiteral("-> all spreads done"));
@@ -145,7 +148,16 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
     const int linksInDoc = m_controller.numberOfLinksInDoc;
     if (linksInDoc < 0 || linksInDoc > static_cast<int>(sources.size())) {
         app::logLine(QStringLiteral("more links in doc, check stories"));
-        collectStoriesLinks(packageFolder, sources);
+        m_storyFramePages.setSpreadOrder(document.spreads());
+        const QStringList& stories = document.storyFiles();
+        document.parseAhead(stories, m_controller.cancel);
+        int count = 0;
+        for (const QString& name : stories) {
+            if (cancelled())
+                return {};
+            reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++count));
+            collectStoryLinks(document, name, sources);
+        }
     }
     if (cancelled())
         return {};
@@ -156,59 +168,53 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
 
     documentNode.insert(app::kGroupChildrenKey, records);
     m_linkDataTree = QVariantMap{{origInDesignDocPath, documentNode}};
-    writeDataFile();
     return records;
 }
 
-void QNIDMLLinksProcessor::writeDataFile()
+namespace {
+
+// The part, or null with its error logged and added to `warnings`.
+std::shared_ptr<const XmlPart> readPart(const IdmlDocument& document, const QString& name, QList<app::Error>& warnings)
 {
-    if (m_controller.dataFileFolder.isEmpty())
-        return;
-    app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
-    const QString path = QDir(m_controller.dataFileFolder).filePath(app::kLinkDataFileName);
-    m_dataFileStatus = app::writePropertyListFile(m_linkDataTree, path);
-    if (!m_dataFileStatus)
-        app::logFailure(QStringLiteral("write %1: %2").arg(path, m_dataFileStatus.error().text()));
+    app::Result<std::shared_ptr<const XmlPart>> part = document.part(name);
+    if (part)
+        return *part;
+    app::logFailure(QStringLiteral("load %1: %2").arg(name, part.error().text()));
+    warnings.append(part.error());
+    return {};
 }
 
-bool QNIDMLLinksProcessor::readPart(XmlPart& part, const QString& path)
-{
-    const app::Status read = part.read(path, partNameOfFile(path));
-    if (read)
-        return true;
-    app::logFailure(QStringLiteral("load %1: %2").arg(path, read.error().text()));
-    m_warnings.append(read.error());
-    return false;
-}
+} // namespace
 
-void QNIDMLLinksProcessor::collectSpreadLinks(const QString& path, bool isMaster, std::vector<LinkSource>& sources)
+void QNIDMLLinksProcessor::collectSpreadLinks(const IdmlDocument& document, const QString& name, bool isMaster,
+                                              std::vector<LinkSource>& sources)
 {
-    XmlPart part;
-    const bool loaded = readPart(part, path);
+    const std::shared_ptr<const XmlPart> part = readPart(document, name, m_warnings);
     m_geometry.beginSpreadFile(isMaster);
-    if (!loaded)
+    if (!part)
         return;
-    const pugi::xml_node root = part.root();
+    const pugi::xml_node root = part->root();
     m_geometry.parseSpreadAndPagesInfoInRootNode(root);
     forEachElement(root, [&](pugi::xml_node element) {
-        const char* name = element.name();
-        if (std::strcmp(name, "Link") == 0) {
+        const char* elementName = element.name();
+        if (std::strcmp(elementName, "Link") == 0) {
             LinkSource source = sourceOfLink(element);
             source.page = m_geometry.parentPageNameForGraphicNode(element.parent().parent());
             sources.push_back(std::move(source));
-        } else if (!isMaster && std::strcmp(name, "TextFrame") == 0) {
+        } else if (!isMaster && std::strcmp(elementName, "TextFrame") == 0) {
             if (const std::string_view story = attr(element, "ParentStory"); !story.empty())
-                m_storyFramePages.addFrame(path, qstr(story), m_geometry.parentPageNameForGraphicNode(element).name);
+                m_storyFramePages.addFrame(name, qstr(story), m_geometry.parentPageNameForGraphicNode(element).name);
         }
     });
 }
 
-void QNIDMLLinksProcessor::collectStoryLinks(const QString& path, std::vector<LinkSource>& sources)
+void QNIDMLLinksProcessor::collectStoryLinks(const IdmlDocument& document, const QString& name,
+                                             std::vector<LinkSource>& sources)
 {
-    XmlPart part;
-    if (!readPart(part, path))
+    const std::shared_ptr<const XmlPart> part = readPart(document, name, m_warnings);
+    if (!part)
         return;
-    const pugi::xml_node root = part.root();
+    const pugi::xml_node root = part->root();
     const QString storyId = qstr(attr(root.first_child(), "Self"));
     AnchoredLinkPageSource& pages =
         m_controller.anchoredLinkPages ? *m_controller.anchoredLinkPages : m_storyFramePages;
@@ -224,36 +230,17 @@ void QNIDMLLinksProcessor::collectStoryLinks(const QString& path, std::vector<Li
     });
 }
 
-void QNIDMLLinksProcessor::collectStoriesLinks(const QString& packageFolder, std::vector<LinkSource>& sources)
-{
-    m_storyFramePages.setSpreadOrder(packageFolder, StoryFramePages::spreadOrderFromDesignmap(packageFolder));
-    int count = 0;
-    for (const QString& path : packagePartFiles(packageFolder, QStringLiteral("Stories"))) {
-        if (cancelled())
-            return;
-        reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++count));
-        collectStoryLinks(path, sources);
-    }
-}
-
 QVariantList QNIDMLLinksProcessor::completeRecords(const std::vector<LinkSource>& sources) const
 {
     std::vector<QVariantMap> built(sources.size());
-    std::atomic<size_t> next{0};
-    const auto work = [&] {
-        for (size_t i = next++; i < sources.size(); i = next++) {
-            if (cancelled())
-                return;
-            built[i] = m_builder->build(sources[i]);
-        }
-    };
-    const int threads = threadCount(m_controller.fileThreads, sources.size());
-    std::vector<std::thread> helpers;
-    for (int t = 1; t < threads; ++t)
-        helpers.emplace_back(work);
-    work();
-    for (std::thread& helper : helpers)
-        helper.join();
+    app::ParallelOptions options;
+    options.maxThreads = m_controller.fileThreads;
+    options.itemsPerThread = kLinksPerThread;
+    options.cancel = m_controller.cancel;
+    app::parallelFor(static_cast<qsizetype>(sources.size()), options, [&](int, qsizetype index) {
+        const auto i = static_cast<size_t>(index);
+        built[i] = m_builder->build(sources[i]);
+    });
 
     QVariantList records;
     records.reserve(static_cast<qsizetype>(built.size()));
@@ -261,47 +248,6 @@ QVariantList QNIDMLLinksProcessor::completeRecords(const std::vector<LinkSource>
         if (!record.isEmpty())
             records.append(std::move(record));
     return records;
-}
-
-QVariantList QNIDMLLinksProcessor::recordsFrom(const std::function<void(std::vector<LinkSource>&)>& collect)
-{
-    if (!m_builder)
-        beginRun(QString());
-    std::vector<LinkSource> sources;
-    collect(sources);
-    return completeRecords(sources);
-}
-
-QVariantList QNIDMLLinksProcessor::parseLinksAndTheirParentsOfSpreadAtURL(const QString& path, bool isMaster)
-{
-    return recordsFrom([&](std::vector<LinkSource>& sources) { collectSpreadLinks(path, isMaster, sources); });
-}
-
-QVariantList QNIDMLLinksProcessor::parseStoriesForAnchoredLinksInIDMLFolder(const QString& packageFolder)
-{
-    return recordsFrom([&](std::vector<LinkSource>& sources) { collectStoriesLinks(packageFolder, sources); });
-}
-
-QVariantList QNIDMLLinksProcessor::parseLinksAndTheirParentsOfStoryAtURL(const QString& path)
-{
-    return recordsFrom([&](std::vector<LinkSource>& sources) { collectStoryLinks(path, sources); });
-}
-
-bool QNIDMLFontsProcessor::processFontsInIDMLFolderAtPath(const QString& packageFolder,
-                                                          const QString& origInDesignDocPath,
-                                                          const LinksController& controller)
-{
-    (void)controller;
-    QNIDMLFontsProcessor processor;
-    return processor.processFontsInIDMLFolder(packageFolder, origInDesignDocPath);
-}
-
-bool QNIDMLFontsProcessor::processFontsInIDMLFolder(const QString& packageFolder, const QString& origInDesignDocPath)
-{
-    (void)origInDesignDocPath;
-    // Fonts are gathered by the font inspection; the package's Resources folder is all there is here.
-    m_resourcesFolderPath = QDir(packageFolder).filePath(QStringLiteral("Resources"));
-    return true;
 }
 
 } // namespace quillon::links

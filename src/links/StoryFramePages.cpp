@@ -1,28 +1,8 @@
 #include "links/StoryFramePages.h"
 
-#include "idml/XmlPart.h"
-
-#include <QDir>
 #include <QSet>
 
-#include <cstring>
-
-using namespace quillon::idml;
-
 namespace quillon::links {
-
-QStringList StoryFramePages::spreadOrderFromDesignmap(const QString& packageFolder)
-{
-    XmlPart designmap;
-    if (!designmap.read(packageFolder + QStringLiteral("/designmap.xml"), QStringLiteral("designmap.xml"),
-                        pugi::parse_default))
-        return {};
-    QStringList order;
-    for (pugi::xml_node node = designmap.root().first_child(); node; node = node.next_sibling())
-        if (std::strcmp(node.name(), "idPkg:Spread") == 0)
-            order << QString::fromUtf8(node.attribute("src").value());
-    return order;
-}
 
 void StoryFramePages::addFrame(const QString& spreadPath, const QString& storyId, const QString& pageName)
 {
@@ -36,12 +16,11 @@ void StoryFramePages::addFrame(const QString& spreadPath, const QString& storyId
     m_pagesIndexed = false;
 }
 
-void StoryFramePages::setSpreadOrder(const QString& packageFolder, const QStringList& designmapOrder)
+void StoryFramePages::setSpreadOrder(const QStringList& designmapOrder)
 {
     m_searchOrder.clear();
     QSet<QString> ordered;
-    for (const QString& relative : designmapOrder) {
-        const QString path = QDir::cleanPath(packageFolder + u'/' + relative);
+    for (const QString& path : designmapOrder) {
         if (m_framesBySpread.contains(path) && !ordered.contains(path)) {
             ordered.insert(path);
             m_searchOrder << path;

@@ -13,22 +13,19 @@ namespace quillon::links {
 // order they were read), frames in document order within a spread.
 class StoryFramePages : public AnchoredLinkPageSource {
 public:
-    // The spread files in the designmap's order, as paths relative to the package folder
-    // ("Spreads/Spread_u1.xml"); empty when the designmap cannot be read.
-    static QStringList spreadOrderFromDesignmap(const QString& packageFolder);
-
     // Called while a spread is read: the first frame of `storyId` in that spread lies on `pageName`.
-    void addFrame(const QString& spreadPath, const QString& storyId, const QString& pageName);
+    // `spread` is the part's name ("Spreads/Spread_u1.xml").
+    void addFrame(const QString& spread, const QString& storyId, const QString& pageName);
 
-    // Fixes the order in which spreads are searched (without it: the order they were read). `designmapOrder` holds
-    // package-relative paths; `packageFolder` turns them into the paths given to addFrame.
-    void setSpreadOrder(const QString& packageFolder, const QStringList& designmapOrder);
+    // Fixes the order in which spreads are searched (without it: the order they were read): the
+    // part names in the designmap's order.
+    void setSpreadOrder(const QStringList& designmapOrder);
 
     QString pageNameForLinkID(const QString& linkId, const QString& storyId) override;
 
 private:
-    QStringList m_readOrder;                                  // spread paths as read
-    QHash<QString, QHash<QString, QString>> m_framesBySpread; // spread path -> story -> page
+    QStringList m_readOrder;                                  // spreads as read
+    QHash<QString, QHash<QString, QString>> m_framesBySpread; // spread -> story -> page
     QStringList m_searchOrder;
     // Each story's page in the search order, made once for all questions (asking each spread in
     // turn for each story would cost spreads times stories).

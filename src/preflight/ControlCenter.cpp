@@ -12,6 +12,7 @@
 #include "preflight/IdmlCreator.h"
 #include "preflight/PreflightResultsSink.h"
 #include "preflight/StoredData.h"
+#include "idml/IdmlDocument.h"
 
 #include <QDir>
 #include <QFile>
@@ -355,7 +356,10 @@ void QNControlCenter::parseDocInfoInIDML()
 {
     if (doCancel() || m_idmlFolderPath.isEmpty())
         return;
-    if (const app::Status read = m_currDocInfo.parseDocInfoInIDMLFolderAtPath(m_idmlFolderPath); !read)
+    const auto document = idml::IdmlDocument::fromFolder(m_idmlFolderPath);
+    if (!document)
+        addWarnings({document.error()});
+    else if (const app::Status read = m_currDocInfo.parseDocInfoInDocument(**document); !read)
         addWarnings({read.error()});
 }
 
@@ -363,7 +367,7 @@ void QNControlCenter::processFonts()
 {
     if (doCancel())
         return;
-    const auto inspected = m_host.processFonts(m_activeDocRecord, m_idmlFolderPath);
+    const auto inspected = m_host.processFonts(m_activeDocRecord, nullptr, &m_doCancel);
     if (!inspected) {
         app::logFailure(QStringLiteral("processFonts: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(inspected.error().text()));
@@ -378,7 +382,7 @@ void QNControlCenter::processColors()
 {
     if (doCancel())
         return;
-    const auto inspected = m_host.processColors(m_activeDocRecord, m_idmlFolderPath, m_registrationInTextFlag);
+    const auto inspected = m_host.processColors(m_activeDocRecord, nullptr, m_registrationInTextFlag, &m_doCancel);
     if (!inspected) {
         app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
         addWarning(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()));

@@ -287,7 +287,7 @@ TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)
     if (err.contains("quillon: stopped"))
         return;
     const QJsonArray documents = QJsonDocument::fromJson(out).object().value(QStringLiteral("documents")).toArray();
-    EXPECT_EQ(documents.size(), 60);
+    EXPECT_EQ(documents.size(), 60) << out.left(400).toStdString();
     EXPECT_EQ(documents.last().toObject().value(QStringLiteral("error")).toString(),
               QStringLiteral("the preflight was cancelled"));
 }

@@ -1,8 +1,9 @@
 #include "host/AppleScriptHost.h"
 #include "host/FontColorScripts.h"
+#include "host/OfflineIdmlHost.h"
 #include "inspection/FontFiles.h"
 #include "inspection/FontRecordKeys.h"
-#include "host/OfflineIdmlHost.h"
+#include "support/IdmlFixtures.h"
 #include "support/RecordingScriptRunner.h"
 
 #include "app/AppPaths.h"
@@ -75,7 +76,7 @@ TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
     const QString local = m_docs.filePath(QStringLiteral("Document fonts/DejaVuSans.ttf"));
     ASSERT_TRUE(QFile::copy(installed->path, local));
 
-    const auto inspected = m_host.processFonts(m_record, {});
+    const auto inspected = m_host.processFonts(m_record, nullptr, nullptr);
     ASSERT_TRUE(inspected.ok());
     const QVariantList& fonts = inspected->found;
     const QVariantMap sans = fontNamed(fonts, QStringLiteral("DejaVu Sans Book"));
@@ -83,15 +84,15 @@ TEST_F(OfflineHostInspections, UnpackTheDocumentWhenNoExportIsGiven)
     EXPECT_EQ(sans.value(kFontStatusKey), QStringLiteral("installed"));
     EXPECT_FALSE(fontNamed(fonts, QStringLiteral("Garamond Premier Pro Italic")).isEmpty());
 
-    const auto colors = m_host.processColors(m_record, {}, QStringLiteral("1"));
+    const auto colors = m_host.processColors(m_record, nullptr, QStringLiteral("1"), nullptr);
     ASSERT_TRUE(colors.ok());
     EXPECT_FALSE(colors->found.records.isEmpty());
 
     // Asked for by name after the preflight.
-    const auto report = m_host.paraReport(QStringLiteral("Brochure.idml"));
+    const auto report = m_host.paraReport(QStringLiteral("Brochure.idml"), nullptr);
     ASSERT_TRUE(report.ok()) << report.error().text().toStdString();
     EXPECT_TRUE(report->found.startsWith(QStringLiteral("Paragraph styles in use"))) << report->found.toStdString();
-    EXPECT_FALSE(m_host.paraReport(QStringLiteral("Other.idml")).ok());
+    EXPECT_FALSE(m_host.paraReport(QStringLiteral("Other.idml"), nullptr).ok());
     EXPECT_TRUE(scratchLeft().isEmpty());
 }
 
@@ -100,14 +101,14 @@ TEST_F(OfflineHostInspections, ReadThePreflightsExportWhenGiven)
     // The export stands for the document: here another document's, to show which one is read.
     const auto other = test::unpackForTest(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
     ASSERT_TRUE(other);
-    const auto fonts = m_host.processFonts(m_record, other->path());
+    const auto fonts = m_host.processFonts(m_record, test::readPackage(other->path()).get(), nullptr);
     ASSERT_TRUE(fonts.ok());
     ASSERT_EQ(fonts->found.size(), 1);
     EXPECT_FALSE(fontNamed(fonts->found, QStringLiteral("Times New Roman Regular")).isEmpty());
 
-    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), {}).ok());
+    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), nullptr, nullptr).ok());
     test::writeAll(m_document, "not a zip");
-    const auto damaged = m_host.processColors(m_record, {}, QStringLiteral("0"));
+    const auto damaged = m_host.processColors(m_record, nullptr, QStringLiteral("0"), nullptr);
     EXPECT_FALSE(damaged.ok());
     EXPECT_TRUE(scratchLeft().isEmpty());
 }
@@ -129,7 +130,7 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
                                    "/Library/Fonts/MinionPro-Regular.otf", "true"}
                            .join(field) +
                        recordEnd);
-    const auto fonts = host.processFonts(record, QStringLiteral("/ignored"));
+    const auto fonts = host.processFonts(record, nullptr, nullptr);
     ASSERT_TRUE(fonts.ok());
     const QString fontsScript = lastCall(scripts).source;
     EXPECT_TRUE(fontsScript.contains(QStringLiteral("tell document \"Ann \\\"Q\\\".indd\"")));
@@ -138,10 +139,10 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
 
     // InDesign's refusal is the error; an incomplete record sends no script.
     scripts.pushError(QStringLiteral("Can't get document \"Ann \\\"Q\\\".indd\"."), -1728);
-    const auto refused = host.processFonts(record, {});
+    const auto refused = host.processFonts(record, nullptr, nullptr);
     ASSERT_FALSE(refused.ok());
     EXPECT_TRUE(refused.error().message.startsWith(QStringLiteral("Can't get document")));
     const std::size_t sent = scripts.calls().size();
-    EXPECT_FALSE(host.processColors(record.mid(0, 3), {}, QStringLiteral("0")).ok());
+    EXPECT_FALSE(host.processColors(record.mid(0, 3), nullptr, QStringLiteral("0"), nullptr).ok());
     EXPECT_EQ(scripts.calls().size(), sent);
 }

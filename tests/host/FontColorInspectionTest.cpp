@@ -1,7 +1,8 @@
 #include "host/FontColorInspection.h"
-
+#include "idml/IdmlDocument.h"
 
 #include "support/FontColorFragment.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
 #include "support/UnpackForTest.h"
 
@@ -10,23 +11,19 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+
 using namespace quillon;
 using namespace quillon::host;
 
 namespace {
 
-// The three inspections of one package: all fail with an error naming a file.
+// A package that cannot be read at all is refused with an error naming a file.
 void expectAllFail(const QString& package, const QString& mustName)
 {
-    const QString doc = QDir(package).filePath(QStringLiteral("../Doc.indd"));
-    const auto fonts = processFontsFromIdml(package, doc);
-    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
-    const auto report = paraReportFromIdml(package);
-    ASSERT_FALSE(fonts.ok());
-    ASSERT_FALSE(colors.ok());
-    ASSERT_FALSE(report.ok());
-    for (const app::Error& error : {fonts.error(), colors.error(), report.error()})
-        EXPECT_TRUE(error.text().contains(mustName)) << error.text().toStdString();
+    const auto document = idml::IdmlDocument::fromFolder(package);
+    ASSERT_FALSE(document.ok());
+    EXPECT_TRUE(document.error().text().contains(mustName)) << document.error().text().toStdString();
 }
 
 QStringList texts(const inspection::PartWarnings& warnings)
@@ -75,17 +72,17 @@ TEST(FontColorInspection, UnreadablePartsAreSkippedAndNamedTheRestIsInspected)
     const QStringList expected{QStringLiteral("Resources/Styles.xml: not readable XML at byte 181"),
                                QStringLiteral("Stories/Story_s1.xml: not readable XML at byte 195"),
                                QStringLiteral("Stories/Story_s3.xml: missing from the package")};
-    const auto fonts = processFontsFromIdml(package, doc.documentPath());
+    const auto fonts = processFontsFromIdml(*test::readPackage(package), doc.documentPath());
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
     EXPECT_EQ(texts(fonts->skipped), expected);
     EXPECT_EQ(names(fonts->found), QStringList{"Good Family Bold"});
 
-    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
+    const auto colors = processColorsFromIdml(*test::readPackage(package), QStringLiteral("1"));
     ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
     EXPECT_EQ(texts(colors->skipped), expected);
     EXPECT_EQ(colors->found.namesOfUnusedColors, QStringList{"Blue"});
 
-    const auto report = paraReportFromIdml(package);
+    const auto report = paraReportFromIdml(*test::readPackage(package));
     ASSERT_TRUE(report.ok());
     EXPECT_EQ(texts(report->skipped), expected);
 }
@@ -105,11 +102,11 @@ TEST(FontColorInspection, TextNestedAnyDepthIsWalked)
            R"(<Color Self="Color/Registration" Model="Registration" Space="CMYK" ColorValue="100 100 100 100" ColorOverride="Specialregistration" Name="Registration" />)")
         .story(deep);
     const QString package = doc.write();
-    const auto fonts = processFontsFromIdml(package, doc.documentPath());
+    const auto fonts = processFontsFromIdml(*test::readPackage(package), doc.documentPath());
     ASSERT_TRUE(fonts.ok());
     EXPECT_TRUE(fonts->skipped.isEmpty());
     EXPECT_EQ(names(fonts->found), QStringList{"Deep Family"});
-    const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
+    const auto colors = processColorsFromIdml(*test::readPackage(package), QStringLiteral("1"));
     ASSERT_TRUE(colors.ok());
     EXPECT_EQ(colors->found.registrationInTextCount, 1);
 }
@@ -138,18 +135,25 @@ TEST(FontColorInspection, TruncatedPartsAreNeverPassedSilently)
         };
         for (qsizetype size = 0; size < whole.size(); size += whole.size() / 30 + 1) {
             test::writeAll(path, whole.left(size));
+            // A package whose designmap cannot be read is refused whole: a failure for every reader.
+            const auto document = idml::IdmlDocument::fromFolder(package);
+            if (!document) {
+                told += std::popcount(static_cast<unsigned>(readers));
+                truncations += std::popcount(static_cast<unsigned>(readers));
+                continue;
+            }
             if (readers & Fonts) {
-                const auto fonts = processFontsFromIdml(package, doc);
+                const auto fonts = processFontsFromIdml(**document, doc);
                 told += tells(fonts, fonts.ok() ? fonts->skipped : inspection::PartWarnings{});
                 ++truncations;
             }
             if (readers & Colors) {
-                const auto colors = processColorsFromIdml(package, QStringLiteral("1"));
+                const auto colors = processColorsFromIdml(**document, QStringLiteral("1"));
                 told += tells(colors, colors.ok() ? colors->skipped : inspection::PartWarnings{});
                 ++truncations;
             }
             if (readers & Styles) {
-                const auto report = paraReportFromIdml(package);
+                const auto report = paraReportFromIdml(**document);
                 told += tells(report, report.ok() ? report->skipped : inspection::PartWarnings{});
                 ++truncations;
             }

@@ -1,5 +1,8 @@
 #include "idml/XmlPart.h"
+#include "app/ParallelFor.h"
+#include "idml/IdmlDocument.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QTemporaryDir>
@@ -46,6 +49,35 @@ TEST(XmlPart, PartsBeyondTheirBoundsAreRefusedNamingThePartAndTheBound)
               QStringLiteral("too large to read (20 KB; a part may hold at most 10 KB)"));
     EXPECT_EQ(part.read(dir.filePath(QStringLiteral("none.xml")), name).error().text(),
               name + QStringLiteral(": missing from the package"));
-    EXPECT_EQ(partNameOfFile(QStringLiteral("/tmp/Doc.idml.folder1/Spreads/Spread_u1a.xml")),
-              QStringLiteral("Spreads/Spread_u1a.xml"));
+}
+
+TEST(IdmlDocument, EachPartIsParsedOnceHoweverManyReadersAskAndABrokenOneIsNamedToEach)
+{
+    QTemporaryDir dir;
+    test::ArchiveEntries entries = test::minimalIdml();
+    const QStringList parts{QStringLiteral("Resources/Preferences.xml"), QStringLiteral("Spreads/Spread_s1.xml"),
+                            QStringLiteral("Stories/Story_b.xml")};
+    entries[0].second = test::designmapXml(parts);
+    entries.emplace_back(parts[2], "<Story><Broken");
+    const QString path = dir.filePath(QStringLiteral("Doc.idml"));
+    test::writeIdml(path, entries);
+    const auto document = IdmlDocument::open(path, dir.path());
+    ASSERT_TRUE(document.ok()) << document.error().text().toStdString();
+    EXPECT_EQ((*document)->storyFiles(), QStringList{parts[2]});
+
+    // Eight readers on several threads ask for every part.
+    QList<QString> storyErrors(8);
+    app::ParallelOptions options;
+    options.maxThreads = 4;
+    app::parallelFor(8, options, [&](int, qsizetype reader) {
+        for (const QString& name : parts)
+            if (const auto part = (*document)->part(name); !part)
+                storyErrors[reader] = part.error().text();
+    });
+    EXPECT_EQ((*document)->parseCount(), 3);
+    EXPECT_EQ(storyErrors.count(QStringLiteral("Stories/Story_b.xml: not readable XML at byte 13")), 8)
+        << storyErrors.join(u'\n').toStdString();
+    (*document)->release({parts[1]});
+    EXPECT_TRUE((*document)->part(parts[1]).ok());
+    EXPECT_EQ((*document)->parseCount(), 4);
 }

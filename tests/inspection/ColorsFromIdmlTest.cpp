@@ -2,6 +2,7 @@
 
 #include "inspection/ColorRecordKeys.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
 #include "support/TestSupport.h"
 #include "support/UnpackForTest.h"
@@ -118,7 +119,7 @@ QVariantList numbers(std::initializer_list<double> values)
 TEST(ColorsFromIdml, ListsThePanelsSwatchesInOrderWithTheirUse)
 {
     test::FontColorFragment doc;
-    const auto colors = colorInspectionFromIdml(buildFragment(doc), QStringLiteral("0"));
+    const auto colors = colorInspectionFromIdml(*test::readPackage(buildFragment(doc)), QStringLiteral("0"));
     ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
 
     QStringList order;
@@ -141,7 +142,7 @@ TEST(ColorsFromIdml, ListsThePanelsSwatchesInOrderWithTheirUse)
 TEST(ColorsFromIdml, RecordsCarryModelSpaceAndValuesAsGiven)
 {
     test::FontColorFragment doc;
-    const auto colors = colorInspectionFromIdml(buildFragment(doc), QStringLiteral("0"));
+    const auto colors = colorInspectionFromIdml(*test::readPackage(buildFragment(doc)), QStringLiteral("0"));
     ASSERT_TRUE(colors.ok());
     const QVariantMap registration = recordNamed(colors->found.records, QStringLiteral("Registration"));
     EXPECT_EQ(registration.value(kColorModelKey), QStringLiteral("registration"));
@@ -169,12 +170,12 @@ TEST(ColorsFromIdml, CountsTextSetInTheRegistrationSwatchWhenAsked)
 {
     test::FontColorFragment doc;
     const QString folder = buildFragment(doc);
-    const auto counted = colorInspectionFromIdml(folder, QStringLiteral("1"));
+    const auto counted = colorInspectionFromIdml(*test::readPackage(folder), QStringLiteral("1"));
     ASSERT_TRUE(counted.ok());
     // By character style, a tint as stroke, set on the paragraph; not the copy named
     // "Registration 2", not the empty range.
     EXPECT_EQ(counted->found.registrationInTextCount, 3);
-    EXPECT_EQ(colorInspectionFromIdml(folder, QStringLiteral("yes"))->found.registrationInTextCount, 0);
+    EXPECT_EQ(colorInspectionFromIdml(*test::readPackage(folder), QStringLiteral("yes"))->found.registrationInTextCount, 0);
 }
 
 TEST(ColorsFromIdml, MixedInksUseTheirSpotInksHoweverListed)
@@ -186,7 +187,7 @@ TEST(ColorsFromIdml, MixedInksUseTheirSpotInksHoweverListed)
 <Color Self="Color/u3" Model="Spot" Space="LAB" ColorValue="50 10 10" Name="Ink C" Visible="true" />
 <MixedInk Self="MixedInk/One" Model="Mixedinkmodel" Space="MixedInk" InkList="Ink/Ink%20A Ink/$ID/Process%20Cyan" InkPercentages="25 66" Name="One" Visible="true" />
 <MixedInkGroup Self="MixedInkGroup/Two" Model="Mixedinkmodel" Space="MixedInk" InkList="Ink/Ink%20B" Name="Two" Visible="true" />)");
-    const auto colors = colorInspectionFromIdml(doc.write(), QStringLiteral("0"));
+    const auto colors = colorInspectionFromIdml(*test::readPackage(doc.write()), QStringLiteral("0"));
     ASSERT_TRUE(colors.ok());
     EXPECT_EQ(colors->found.namesOfUnusedColors, (QStringList{"Ink C", "One", "Two"}));
 }
@@ -199,7 +200,7 @@ TEST(ColorsFromIdml, RegistrationIsCountedInEveryStory)
     for (int i = 0; i < 20; ++i)
         doc.story(
             R"(<ParagraphStyleRange><CharacterStyleRange FillColor="Color/Registration"><Content>x</Content></CharacterStyleRange></ParagraphStyleRange>)");
-    const auto colors = colorInspectionFromIdml(doc.write(), QStringLiteral("1"));
+    const auto colors = colorInspectionFromIdml(*test::readPackage(doc.write()), QStringLiteral("1"));
     ASSERT_TRUE(colors.ok());
     EXPECT_EQ(colors->found.registrationInTextCount, 20);
 }
@@ -234,7 +235,7 @@ TEST(ColorsFromIdml, RealDocuments)
             unpackedSample = QLatin1String(c.sample);
             unpacked = test::unpackForTest(test::samplePath(unpackedSample));
             ASSERT_TRUE(unpacked);
-            auto read = colorInspectionFromIdml(unpacked->path(), QStringLiteral("1"));
+            auto read = colorInspectionFromIdml(*test::readPackage(unpacked->path()), QStringLiteral("1"));
             ASSERT_TRUE(read.ok());
             colors = read->found;
         }

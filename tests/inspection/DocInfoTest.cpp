@@ -2,9 +2,9 @@
 
 #include "support/IdmlFixtures.h"
 
-#include "links/PageGeometry.h"
 #include "inspection/DocInfo.h"
 #include "inspection/PageSizes.h"
+#include "links/PageGeometry.h"
 
 #include "support/TestSupport.h"
 
@@ -126,7 +126,7 @@ TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)
     folder.mkpath(QStringLiteral("Spreads"));
     test::writeAll(folder.filePath(QStringLiteral("designmap.xml")),
                    test::designmapXml({QStringLiteral("Spreads/Spread_a.xml"), QStringLiteral("Spreads/Spread_b.xml"),
-                                       QStringLiteral("../outside/Spread_c.xml")}));
+                                       QStringLiteral("Resources/Preferences.xml")}));
     test::writeAll(folder.filePath(QStringLiteral("Spreads/Spread_a.xml")),
                    test::spreadXml({QStringLiteral("0 0 792 612"), QStringLiteral("0 612 792 1224")}));
     test::writeAll(folder.filePath(QStringLiteral("Spreads/Spread_b.xml")),
@@ -139,28 +139,30 @@ TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)
                                                        "SlugInsideOrLeftOffset=\"0\" SlugRightOrOutsideOffset=\"18\" "
                                                        "DocumentSlugUniformSize=\"false\"")));
 
-    const PageSizesDict pages = pageSizesInIdmlFolder(dir.path());
+    const PageSizesDict pages = pageSizesInDocument(*test::readPackage(dir.path()));
     ASSERT_EQ(pages.size(), 2);
     EXPECT_EQ(pages.value({QStringLiteral("612"), QStringLiteral("792")}),
               (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
     EXPECT_EQ(pages.value({QStringLiteral("595.2756"), QStringLiteral("841.8898")}), QStringList{QStringLiteral("1")});
 
     QNDocInfo info;
-    EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(dir.path()).ok());
+    EXPECT_TRUE(info.parseDocInfoInDocument(*test::readPackage(dir.path())).ok());
     EXPECT_EQ(info.horizMeasurementUnits(), QStringLiteral("Inches"));
     EXPECT_EQ(info.vertMeasurementUnits(), QStringLiteral("Millimeters"));
     EXPECT_EQ(info.bleedStr(), QStringLiteral("0.13 in"));
     EXPECT_EQ(info.slugStr(), QStringLiteral("1, 0.5, 0, 0.25 in"));
 
     // Without the preferences: points, and no bleed or slug.
-    QFile::remove(folder.filePath(QStringLiteral("Resources/Preferences.xml")));
-    EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(dir.path()).ok()); // some tools write none
+    test::writeAll(folder.filePath(QStringLiteral("designmap.xml")), test::designmapXml({}));
+    EXPECT_TRUE(info.parseDocInfoInDocument(*test::readPackage(dir.path())).ok()); // some tools write none
     EXPECT_EQ(info.horizMeasurementUnits(), QStringLiteral("Points"));
     EXPECT_EQ(info.bleedStr(), QStringLiteral("-"));
     EXPECT_EQ(info.slugStr(), QStringLiteral("-"));
     // Preferences that are not XML read the same way, and the part is named.
+    test::writeAll(folder.filePath(QStringLiteral("designmap.xml")),
+                   test::designmapXml({QStringLiteral("Resources/Preferences.xml")}));
     test::writeAll(folder.filePath(QStringLiteral("Resources/Preferences.xml")), "<not xml");
-    EXPECT_EQ(info.parseDocInfoInIDMLFolderAtPath(dir.path()).error().text(),
+    EXPECT_EQ(info.parseDocInfoInDocument(*test::readPackage(dir.path())).error().text(),
               QStringLiteral("Resources/Preferences.xml: not readable XML at byte 8"));
     EXPECT_EQ(info.slugStr(), QStringLiteral("-"));
 }

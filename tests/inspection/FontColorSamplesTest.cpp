@@ -6,8 +6,8 @@
 #include "inspection/FontsFromIdml.h"
 #include "inspection/ParaStylesFromIdml.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
-#include "support/UnpackForTest.h"
 
 #include <QDirIterator>
 
@@ -25,12 +25,11 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
     while (it.hasNext()) {
         const QString path = it.next();
         SCOPED_TRACE(path.toStdString());
-        const auto unpacked = test::unpackForTest(path);
-        ASSERT_TRUE(unpacked);
+        const auto document = test::readPackage(path); // straight from the archive
         ++documents;
 
         FontFileFinder finder(path);
-        const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
+        const auto fonts = fontRecordsFromIdml(*document, finder);
         ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
         EXPECT_TRUE(fonts->skipped.isEmpty());
         withFonts += fonts->found.isEmpty() ? 0 : 1;
@@ -42,7 +41,7 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
                             .contains(record.value(kFontStatusKey).toString()));
         }
 
-        const auto colors = colorInspectionFromIdml(unpacked->path(), QStringLiteral("1"));
+        const auto colors = colorInspectionFromIdml(*document, QStringLiteral("1"));
         ASSERT_TRUE(colors.ok()) << colors.error().text().toStdString();
         EXPECT_TRUE(colors->skipped.isEmpty());
         QStringList names;
@@ -66,7 +65,7 @@ TEST(FontColorSamples, EverySampleGivesRecordsWithEveryKeyFilled)
         for (const char* special : {"Paper", "Registration"})
             EXPECT_TRUE(names.contains(QLatin1String(special))) << special;
 
-        const auto styles = paraStyleUsesFromIdml(unpacked->path());
+        const auto styles = paraStyleUsesFromIdml(*document);
         ASSERT_TRUE(styles.ok()) << styles.error().text().toStdString();
         EXPECT_FALSE(styles->found.isEmpty());
     }

@@ -3,6 +3,7 @@
 #include "inspection/FontFiles.h"
 #include "inspection/FontRecordKeys.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
 #include "support/TestSupport.h"
 #include "support/UnpackForTest.h"
@@ -104,7 +105,7 @@ TEST(FontsFromIdml, TakesTheFontsOfTextRunsAndTheStylesTheyApply)
   <CharacterStyleRange AppliedCharacterStyle="CharacterStyle/$ID/[No character style]"><Content>Item</Content></CharacterStyleRange>
 </ParagraphStyleRange>)");
     FontFileFinder finder(doc.documentPath());
-    const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+    const auto fonts = fontRecordsFromIdml(*test::readPackage(doc.write()), finder);
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
     // Sorted by name; the unapplied styles' font and the empty range's font are not used. The
     // bullet font takes the paragraph's style; the nested style's font comes from its paragraph style.
@@ -152,7 +153,7 @@ TEST(FontsFromIdml, StatusIsJudgedOnThisMachine)
         .story("<ParagraphStyleRange>" + run("DejaVu Sans", "Book") + run("DejaVu Sans", "Bold") +
                run("Mix", "Regular") + run("Cloud Sans", "Regular") + "</ParagraphStyleRange>");
     FontFileFinder finder(doc.documentPath());
-    const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+    const auto fonts = fontRecordsFromIdml(*test::readPackage(doc.write()), finder);
     ASSERT_TRUE(fonts.ok()) << fonts.error().text().toStdString();
     ASSERT_EQ(names(fonts->found), (QStringList{"Cloud Sans Regular", "DejaVu Sans Bold", "DejaVu Sans Book",
                                                 "DejaVu Serif Book", "Minion Pro Regular"}));
@@ -196,7 +197,7 @@ TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
     const auto unpacked = test::unpackForTest(path);
     ASSERT_TRUE(unpacked);
     FontFileFinder finder(path);
-    const auto fonts = fontRecordsFromIdml(unpacked->path(), finder);
+    const auto fonts = fontRecordsFromIdml(*test::readPackage(unpacked->path()), finder);
     ASSERT_TRUE(fonts.ok());
     // Fonts.xml lists 250 faces of the families; the text uses eight.
     EXPECT_EQ(names(fonts->found),
@@ -214,7 +215,7 @@ TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
     const auto parserUnpacked = test::unpackForTest(parser);
     ASSERT_TRUE(parserUnpacked);
     FontFileFinder parserFinder(parser);
-    const auto parserFonts = fontRecordsFromIdml(parserUnpacked->path(), parserFinder);
+    const auto parserFonts = fontRecordsFromIdml(*test::readPackage(parserUnpacked->path()), parserFinder);
     ASSERT_TRUE(parserFonts.ok());
     ASSERT_EQ(parserFonts->found.size(), 3);
     for (const QVariant& record : parserFonts->found)
@@ -237,7 +238,7 @@ TEST(FontsFromIdml, EveryStoryCountsHoweverMemoryIsReused)
         expected.append(QString::fromLatin1(family + " Regular"));
     }
     FontFileFinder finder(doc.documentPath());
-    const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+    const auto fonts = fontRecordsFromIdml(*test::readPackage(doc.write()), finder);
     ASSERT_TRUE(fonts.ok());
     QStringList found = names(fonts->found);
     found.sort();
@@ -281,7 +282,7 @@ TEST(FontsFromIdml, BrokenStyleChainsAndLocalParagraphSettingsKeepTheirFonts)
         test::FontColorFragment doc;
         doc.styles(styles).story(c.story);
         FontFileFinder finder(doc.documentPath());
-        const auto fonts = fontRecordsFromIdml(doc.write(), finder);
+        const auto fonts = fontRecordsFromIdml(*test::readPackage(doc.write()), finder);
         ASSERT_TRUE(fonts.ok());
         EXPECT_TRUE(names(fonts->found).contains(QLatin1String(c.font)))
             << names(fonts->found).join(", ").toStdString();

@@ -1,6 +1,7 @@
 #include "inspection/ParaStylesFromIdml.h"
 #include "inspection/ParaStylesReport.h"
 
+#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
 #include "support/TestSupport.h"
 #include "support/UnpackForTest.h"
@@ -81,7 +82,7 @@ TEST(ParaStyles, ParagraphsEndAtReturnsWhereverTheRangesSplit)
 </CharacterStyleRange></ParagraphStyleRange>)")
         // A style the document lacks, and a change of style without a return between them.
         .story((range("Gone%3aOld", "<Content>x</Content>") + range("Body", "<Content>y</Content>")).toUtf8());
-    const auto uses = paraStyleUsesFromIdml(doc.write());
+    const auto uses = paraStyleUsesFromIdml(*test::readPackage(doc.write()));
     ASSERT_TRUE(uses.ok()) << uses.error().text().toStdString();
     const QHash<QString, int> found = counts(uses->found);
     EXPECT_EQ(found.value(QStringLiteral("Body")), 3 + 2 + 1);
@@ -97,7 +98,7 @@ TEST(ParaStyles, StylesAreDescribedThroughTheirBasedOnChain)
 {
     test::FontColorFragment doc;
     doc.styles(kStyles).story(range("Body", "<Content>x</Content>").toUtf8());
-    const auto uses = paraStyleUsesFromIdml(doc.write());
+    const auto uses = paraStyleUsesFromIdml(*test::readPackage(doc.write()));
     ASSERT_TRUE(uses.ok());
     ASSERT_EQ(uses->found.size(), 4);
     const ParaStyleUse& head = uses->found[2];
@@ -148,7 +149,7 @@ TEST(ParaStyles, RealDocument)
 {
     const auto unpacked = test::unpackForTest(test::samplePath(QStringLiteral("idml/sample-with-table-more.idml")));
     ASSERT_TRUE(unpacked);
-    const auto uses = paraStyleUsesFromIdml(unpacked->path());
+    const auto uses = paraStyleUsesFromIdml(*test::readPackage(unpacked->path()));
     ASSERT_TRUE(uses.ok());
     const QHash<QString, int> found = counts(uses->found);
     // Body text, table cells (two of them graphic cells), a footnote and an endnote story.

@@ -1,4 +1,5 @@
 #include "FakeLinkedFileReader.h"
+#include "IdmlFragments.h"
 #include "support/QtPrinters.h"
 
 #include "links/DefaultApplication.h"
@@ -21,7 +22,7 @@ namespace {
 // Runs the analysis on a package whose only spread holds `spread`.
 qsizetype recordsOfSpread(const QString& package, const QByteArray& spread)
 {
-    test::writeAll(package + QStringLiteral("/Spreads/Spread_u1.xml"), spread);
+    test::writePackage(package, {{"Spreads/Spread_u1.xml", spread.toStdString()}});
     static const DefaultApplications noApps({}, {}, {});
     static const test::FakeLinkedFileReader reader;
     LinksController controller;
@@ -98,10 +99,10 @@ TEST(DamagedSpreads, RandomlyDamagedSpreadsNeverCrash)
 TEST(DamagedSpreads, UnreadablePartsAreSkippedAndNamedWhileTheOthersAreRead)
 {
     RealSpread spread;
-    test::writeAll(spread.package + QStringLiteral("/Spreads/Spread_u1.xml"), spread.bytes);
-    test::writeAll(spread.package + QStringLiteral("/Spreads/Spread_u2.xml"), "<Spread><Page></Spread>");
-    QDir().mkpath(spread.package + QStringLiteral("/Stories"));
-    test::writeAll(spread.package + QStringLiteral("/Stories/Story_u3.xml"), "\x89PNG garbage");
+    test::writePackage(spread.package, {{"Spreads/Spread_u1.xml", spread.bytes.toStdString()},
+                                        {"Spreads/Spread_u2.xml", "<Spread><Page></Spread>"},
+                                        {"Stories/Story_u3.xml", "\x89PNG garbage"},
+                                        {"Stories/Story_u4.xml", ""}});
     // Far larger than a part may be; refused by its size alone, without being read.
     QFile huge(spread.package + QStringLiteral("/Stories/Story_u4.xml"));
     ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize(qint64(500) << 20));

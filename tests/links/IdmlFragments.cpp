@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <set>
+
 namespace quillon::test {
 
 namespace {
@@ -73,8 +75,19 @@ void writePackage(const QString& folder, const std::map<std::string, std::string
                   std::initializer_list<std::string> spreadOrder)
 {
     std::string designmap = "<?xml version=\"1.0\"?><Document xmlns:idPkg=\"p\">";
+    // The spreads in the order given, then every other part.
+    std::set<std::string> listed(spreadOrder);
     for (const std::string& spread : spreadOrder)
         designmap += "<idPkg:Spread src=\"" + spread + "\"/>";
+    for (const auto& [path, text] : files) {
+        const char* kind = path.rfind("MasterSpreads/", 0) == 0 ? "MasterSpread"
+                           : path.rfind("Spreads/", 0) == 0     ? "Spread"
+                           : path.rfind("Stories/", 0) == 0     ? "Story"
+                                                                : nullptr;
+        const bool hidden = path.find("/.") != std::string::npos;
+        if (kind && !hidden && listed.insert(path).second)
+            designmap += std::string("<idPkg:") + kind + " src=\"" + path + "\"/>";
+    }
     designmap += "</Document>";
     QDir().mkpath(folder);
     writeAll(folder + QStringLiteral("/designmap.xml"), QByteArray::fromStdString(designmap));

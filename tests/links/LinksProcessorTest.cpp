@@ -317,20 +317,15 @@ TEST(LinksProcessor, TheEntryPointAnswersWithTheLowByteOfTheCount)
     EXPECT_FALSE(runWith(0));
 }
 
-TEST(LinksProcessor, TheDataFileGoesToTheGivenFolderInItsShape)
+TEST(LinksProcessor, TheLinkDataTreeHasTheDataFileShapeAndACancelledRunLeavesItEmpty)
 {
     Document doc;
     doc.write({{"Spreads/Spread_1.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, test::placedLinkXml(PlacedLink()))}});
-    QTemporaryDir dataFolder;
-    doc.controller.dataFileFolder = dataFolder.path();
     QNIDMLLinksProcessor processor(doc.controller);
-    const QVariantList records = processor.processLinksInIDMLFolder(doc.package(), doc.docPath());
-    EXPECT_TRUE(processor.dataFileStatus().ok());
-
-    const auto root = app::readPropertyListDictionary(dataFolder.filePath(app::kLinkDataFileName));
-    ASSERT_TRUE(root.ok()) << root.error().text().toStdString();
-    ASSERT_EQ(root->keys(), QStringList{doc.docPath()});
-    const QVariantMap node = root->value(doc.docPath()).toMap();
+    processor.processLinksInIDMLFolder(doc.package(), doc.docPath());
+    const QVariantMap& root = processor.linkDataTree();
+    ASSERT_EQ(root.keys(), QStringList{doc.docPath()});
+    const QVariantMap node = root.value(doc.docPath()).toMap();
     EXPECT_EQ(node.value(app::kGroupNameKey), QStringLiteral("job.idml"));
     EXPECT_EQ(node.value(app::kGroupIsDockKey), QVariant(true));
     const QVariantList children = node.value(app::kGroupChildrenKey).toList();
@@ -338,24 +333,12 @@ TEST(LinksProcessor, TheDataFileGoesToTheGivenFolderInItsShape)
     EXPECT_EQ(children[0].toMap().value(kLinkPageKey), QStringLiteral("1"));
     EXPECT_EQ(children[0].toMap().value(kLinkSizeBytesKey).toULongLong(), 180000U);
 
-    // A folder that cannot take the file is reported, not fatal.
-    doc.controller.dataFileFolder = dataFolder.filePath(QStringLiteral("missing/deeper"));
-    QNIDMLLinksProcessor failing(doc.controller);
-    EXPECT_EQ(failing.processLinksInIDMLFolder(doc.package(), doc.docPath()).size(), 1);
-    EXPECT_FALSE(failing.dataFileStatus().ok());
-}
-
-TEST(LinksProcessor, ACancelledRunStopsAndWritesNothing)
-{
-    Document doc;
-    doc.write({{"Spreads/Spread_1.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, test::placedLinkXml(PlacedLink()))}});
-    QTemporaryDir dataFolder;
     app::CancelFlag cancel;
     cancel.cancel();
     doc.controller.cancel = &cancel;
-    doc.controller.dataFileFolder = dataFolder.path();
-    EXPECT_TRUE(doc.run().isEmpty());
-    EXPECT_FALSE(QFile::exists(dataFolder.filePath(app::kLinkDataFileName)));
+    QNIDMLLinksProcessor cancelled(doc.controller);
+    EXPECT_TRUE(cancelled.processLinksInIDMLFolder(doc.package(), doc.docPath()).isEmpty());
+    EXPECT_TRUE(cancelled.linkDataTree().isEmpty());
 }
 
 TEST(LinksProcessor, FramesGraphicsAndFormatsShapeTheRecord)
@@ -422,6 +405,7 @@ TEST(LinksProcessor, HostileFilesNeverStopTheRun)
                {"Spreads/Spread_3.xml", ""},
                {"Spreads/Spread_4.xml", "<r>" + deep + "</r>"},
                {"Spreads/Spread_5.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, test::placedLinkXml(good) + "<Link/>")},
+               {"Spreads/Spread_6.xml", ""},
                {"Stories/Story_1.xml", "<unclosed"}});
     // A 100 MB attribute.
     {

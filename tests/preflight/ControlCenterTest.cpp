@@ -106,19 +106,19 @@ public:
             (*record)[inspection::kRecordLinkCount] = *linkCount;
         return record;
     }
-    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const idml::IdmlDocument*,
+                                                                  const app::CancelFlag*) override
     {
         inspections << QStringLiteral("fonts ") + record.value(inspection::kRecordFileName);
-        idmlFolderOfInspection = idmlFolder;
         return inspection::Inspected<QVariantList>{{}, {kSkippedStory, kSkippedStory}};
     }
-    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const QString&,
-                                                          const QString& registrationInTextFlag) override
+    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const idml::IdmlDocument*,
+                                                          const QString& registrationInTextFlag, const app::CancelFlag*) override
     {
         inspections << QStringLiteral("colors %1 %2").arg(record.value(inspection::kRecordFileName), registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
-    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) override
+    app::Result<inspection::Inspected<QString>> paraReport(const QString& docName, const idml::IdmlDocument*) override
     {
         return inspection::Inspected<QString>{QStringLiteral("styles of ") + docName, {}};
     }
@@ -128,7 +128,6 @@ public:
 
     std::optional<QString> linkCount;
     QStringList inspections;
-    QString idmlFolderOfInspection;
 };
 
 class RecordingBatch : public BatchPreflight {
@@ -225,7 +224,6 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
     // so is each part skipped, named once.
     EXPECT_EQ(host.inspections,
               (QStringList{QStringLiteral("fonts Brochure.idml"), QStringLiteral("colors Brochure.idml 1")}));
-    EXPECT_TRUE(host.idmlFolderOfInspection.startsWith(m_folders.workFolder + QStringLiteral("/Brochure.idml.folder")));
     EXPECT_EQ(warningTexts(center->warnings()),
               (QStringList{QStringLiteral("Stories/Story_u1a.xml: not readable XML at byte 14"),
                            QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be "

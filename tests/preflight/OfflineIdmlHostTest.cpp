@@ -79,12 +79,11 @@ TEST_F(OfflineIdmlHostTest, EverySampleGivesItsRecordAndDocumentInformation)
         EXPECT_EQ(record->at(kRecordLinkCount), QLatin1String(sample.links));
         EXPECT_EQ(record->at(kRecordInDesignVersion), QLatin1String(sample.version));
 
-        app::ScriptedAlertSink alerts;
-        const QString folder = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(path, host, alerts);
-        ASSERT_FALSE(folder.isEmpty());
+        const auto document = host.idmlDocument(path, nullptr);
+        ASSERT_TRUE(document.ok()) << document.error().text().toStdString();
         QNDocInfo info = QNDocInfo::docInfoWithRecord(*record);
-        EXPECT_TRUE(info.parseDocInfoInIDMLFolderAtPath(folder).ok());
-        info.setDocPageSizesDict(pageSizesInIdmlFolder(folder));
+        EXPECT_TRUE(info.parseDocInfoInDocument(**document).ok());
+        info.setDocPageSizesDict(pageSizesInDocument(**document));
         EXPECT_EQ(info.horizMeasurementUnits(), QLatin1String(sample.units));
         EXPECT_EQ(info.bleedStr(), QLatin1String(sample.bleed));
         EXPECT_EQ(info.slugStr(), QLatin1String(sample.slug));

@@ -1,6 +1,12 @@
 #include "support/IdmlFixtures.h"
 
 #include "idml/IdmlArchiveWriter.h"
+#include "idml/IdmlDocument.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -77,6 +83,19 @@ ArchiveEntries minimalIdml()
                         QStringLiteral("DocumentBleedTopOffset=\"0\" DocumentBleedUniformSize=\"true\""))},
         {QStringLiteral("Spreads/Spread_s1.xml"), spreadXml({QStringLiteral("0 0 792 612")})},
     };
+}
+
+} // namespace quillon::test
+
+namespace quillon::test {
+
+std::shared_ptr<const idml::IdmlDocument> readPackage(const QString& path)
+{
+    const auto document = QFileInfo(path).isDir() ? idml::IdmlDocument::fromFolder(path)
+                                                  : idml::IdmlDocument::open(path, QDir::tempPath());
+    if (!document)
+        throw std::runtime_error(document.error().text().toStdString());
+    return *document;
 }
 
 } // namespace quillon::test

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -27,5 +28,17 @@ QByteArray preferencesXml(const QString& viewAttributes, const QString& document
 
 // An IDML of one spread with one Letter page, with Points units.
 ArchiveEntries minimalIdml();
+
+} // namespace quillon::test
+
+namespace quillon::idml {
+class IdmlDocument;
+}
+
+namespace quillon::test {
+
+// The package at `path`, an unpacked folder or an IDML file. Throws, failing the test with the
+// reason, when it cannot be read.
+std::shared_ptr<const idml::IdmlDocument> readPackage(const QString& path);
 
 } // namespace quillon::test

@@ -1,0 +1,242 @@
+#include "idml/IdmlDocument.h"
+
+#include "app/ParallelFor.h"
+#include "idml/IdmlArchive.h"
+#include "idml/IdmlPackage.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+
+namespace quillon::idml {
+
+using app::makeError;
+using app::Result;
+using app::Status;
+
+// Where the bytes of the parts come from: the archive, or the files of an unpacked folder.
+struct IdmlDocument::Source {
+    std::optional<IdmlArchive> archive;
+    QString folder;
+    std::unique_ptr<QTemporaryDir> scratch; // holds a repaired copy the archive reads from
+    QHash<QString, qsizetype> slotByName;
+
+    Status parse(XmlPart& part, const QString& name) const
+    {
+        const XmlPartLimits limits;
+        if (!archive)
+            return part.read(folder + u'/' + name, name, kPartParseOptions, limits);
+        const IdmlArchive::Entry* entry = archive->entry(name);
+        if (!entry)
+            return makeError(QStringLiteral("missing from the package"), name);
+        if (entry->size > limits.maxBytes)
+            return partTooLarge(name, entry->size, limits);
+        Result<QByteArray> bytes = archive->readEntry(name, limits.maxBytes);
+        if (!bytes)
+            return makeError(bytes.error().message, name);
+        return part.parse(std::move(bytes).value(), name, kPartParseOptions, limits);
+    }
+};
+
+struct IdmlDocument::Slot {
+    QString name;
+    std::mutex mutex;
+    std::shared_ptr<const XmlPart> part;
+    std::optional<app::Error> error;
+};
+
+namespace {
+
+// The element's name without its namespace prefix ("idPkg:Story" gives "Story").
+std::string_view localName(const pugi::xml_node& node)
+{
+    const std::string_view name = node.name();
+    const auto colon = name.find(':');
+    return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+QString fileNameOf(const QString& partName)
+{
+    return partName.mid(partName.lastIndexOf(u'/') + 1);
+}
+
+} // namespace
+
+QStringList inFileNameOrder(QStringList partNames)
+{
+    std::stable_sort(partNames.begin(), partNames.end(), [](const QString& a, const QString& b) {
+        return fileNameOf(a).toUtf8() < fileNameOf(b).toUtf8();
+    });
+    return partNames;
+}
+
+IdmlDocument::IdmlDocument(QString name, std::unique_ptr<Source> source)
+    : m_name(std::move(name)), m_source(std::move(source))
+{
+}
+
+IdmlDocument::~IdmlDocument() = default;
+
+Result<std::shared_ptr<IdmlDocument>> IdmlDocument::open(const QString& idmlPath, const QString& workFolder,
+                                                         const app::CancelFlag* cancel)
+{
+    const QString path = QFileInfo(idmlPath).absoluteFilePath();
+    auto scratch = std::make_unique<QTemporaryDir>(QDir(workFolder).filePath(QStringLiteral("idml-XXXXXX")));
+    ArchiveRepair repair;
+    repair.repairedPath = scratch->filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip"));
+    repair.reportedName = path;
+    repair.cancel = cancel;
+    bool repaired = false;
+    Result<IdmlArchive> archive = openIdmlPackage(path, repair, &repaired);
+    if (!archive)
+        return archive.error();
+    Result<std::shared_ptr<IdmlDocument>> document = fromArchive(std::move(archive).value());
+    if (document) {
+        (*document)->m_repaired = repaired;
+        if (repaired)
+            (*document)->m_source->scratch = std::move(scratch);
+    }
+    return document;
+}
+
+Result<std::shared_ptr<IdmlDocument>> IdmlDocument::fromArchive(IdmlArchive archive)
+{
+    auto source = std::make_unique<Source>();
+    const QString name = archive.name();
+    source->archive.emplace(std::move(archive));
+    std::shared_ptr<IdmlDocument> document(new IdmlDocument(name, std::move(source)));
+    if (Status read = document->readDesignmap(); !read)
+        return read.error();
+    return document;
+}
+
+Result<std::shared_ptr<IdmlDocument>> IdmlDocument::fromFolder(const QString& folder)
+{
+    const QFileInfo info(folder);
+    if (!info.isDir())
+        return makeError(QStringLiteral("the unpacked IDML folder is missing"), folder);
+    auto source = std::make_unique<Source>();
+    const QString name = QDir::cleanPath(info.absoluteFilePath());
+    source->folder = name;
+    std::shared_ptr<IdmlDocument> document(new IdmlDocument(name, std::move(source)));
+    if (Status read = document->readDesignmap(); !read)
+        return read.error();
+    return document;
+}
+
+Status IdmlDocument::readDesignmap()
+{
+    const QString mapName = QStringLiteral("designmap.xml");
+    if (Status read = m_source->parse(m_designmap, mapName); !read)
+        return makeError(read.error().message, m_name, mapName);
+    for (const pugi::xml_node child : m_designmap.root().children()) {
+        const pugi::xml_attribute src = child.attribute("src");
+        if (!src)
+            continue;
+        const std::optional<QString> name = safeRelativeEntryPath(QString::fromUtf8(src.value()));
+        if (!name)
+            return makeError(
+                QStringLiteral("the package names a part outside its folder: %1").arg(QString::fromUtf8(src.value())),
+                m_name, mapName);
+        const std::string_view kind = localName(child);
+        if (kind == "Story")
+            m_stories.append(*name);
+        else if (kind == "Spread")
+            m_spreads.append(*name);
+        else if (kind == "MasterSpread")
+            m_masterSpreads.append(*name);
+        else if (kind == "Graphic")
+            m_graphic = *name;
+        else if (kind == "Fonts")
+            m_fonts = *name;
+        else if (kind == "Styles")
+            m_styles = *name;
+        else if (kind == "Preferences")
+            m_preferences = *name;
+        else
+            continue;
+        addSlot(*name);
+    }
+    listPartFiles();
+    return {};
+}
+
+void IdmlDocument::addSlot(const QString& name)
+{
+    if (m_source->slotByName.contains(name))
+        return;
+    m_source->slotByName.insert(name, static_cast<qsizetype>(m_slots.size()));
+    m_slots.push_back(std::make_unique<Slot>());
+    m_slots.back()->name = name;
+}
+
+void IdmlDocument::listPartFiles()
+{
+    for (const auto& [folder, files] :
+         {std::pair{QStringLiteral("MasterSpreads"), &m_masterSpreadFiles},
+          std::pair{QStringLiteral("Spreads"), &m_spreadFiles}, std::pair{QStringLiteral("Stories"), &m_storyFiles}}) {
+        QStringList names;
+        if (m_source->archive) {
+            for (const IdmlArchive::Entry& entry : m_source->archive->entries())
+                if (entry.path.startsWith(folder + u'/') && entry.path.count(u'/') == 1 && !entry.name.endsWith(u'/') &&
+                    !fileNameOf(entry.path).startsWith(u'.'))
+                    names << entry.path;
+        } else {
+            for (const QString& file : QDir(m_source->folder + u'/' + folder).entryList(QDir::Files))
+                names << folder + u'/' + file;
+        }
+        *files = inFileNameOrder(names);
+        for (const QString& name : std::as_const(*files))
+            addSlot(name);
+    }
+}
+
+IdmlDocument::Slot* IdmlDocument::slot(const QString& name) const
+{
+    const auto it = m_source->slotByName.constFind(name);
+    return it == m_source->slotByName.cend() ? nullptr : m_slots[static_cast<size_t>(*it)].get();
+}
+
+Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) const
+{
+    Slot* found = slot(name);
+    if (!found)
+        return makeError(QStringLiteral("not listed in designmap.xml"), name);
+    const std::lock_guard lock(found->mutex);
+    if (!found->part && !found->error) {
+        auto part = std::make_shared<XmlPart>();
+        ++m_parses;
+        if (Status parsed = m_source->parse(*part, name); !parsed)
+            found->error = parsed.error();
+        else
+            found->part = std::move(part);
+    }
+    if (found->error)
+        return *found->error;
+    return found->part;
+}
+
+void IdmlDocument::parseAhead(const QStringList& names, const app::CancelFlag* cancel) const
+{
+    app::ParallelOptions options;
+    options.cancel = cancel;
+    options.itemsPerThread = 8;
+    app::parallelFor(names.size(), options, [&](int, qsizetype index) { (void)part(names[index]); });
+}
+
+void IdmlDocument::release(const QStringList& names) const
+{
+    for (const QString& name : names)
+        if (Slot* found = slot(name)) {
+            const std::lock_guard lock(found->mutex);
+            found->part.reset();
+            found->error.reset();
+        }
+}
+
+} // namespace quillon::idml

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "app/Result.h"
+#include "idml/XmlPart.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+#include <pugixml.hpp>
+
+namespace quillon::app {
+class CancelFlag;
+}
+
+namespace quillon::idml {
+
+class IdmlArchive;
+
+// The parts of one IDML package as its designmap.xml lists them, read from the archive in memory
+// or from a package unpacked into a folder, and each parsed at most once however many readers ask
+// for it. Readers on several threads may ask at once; a part is parsed by the first to ask and
+// shared with the others. A part that cannot be read gives, to every reader, the same error naming
+// it ("Stories/Story_u1a.xml: not readable XML at byte 14").
+class IdmlDocument {
+public:
+    // The package of the IDML file at `idmlPath`, repaired in a scratch folder of `workFolder` when
+    // it is damaged (the folder lives as long as the document). Errors name the file.
+    static app::Result<std::shared_ptr<IdmlDocument>> open(const QString& idmlPath, const QString& workFolder,
+                                                           const app::CancelFlag* cancel = nullptr);
+    // The package of an opened archive, which should have passed checkIdmlStructure.
+    static app::Result<std::shared_ptr<IdmlDocument>> fromArchive(IdmlArchive archive);
+    // The package unpacked into `folder`. Fails, naming the file, when the folder or its
+    // designmap.xml is missing or broken, or when the map names a part outside the folder.
+    static app::Result<std::shared_ptr<IdmlDocument>> fromFolder(const QString& folder);
+
+    ~IdmlDocument();
+    IdmlDocument(const IdmlDocument&) = delete;
+    IdmlDocument& operator=(const IdmlDocument&) = delete;
+
+    // The document named in messages: the IDML file, or the unpacked folder.
+    const QString& name() const { return m_name; }
+    // Read from a copy the zip tool repaired.
+    bool wasRepaired() const { return m_repaired; }
+    const pugi::xml_document& designmap() const { return m_designmap.document(); }
+
+    // Part names ("Spreads/Spread_u1.xml") in the designmap's order.
+    const QStringList& masterSpreads() const { return m_masterSpreads; }
+    const QStringList& spreads() const { return m_spreads; }
+    const QStringList& stories() const { return m_stories; }
+    // Every part file in the "MasterSpreads", "Spreads" and "Stories" folders, listed or not, hidden
+    // ones skipped, in byte order of their file names (the order a Mac volume lists a folder in):
+    // what the link analysis and the record read.
+    const QStringList& masterSpreadFiles() const { return m_masterSpreadFiles; }
+    const QStringList& spreadFiles() const { return m_spreadFiles; }
+    const QStringList& storyFiles() const { return m_storyFiles; }
+    // The resource parts; empty when the designmap lists none.
+    const QString& graphic() const { return m_graphic; }
+    const QString& fonts() const { return m_fonts; }
+    const QString& styles() const { return m_styles; }
+    const QString& preferences() const { return m_preferences; }
+
+    // The part parsed, or why it cannot be read. A name the designmap does not list is not read.
+    app::Result<std::shared_ptr<const XmlPart>> part(const QString& name) const;
+    // Parses the parts not parsed yet, on several threads; stops early when cancelled.
+    void parseAhead(const QStringList& names, const app::CancelFlag* cancel = nullptr) const;
+    // Frees the parsed parts; asked again, they are parsed again.
+    void release(const QStringList& names) const;
+    // How many times parts were parsed, all parts together.
+    int parseCount() const { return m_parses.load(); }
+
+private:
+    struct Source;
+    struct Slot;
+    IdmlDocument(QString name, std::unique_ptr<Source> source);
+    app::Status readDesignmap();
+    Slot* slot(const QString& name) const;
+    void addSlot(const QString& name);
+    void listPartFiles();
+
+    QString m_name;
+    bool m_repaired = false;
+    std::unique_ptr<Source> m_source;
+    XmlPart m_designmap;
+    QStringList m_masterSpreads;
+    QStringList m_spreads;
+    QStringList m_stories;
+    QStringList m_masterSpreadFiles;
+    QStringList m_spreadFiles;
+    QStringList m_storyFiles;
+    QString m_graphic;
+    QString m_fonts;
+    QString m_styles;
+    QString m_preferences;
+    std::vector<std::unique_ptr<Slot>> m_slots;
+    mutable std::atomic<int> m_parses{0};
+};
+
+// The names in byte order of their UTF-8 file names (the order a Mac volume lists a folder in).
+QStringList inFileNameOrder(QStringList partNames);
+
+} // namespace quillon::idml
