@@ -5,10 +5,10 @@
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 
-#include "inspection/DocInfo.h"
-#include "preflight/DocumentWarnings.h"
 #include "host/InDesignHost.h"
+#include "inspection/DocInfo.h"
 #include "inspection/PageSizes.h"
+#include "preflight/DocumentWarnings.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -29,7 +29,7 @@ namespace {
 using inspection::QNDocInfo;
 
 struct DocumentFacts {
-    QStringList record;
+    inspection::DocumentRecord record;
     QNDocInfo info;
     bool repaired = false;
     QList<app::Error> warnings; // parts that could not be read, a repair, no pages
@@ -64,7 +64,7 @@ void printText(const DocumentFacts& facts)
     const QList<std::pair<const char*, QString>> lines{
         {"Path", info.docPath()},
         {"Pages", info.numberOfPagesStr()},
-        {"Links", facts.record.value(inspection::kRecordLinkCount)},
+        {"Links", facts.record.linkCount},
         {"Version", orDash(info.InDesignVersion())},
         {"Size", info.fileSizeStr()},
         {"Created", orDash(info.creationDateStr())},
@@ -90,8 +90,8 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
 {
     const QNDocInfo& info = facts.info;
     QJsonObject object = QJsonObject::fromVariantMap(info.toVariantMap());
-    object.insert(QStringLiteral("hfsPath"), facts.record.value(inspection::kRecordHfsPath));
-    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.value(inspection::kRecordLinkCount));
+    object.insert(QStringLiteral("hfsPath"), facts.record.hfsPath);
+    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.linkCount);
     object.insert(QStringLiteral("fileSizeBytes"), info.fileSize());
     object.insert(inspection::kDocInfoCreationDateKey, dateValue(info.creationDate()));
     object.insert(inspection::kDocInfoModDateKey, dateValue(info.modDate()));

@@ -5,10 +5,10 @@
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 
+#include "host/InDesignHost.h"
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
 #include "preflight/DocumentWarnings.h"
-#include "host/InDesignHost.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -113,10 +113,10 @@ int runLinks(const LinksOptions& options)
                     QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
             continue;
         }
-        const QString docPath = unpacked->record.value(inspection::kRecordPosixPath);
+        const QString docPath = unpacked->record.posixPath;
         links::LinksController controller;
         controller.linkFolders = linkFolders;
-        controller.numberOfLinksInDoc = unpacked->record.value(inspection::kRecordLinkCount).toInt();
+        controller.numberOfLinksInDoc = unpacked->record.numberOfLinks();
         links::QNIDMLLinksProcessor processor(controller);
         const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
         QList<app::Error> warnings = unpacked->warnings;

@@ -4,10 +4,10 @@
 #include "app/AppPaths.h"
 #include "cli/Interruption.h"
 #include "cli/TerminalText.h"
-#include "preflight/DocumentWarnings.h"
-#include "preflight/IdmlCreator.h"
 #include "host/InDesignHost.h"
 #include "host/OfflineIdmlHost.h"
+#include "preflight/DocumentWarnings.h"
+#include "preflight/IdmlCreator.h"
 
 #include <QDir>
 #include <QFile>
@@ -36,24 +36,24 @@ app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString&
     host.setWorkFolder(workFolder);
     if (app::Status opened = host.openDocument(path, true); !opened)
         return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(host::DocumentReference::active());
+    app::Result<inspection::DocumentRecord> record = host.pathsAndNameOfDocument(host::DocumentReference::active());
     if (!record)
         return record.error();
 
-    app::ScriptedAlertSink alerts; // failures are reported from lastError()
-    preflight::QNIDMLCreator creator(host, alerts);
+    preflight::QNIDMLCreator creator(host);
     creator.setWorkFolder(workFolder);
-    const QString docPath = record->value(inspection::kRecordPosixPath);
-    UnpackedDocument document;
-    document.folder = creator.processInDesignFileAtPath(docPath);
+    const QString docPath = record->posixPath;
+    const app::Result<preflight::UnpackedDocument> unpacked = creator.processInDesignFileAtPath(docPath);
     // The run's work folder is private: its copies of this document can go at once.
     const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, workFolder);
     QFile::remove(idmlPath);
     QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
-    if (document.folder.isEmpty())
-        return creator.lastError();
+    if (!unpacked)
+        return unpacked.error();
+    UnpackedDocument document;
+    document.folder = unpacked->folder;
     document.record = *record;
-    document.repaired = creator.lastUnpackWasRepaired();
+    document.repaired = unpacked->repaired;
     document.warnings = host.documentWarnings();
     if (document.repaired)
         preflight::addWarningsOnce(document.warnings, {preflight::repairedArchiveWarning()});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "inspection/DocumentRecord.h"
 
 #include <QList>
 #include <QString>
@@ -9,10 +10,10 @@
 
 namespace quillon::cli {
 
-// A document read the way a preflight reads it, without InDesign: its six-string record from the
-// offline host, and its IDML copied into the work folder and unpacked there.
+// A document read the way a preflight reads it, without InDesign: its record from the offline
+// host, and its IDML copied into the work folder and unpacked there.
 struct UnpackedDocument {
-    QStringList record;
+    inspection::DocumentRecord record;
     QString folder;        // the unpacked package; removed with the object
     bool repaired = false; // read from a repaired copy of a damaged archive
     // What the reading met without failing: parts that could not be read, a repaired archive, a

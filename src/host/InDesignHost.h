@@ -36,8 +36,8 @@ public:
     // The application every request addresses ("Adobe InDesign 2024").
     virtual QString applicationName() const = 0;
 
-    // The six-string record of the document (an empty list when the host answered with none).
-    virtual app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) = 0;
+    // The record of the document (an empty one when the host answered with nothing).
+    virtual app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) = 0;
     // What went wrong, without failing, while the last record was made (parts of a package that
     // could not be read); none for a host that asks InDesign.
     virtual QList<app::Error> documentWarnings() const { return {}; }
@@ -78,15 +78,15 @@ public:
 
     // The font and colour inspections of a preflighted document: the font records, and the
     // colour records with the unused names and the Registration count, of the document of
-    // `record` (the six-string record). `idmlFolder` is the preflight's unpacked IDML export: a
+    // `record`. `idmlFolder` is the preflight's unpacked IDML export: a
     // host that reads the IDML uses it, or unpacks the document itself when it is empty.
     // `registrationInTextFlag` "1" asks for Registration applied to text to be counted. The
     // answer names the parts of the document that could not be read and were skipped.
-    virtual app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record,
-                                                              const QString& idmlFolder) = 0;
-    virtual app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record,
-                                                                  const QString& idmlFolder,
-                                                                  const QString& registrationInTextFlag) = 0;
+    virtual app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
+                                                                          const QString& idmlFolder) = 0;
+    virtual app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const inspection::DocumentRecord& record, const QString& idmlFolder,
+                  const QString& registrationInTextFlag) = 0;
     // The paragraph-styles report of the open document `docName`, with the parts it skipped.
     virtual app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) = 0;
 

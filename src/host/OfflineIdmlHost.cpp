@@ -4,10 +4,10 @@
 #include "app/FilePaths.h"
 #include "app/Log.h"
 #include "app/RegularFile.h"
-#include "idml/XmlPart.h"
 #include "host/FontColorInspection.h"
 #include "idml/IdmlPackage.h"
 #include "idml/IdmlXml.h"
+#include "idml/XmlPart.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -72,9 +72,9 @@ auto inspectUnpacked(const QString& idmlPath, const QString& idmlFolder, const Q
     return inspect((*scratch)->filePath(QStringLiteral("package")));
 }
 
-Status checkRecord(const QStringList& record)
+Status checkRecord(const inspection::DocumentRecord& record)
 {
-    if (record.size() < inspection::kRecordItemCount)
+    if (record.posixPath.isEmpty())
         return makeError(QStringLiteral("The document record is incomplete."));
     return {};
 }
@@ -87,7 +87,8 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
+Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder,
+                                                      QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
     QTemporaryDir scratch(workFolderOr(workFolder) + QStringLiteral("/record-XXXXXX"));
@@ -139,8 +140,8 @@ Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& w
                 ++links;
         });
     }
-    return QStringList{QString(""), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
-                       version};
+    return inspection::DocumentRecord{
+        QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links), version};
 }
 
 Status OfflineIdmlHost::checkDocumentPath(const QString& path)
@@ -190,24 +191,13 @@ Result<QString> OfflineIdmlHost::documentPath(const DocumentReference& document)
     return makeError(QStringLiteral("No open document is named \"%1\".").arg(document.name()), document.name());
 }
 
-Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
+Result<inspection::DocumentRecord> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
 {
     m_recordWarnings.clear();
     Result<QString> path = documentPath(document);
     if (!path)
         return path.error();
-    // A file changed since (its size or time) is read again.
-    const QFileInfo file(*path);
-    if (m_lastRecord && m_lastRecord->path == *path && m_lastRecord->size == file.size() &&
-        m_lastRecord->modified == file.lastModified()) {
-        m_recordWarnings = m_lastRecord->warnings;
-        return m_lastRecord->record;
-    }
-    m_lastRecord.reset();
-    Result<QStringList> record = idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
-    if (record)
-        m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), *record, m_recordWarnings};
-    return record;
+    return idmlDocumentRecord(*path, m_workFolder, &m_recordWarnings);
 }
 
 QList<app::Error> OfflineIdmlHost::documentWarnings() const
@@ -330,22 +320,23 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                      docName);
 }
 
-Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const QStringList& record, const QString& idmlFolder)
+Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const inspection::DocumentRecord& record,
+                                                                          const QString& idmlFolder)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    const QString path = record[inspection::kRecordPosixPath];
+    const QString path = record.posixPath;
     return inspectUnpacked(path, idmlFolder, m_workFolder,
                            [&](const QString& folder) { return processFontsFromIdml(folder, path); });
 }
 
-Result<inspection::Inspected<inspection::ColorInspection>> OfflineIdmlHost::processColors(const QStringList& record,
-                                                                 const QString& idmlFolder,
-                                                                 const QString& registrationInTextFlag)
+Result<inspection::Inspected<inspection::ColorInspection>>
+OfflineIdmlHost::processColors(const inspection::DocumentRecord& record, const QString& idmlFolder,
+                               const QString& registrationInTextFlag)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    const QString path = record[inspection::kRecordPosixPath];
+    const QString path = record.posixPath;
     return inspectUnpacked(path, idmlFolder, m_workFolder, [&](const QString& folder) {
         return processColorsFromIdml(folder, registrationInTextFlag);
     });

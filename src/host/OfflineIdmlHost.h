@@ -2,10 +2,6 @@
 
 #include "host/InDesignHost.h"
 
-#include <QDateTime>
-
-#include <optional>
-
 namespace quillon::host {
 
 // Stands in for InDesign where there is none: the documents are exported IDML files. The record
@@ -23,7 +19,7 @@ public:
 
     QString applicationName() const override;
 
-    app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override;
+    app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) override;
     // The parts the last record left out because they could not be read.
     QList<app::Error> documentWarnings() const override;
     app::Result<QString> fullNameOfDocument(const DocumentReference& document) override;
@@ -43,9 +39,11 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const QString& idmlFolder) override;
-    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const QString& idmlFolder,
-                                                         const QString& registrationInTextFlag) override;
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
+                                                                  const QString& idmlFolder) override;
+    app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const inspection::DocumentRecord& record, const QString& idmlFolder,
+                  const QString& registrationInTextFlag) override;
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName) override;
 
     const QStringList& openDocuments() const { return m_documents; }
@@ -60,22 +58,12 @@ private:
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;
     QList<app::Error> m_recordWarnings;
-    // The last record read and what it depends on: reading it means inflating and parsing every
-    // spread and story, and a preflight asks for it more than once.
-    struct ReadRecord {
-        QString path;
-        qint64 size = -1;
-        QDateTime modified;
-        QStringList record;
-        QList<app::Error> warnings;
-    };
-    std::optional<ReadRecord> m_lastRecord;
 };
 
-// The six-string record of an IDML file, read from the archive (a copy repaired in `workFolder`,
+// The record of an IDML file, read from the archive (a copy repaired in `workFolder`,
 // the system's work folder when empty, when it is damaged). Parts that cannot be read are left
 // out of the counts and, with `warnings`, named there.
-app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
-                                            QList<app::Error>* warnings = nullptr);
+app::Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
+                                                           QList<app::Error>* warnings = nullptr);
 
 } // namespace quillon::host
