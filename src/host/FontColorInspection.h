@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/Result.h"
-#include "host/FontColorScripts.h"
 #include "inspection/ColorInspection.h"
+#include "host/FontColorScripts.h"
 #include "inspection/PartWarnings.h"
 
 #include <QString>
@@ -18,10 +18,9 @@ namespace quillon::host {
 // The offline host: from the document's unpacked IDML. `documentPath` is the document's own file,
 // beside which a "Document fonts" folder may hold fonts of its own. The parts that could not be
 // read were skipped: the answer names them.
-app::Result<inspection::Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder,
-                                                                      const QString& documentPath);
-app::Result<inspection::Inspected<inspection::ColorInspection>>
-processColorsFromIdml(const QString& idmlFolder, const QString& registrationInTextFlag);
+app::Result<inspection::Inspected<QVariantList>> processFontsFromIdml(const QString& idmlFolder, const QString& documentPath);
+app::Result<inspection::Inspected<inspection::ColorInspection>> processColorsFromIdml(const QString& idmlFolder,
+                                                              const QString& registrationInTextFlag);
 app::Result<inspection::Inspected<QString>> paraReportFromIdml(const QString& idmlFolder);
 
 // The AppleScript host: scripts sent to `inDesignName` about the open document `documentName`.
@@ -33,7 +32,7 @@ struct ScriptedDocument {
 };
 app::Result<QVariantList> processFontsWithScripts(const ScriptedDocument& document);
 app::Result<inspection::ColorInspection> processColorsWithScripts(const ScriptedDocument& document,
-                                                                  const QString& registrationInTextFlag);
+                                     const QString& registrationInTextFlag);
 app::Result<QString> paraReportWithScripts(const ScriptedDocument& document);
 
 } // namespace quillon::host

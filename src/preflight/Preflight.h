@@ -28,9 +28,9 @@ class PreflightResultsSink;
 struct PreflightRequest {
     host::InDesignHost& host;
     host::DocumentReference document = host::DocumentReference::active();
-    PreflightFolders folders;
-    JudgingInputs judging;
-    QStringList linkFolders; // searched by file name for links missing at their recorded path
+    PreflightFolders folders{};
+    JudgingInputs judging{};
+    QStringList linkFolders{}; // searched by file name for links missing at their recorded path
     LinkAnalysis linkAnalysis = analyseLinksInIdml;
     // Set from any thread to stop; none: the preflight cannot be cancelled from outside.
     app::CancelFlag* cancel = nullptr;

@@ -1,8 +1,8 @@
 #include "reports/PreflightResults.h"
 
-#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
+#include "preflight/PreflightReporting.h"
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 #include "support/TestSupport.h"
@@ -45,57 +45,62 @@ QVariantMap strictPreset()
 
 class PreflightResultsTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_dir.isValid());
-        const QDir dir(m_dir.path());
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Lost.tif")},
-                                  {QStringLiteral("path"), QStringLiteral("/Jobs/Links/Lost.tif")},
-                                  {QStringLiteral("status"), QStringLiteral("Missing")},
-                                  {QStringLiteral("sizebytes"), 0}}}),
-            dir.filePath(app::kLinkDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Minion Pro Regular")},
-                                  {QStringLiteral("type"), QStringLiteral("OpenType CFF")},
-                                  {QStringLiteral("status"), QStringLiteral("missing")}}}),
-            dir.filePath(app::kFontDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Web Blue")},
-                                  {QStringLiteral("spot"), QStringLiteral("process")},
-                                  {QStringLiteral("space"), QStringLiteral("RGB")},
-                                  {QStringLiteral("colValuesList"), QVariantList{0, 102, 204}},
-                                  {QStringLiteral("used"), QStringLiteral("√")}}}),
-            dir.filePath(app::kColorDataFileName)));
-    }
+    void SetUp() override { ASSERT_TRUE(m_dir.isValid()); }
 
     QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.ini")); }
 
-    inspection::QNDocInfo docInfo() const
+    static inspection::DocumentRecord record()
     {
-        return inspection::QNDocInfo::docInfoWithRecord({QString(), kDocPath, QStringLiteral("Brochure.idml"),
-                                                        QStringLiteral("4"), QStringLiteral("0"),
-                                                        QStringLiteral("20.0")});
+        return {QString(),
+                kDocPath,
+                QStringLiteral("Brochure.idml"),
+                QStringLiteral("4"),
+                QStringLiteral("0"),
+                QStringLiteral("20.0")};
     }
+
+    // A preflight's outcome: a missing link, a missing font and an RGB colour.
+    static preflight::PreflightOutcome outcome(const preflight::JudgingInputs& judging)
+    {
+        preflight::PreflightOutcome outcome;
+        outcome.record = record();
+        outcome.judging = judging;
+        outcome.linkData = dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Lost.tif")},
+                                                 {QStringLiteral("path"), QStringLiteral("/Jobs/Links/Lost.tif")},
+                                                 {QStringLiteral("status"), QStringLiteral("Missing")},
+                                                 {QStringLiteral("sizebytes"), 0}}});
+        outcome.fonts = QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Minion Pro Regular")},
+                                                 {QStringLiteral("type"), QStringLiteral("OpenType CFF")},
+                                                 {QStringLiteral("status"), QStringLiteral("missing")}}};
+        outcome.colors =
+            inspection::ColorInspection{{QVariantMap{{QStringLiteral("name"), QStringLiteral("Web Blue")},
+                                                     {QStringLiteral("spot"), QStringLiteral("process")},
+                                                     {QStringLiteral("space"), QStringLiteral("RGB")},
+                                                     {QStringLiteral("colValuesList"), QVariantList{0, 102, 204}},
+                                                     {QStringLiteral("used"), QStringLiteral("\u221A")}}},
+                                        {},
+                                        0};
+        return outcome;
+    }
+
+    inspection::QNDocInfo docInfo() const { return inspection::QNDocInfo::docInfoWithRecord(record()); }
 
     QTemporaryDir m_dir;
 };
 
 } // namespace
 
-TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
+TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
 {
     int presetReads = 0;
     PreflightResults results([&presetReads] {
         ++presetReads;
         return std::optional<QVariantMap>(strictPreset());
     });
-    EXPECT_EQ(results.registrationInTextFlag(), QStringLiteral("1"));
-
-    results.setItems(m_dir.path());
-    EXPECT_EQ(presetReads, 1); // a preflight reads its preset once, as it starts
-    results.setItems(m_dir.path());
-    EXPECT_EQ(presetReads, 2); // a load of its own reads it afresh
+    const preflight::JudgingInputs judging = results.judgingInputs();
+    EXPECT_TRUE(judging.registrationInText);
+    results.setItems(outcome(judging));
+    EXPECT_EQ(presetReads, 1); // read once, as the preflight started
     ASSERT_EQ(results.linkItems().size(), 1);
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
@@ -110,7 +115,8 @@ TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
 
     // Without a preset nothing is judged.
     PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
-    unjudged.setItems(m_dir.path());
+    EXPECT_FALSE(unjudged.judgingInputs().registrationInText);
+    unjudged.setItems(outcome({}));
     unjudged.populateSummaryAndDocInfo(info);
     EXPECT_EQ(unjudged.status().total, 0);
     EXPECT_FALSE(info.hasPreflightErrors());
@@ -140,8 +146,12 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
     QVariantMap current = strictPreset();
     PreflightResults results([&current] { return std::optional<QVariantMap>(current); });
     results.setSettingsFile(settingsFile());
-    results.setItems(m_dir.path());
+    // A batch document's results come back through the data files the preflight wrote.
+    EXPECT_TRUE(preflight::writeDataFiles(m_dir.path(), outcome({})).isEmpty());
+    results.setItemsFromDataFiles(m_dir.path());
     EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
+    EXPECT_TRUE(results::hasAlerts(results.colorItems().front().toMap()));
+    ASSERT_TRUE(QDir(m_dir.path()).remove(app::kLinkDataFileName)); // judged again without reading it back
 
     current = QVariantMap{{results::kPresetNameKey, QStringLiteral("Lenient")}};
     results.presetsPopup(QStringLiteral("Lenient"));
@@ -154,7 +164,7 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     PreflightResults results(PreflightResults::fixedPreset(strictPreset()));
     const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
     results.setClock([when] { return when; });
-    results.setItems(m_dir.path());
+    results.setItems(outcome(PreflightResults::judgingInputsFor(strictPreset())));
     const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
