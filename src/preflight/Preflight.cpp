@@ -111,33 +111,38 @@ void parseDocInfoInIDML(PreflightContext& context)
         context.addWarnings({read.error()});
 }
 
-// Stages 5 and 7: the inspections. One that fails is a warning; the preflight goes on.
-void processFonts(PreflightContext& context)
+// An inspection's answer: its records go into the outcome and the parts it skipped are warnings;
+// one that failed is a warning, and the preflight goes on.
+template <typename Found>
+void takeInspection(PreflightContext& context, const QString& what,
+                    const app::Result<inspection::Inspected<Found>>& inspected, std::optional<Found>& into)
 {
-    const auto inspected = context.request.host.processFonts(context.outcome.record, context.unpacked.folder);
     if (!inspected) {
-        app::logFailure(QStringLiteral("processFonts: %1").arg(inspected.error().text()));
+        app::logFailure(QStringLiteral("inspect the %1: %2").arg(what, inspected.error().text()));
         context.addWarnings(
-            {app::makeError(QStringLiteral("The fonts could not be inspected: %1").arg(inspected.error().text()))});
+            {app::makeError(QStringLiteral("The %1 could not be inspected: %2").arg(what, inspected.error().text()))});
         return;
     }
     context.addWarnings(inspected->skipped);
-    context.outcome.fonts = inspected->found;
+    into = inspected->found;
+}
+
+// Stages 5 and 7: the inspections, of the unpacked export.
+void processFonts(PreflightContext& context)
+{
+    takeInspection(context, QStringLiteral("fonts"),
+                   context.request.host.processFonts(context.outcome.record, context.unpacked.folder),
+                   context.outcome.fonts);
 }
 
 void processColors(PreflightContext& context)
 {
-    const auto inspected = context.request.host.processColors(
-        context.outcome.record, context.unpacked.folder,
-        context.request.judging.registrationInText ? QStringLiteral("1") : QStringLiteral("0"));
-    if (!inspected) {
-        app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
-        context.addWarnings(
-            {app::makeError(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()))});
-        return;
-    }
-    context.addWarnings(inspected->skipped);
-    context.outcome.colors = inspected->found;
+    const QString registrationInTextFlag =
+        context.request.judging.registrationInText ? QStringLiteral("1") : QStringLiteral("0");
+    takeInspection(
+        context, QStringLiteral("colors"),
+        context.request.host.processColors(context.outcome.record, context.unpacked.folder, registrationInTextFlag),
+        context.outcome.colors);
 }
 
 // Stage 9: the data files, then, unless cancelled, the results shown and the work folder emptied.

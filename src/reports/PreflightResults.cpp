@@ -1,7 +1,6 @@
 #include "reports/PreflightResults.h"
 
 #include "app/Log.h"
-#include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "links/LinkValues.h"
@@ -47,8 +46,9 @@ void PreflightResults::clearAllResults()
 
 preflight::JudgingInputs PreflightResults::judgingInputsFor(const std::optional<QVariantMap>& preset)
 {
-    const QVariantMap colors = preset.value_or(QVariantMap()).value(results::kPresetColorsKey).toMap();
-    return {preset.value_or(QVariantMap()), app::intValueOf(colors.value(results::kColorsRegAppliedToTextKey)) == 1};
+    const QVariantMap chosen = preset.value_or(QVariantMap());
+    const QVariantMap colorRules = chosen.value(results::kPresetColorsKey).toMap();
+    return {chosen, inspection::countsRegistrationInText(results::registrationInTextFlagOfPreset(colorRules))};
 }
 
 preflight::JudgingInputs PreflightResults::judgingInputs()
