@@ -16,6 +16,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <system_error>
+
 using namespace quillon::host;
 
 namespace quillon::preflight {
@@ -106,10 +108,17 @@ bool QNControlCenter::preflightActiveDoc(BatchPreflight* batch)
         return false;
     }
     m_isPreflighting = true;
-    m_worker = std::async(std::launch::async, [this] {
+    auto run = [this] {
         m_outcome = runPreflightStages(*m_running);
         m_isPreflighting = false;
-    });
+    };
+    try {
+        m_worker = std::async(std::launch::async, run);
+    } catch (const std::system_error& error) {
+        // No thread to be had: the stages run here, and the caller waits for them.
+        app::logFailure(QStringLiteral("start the preflight's thread: %1").arg(QString::fromLocal8Bit(error.what())));
+        run();
+    }
     return true;
 }
 

@@ -14,6 +14,7 @@
 #include <QFileInfo>
 
 #include <exception>
+#include <future>
 #include <typeinfo>
 
 namespace quillon::preflight {
@@ -150,22 +151,25 @@ void populatePreflightResults(PreflightContext& context)
 {
     app::logEntry("populatePreflightResults");
     PreflightOutcome& outcome = context.outcome;
-    context.addWarnings(writeDataFiles(context.request.folders.dataFolder, outcome));
     outcome.alerts = context.alerts.errors();
-    if (context.cancelled()) {
-        showProgressStage(ProgressStage::Stop, context.sinks);
-        outcome.ended = PreflightEnding::Cancelled;
-        return;
-    }
-    if (context.sinks.results)
+    const bool cancelled = context.cancelled();
+    outcome.ended = cancelled ? PreflightEnding::Cancelled : PreflightEnding::Completed;
+    // The data files are written while the results are judged: both only read the outcome. (Run
+    // in place when no thread can be had.)
+    std::future<QList<app::Error>> written = std::async(std::launch::async | std::launch::deferred, [&context] {
+        return writeDataFiles(context.request.folders.dataFolder, context.outcome);
+    });
+    if (!cancelled && context.sinks.results)
         context.sinks.results->setItems(outcome);
+    context.addWarnings(written.get());
     showProgressStage(ProgressStage::Stop, context.sinks);
+    if (cancelled)
+        return;
     if (context.sinks.results)
         context.sinks.results->populateSummaryAndDocInfo(outcome.docInfo);
     clearTmpQuillonFolder(context.request.folders,
                           {context.unpacked.folder, QNIDMLCreator::idmlPathForDocument(
                                                         outcome.record.posixPath, context.request.folders.workFolder)});
-    outcome.ended = PreflightEnding::Completed;
     if (context.sinks.batch)
         context.sinks.batch->preflightIsDoneForDocAtPath(outcome.record.posixPath);
 }

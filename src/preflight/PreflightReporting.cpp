@@ -110,7 +110,7 @@ QList<app::Error> writeDataFiles(const QString& dataFolder, const PreflightOutco
     if (!outcome.linkData.isEmpty()) {
         app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
         const QString file = QDir(dataFolder).filePath(app::kLinkDataFileName);
-        linksWritten = std::async(std::launch::async,
+        linksWritten = std::async(std::launch::async | std::launch::deferred,
                                   [&outcome, file] { return app::writePropertyListFile(outcome.linkData, file); });
     }
     QList<app::Error> warnings;
