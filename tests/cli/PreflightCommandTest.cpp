@@ -162,21 +162,14 @@ TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)
 
     // One whose archive cannot be unpacked says why, in the words of the unpacking's error.
     const QString climbing = m_out.filePath(QStringLiteral("climbing.idml"));
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-c"),
-                  QStringLiteral("import sys, zipfile\n"
-                                 "z = zipfile.ZipFile(sys.argv[1], 'w')\n"
-                                 "z.writestr('designmap.xml', '<Document DOMVersion=\"20.0\"/>')\n"
-                                 "z.writestr('../../escaped.txt', 'outside'); z.close()\n"),
-                  climbing});
-    ASSERT_TRUE(python.waitForFinished() && python.exitCode() == 0);
+    ASSERT_TRUE(quillon::test::writeClimbingIdml(climbing));
     run = preflight({climbing});
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("quillon preflight: %1: ../../escaped.txt: the archive holds an entry "
-                                                "whose path leads outside its folder")
-                                     .arg(climbing)
-                                     .toUtf8()))
+    EXPECT_TRUE(
+        run.err.contains(QStringLiteral("quillon preflight: %1: ../../../../escaped.txt: the archive holds an entry "
+                                        "whose path leads outside its folder")
+                             .arg(climbing)
+                             .toUtf8()))
         << run.err.toStdString();
 
     // Refusals before any document is read.
