@@ -9,8 +9,8 @@
 
 #include "app/Alerts.h"
 #include "app/Progress.h"
-#include "preflight/ControlCenter.h"
 #include "host/OfflineIdmlHost.h"
+#include "preflight/Preflight.h"
 #include "reports/PreflightResults.h"
 #include "results/Presets.h"
 
@@ -99,16 +99,12 @@ void preflightInProcess(benchmark::State& state)
         app::ScriptedAlertSink alerts;
         app::NullProgressSink progress;
         reports::PreflightResults results(reports::PreflightResults::fixedPreset(preset));
-        preflight::QNControlCenter center(host, alerts, progress, results,
-                                          preflight::PreflightFolders::inside(run.path()));
-        center.startup();
-        if (!center.preflightActiveDoc()) {
-            state.SkipWithError("the preflight did not start");
-            break;
-        }
-        center.waitUntilPreflightIsDone();
+        const preflight::PreflightRequest request{host, host::DocumentReference::active(),
+                                                  preflight::PreflightFolders::inside(run.path()),
+                                                  reports::PreflightResults::judgingInputsFor(preset)};
+        const auto outcome = preflight::preflight(request, {alerts, progress, &results});
         links = results.linkItems().size();
-        if (center.lastOutcome() != preflight::QNControlCenter::Outcome::Completed || results.fontItems().isEmpty() ||
+        if (!outcome || outcome->ended != preflight::PreflightEnding::Completed || results.fontItems().isEmpty() ||
             results.colorItems().isEmpty())
             state.SkipWithError("the preflight did not complete");
     }

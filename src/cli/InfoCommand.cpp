@@ -31,37 +31,25 @@ namespace {
 using inspection::QNDocInfo;
 
 struct DocumentFacts {
-    QStringList record;
+    inspection::DocumentRecord record;
     QNDocInfo info;
     bool repaired = false;
     QList<app::Error> warnings; // parts that could not be read, a repair, no pages
 };
 
-// Reads one document the way a preflight does, straight from its archive: the record from the
-// offline host, then the document information from the parts the host read.
+// Reads one document the way a preflight does, straight from its archive: the record, then the
+// document information from the same parts.
 app::Result<DocumentFacts> readDocument(const QString& path, const QString& workFolder)
 {
-    OfflineIdmlHost host;
-    host.setWorkFolder(workFolder);
-    if (app::Status opened = host.openDocument(path, true); !opened)
-        return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(DocumentReference::active());
-    if (!record)
-        return record.error();
-    app::Result<std::shared_ptr<const idml::IdmlDocument>> document =
-        host.idmlDocument(record->value(inspection::kRecordPosixPath), nullptr);
+    app::Result<OfflineDocument> document = readOfflineDocument(path, workFolder);
     if (!document)
         return document.error();
-    DocumentFacts facts{*record, QNDocInfo::docInfoWithRecord(*record), (*document)->wasRepaired(),
-                        host.documentWarnings()};
-    if (facts.repaired)
-        preflight::addWarningsOnce(facts.warnings, {preflight::repairedArchiveWarning()});
-    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(*record))
-        preflight::addWarningsOnce(facts.warnings, {*noPages});
+    DocumentFacts facts{document->record, QNDocInfo::docInfoWithRecord(document->record), document->repaired,
+                        document->warnings};
     QList<app::Error> partWarnings;
-    if (const app::Status read = facts.info.parseDocInfoInDocument(**document); !read)
+    if (const app::Status read = facts.info.parseDocInfoInDocument(*document->parts); !read)
         partWarnings << read.error();
-    facts.info.setDocPageSizesDict(inspection::pageSizesInDocument(**document, &partWarnings));
+    facts.info.setDocPageSizesDict(inspection::pageSizesInDocument(*document->parts, &partWarnings));
     preflight::addWarningsOnce(facts.warnings, partWarnings);
     return facts;
 }
@@ -77,7 +65,7 @@ void printText(const DocumentFacts& facts)
     const QList<std::pair<const char*, QString>> lines{
         {"Path", info.docPath()},
         {"Pages", info.numberOfPagesStr()},
-        {"Links", facts.record.value(inspection::kRecordLinkCount)},
+        {"Links", facts.record.linkCount},
         {"Version", orDash(info.InDesignVersion())},
         {"Size", info.fileSizeStr()},
         {"Created", orDash(info.creationDateStr())},
@@ -103,8 +91,8 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
 {
     const QNDocInfo& info = facts.info;
     QJsonObject object = QJsonObject::fromVariantMap(info.toVariantMap());
-    object.insert(QStringLiteral("hfsPath"), facts.record.value(inspection::kRecordHfsPath));
-    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.value(inspection::kRecordLinkCount));
+    object.insert(QStringLiteral("hfsPath"), facts.record.hfsPath);
+    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.linkCount);
     object.insert(QStringLiteral("fileSizeBytes"), info.fileSize());
     object.insert(inspection::kDocInfoCreationDateKey, dateValue(info.creationDate()));
     object.insert(inspection::kDocInfoModDateKey, dateValue(info.modDate()));

@@ -3,12 +3,13 @@
 #include "app/RegularFile.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
+#include "idml/IdmlDocument.h"
 #include "cli/TerminalText.h"
 
+#include "host/InDesignHost.h"
 #include "links/LinkRecordKeys.h"
 #include "links/QNIDMLLinksProcessor.h"
 #include "preflight/DocumentWarnings.h"
-#include "host/InDesignHost.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -104,7 +105,7 @@ int runLinks(const LinksOptions& options)
         if (Interruption::requested())
             break;
         const QString path = app::pathFromLocalBytes(document);
-        app::Result<UnpackedDocument> unpacked = unpackDocument(path, workFolder.path());
+        app::Result<OfflineDocument> unpacked = readOfflineDocument(path, workFolder.path());
         if (!unpacked) {
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
             status = kExitFailure;
@@ -113,12 +114,12 @@ int runLinks(const LinksOptions& options)
                     QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
             continue;
         }
-        const QString docPath = unpacked->record.value(inspection::kRecordPosixPath);
+        const QString docPath = unpacked->record.posixPath;
         links::LinksController controller;
         controller.linkFolders = linkFolders;
-        controller.numberOfLinksInDoc = unpacked->record.value(inspection::kRecordLinkCount).toInt();
+        controller.numberOfLinksInDoc = unpacked->record.numberOfLinks();
         links::QNIDMLLinksProcessor processor(controller);
-        const QVariantList records = processor.processLinksInIDMLFolder(unpacked->folder, docPath);
+        const QVariantList records = processor.processLinksInDocument(*unpacked->parts, docPath);
         QList<app::Error> warnings = unpacked->warnings;
         preflight::addWarningsOnce(warnings, processor.warnings());
         const QStringList warningLines = preflight::warningTexts(warnings);

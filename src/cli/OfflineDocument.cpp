@@ -4,10 +4,10 @@
 #include "app/AppPaths.h"
 #include "cli/Interruption.h"
 #include "cli/TerminalText.h"
-#include "preflight/DocumentWarnings.h"
-#include "preflight/IdmlCreator.h"
 #include "host/InDesignHost.h"
 #include "host/OfflineIdmlHost.h"
+#include "idml/IdmlDocument.h"
+#include "preflight/DocumentWarnings.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,46 +18,22 @@ using namespace quillon::host;
 
 namespace quillon::cli {
 
-UnpackedDocument::UnpackedDocument(UnpackedDocument&& other) noexcept
-    : record(std::move(other.record)), folder(std::exchange(other.folder, QString())), repaired(other.repaired),
-      warnings(std::move(other.warnings))
-{
-}
-
-UnpackedDocument::~UnpackedDocument()
-{
-    if (!folder.isEmpty())
-        QDir(folder).removeRecursively();
-}
-
-app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder)
+app::Result<OfflineDocument> readOfflineDocument(const QString& path, const QString& workFolder)
 {
     host::OfflineIdmlHost host;
-    host.setWorkFolder(workFolder);
     if (app::Status opened = host.openDocument(path, true); !opened)
         return opened.error();
-    app::Result<QStringList> record = host.pathsAndNameOfDocument(host::DocumentReference::active());
-    if (!record)
-        return record.error();
-
-    app::ScriptedAlertSink alerts; // failures are reported from lastError()
-    preflight::QNIDMLCreator creator(host, alerts);
-    creator.setWorkFolder(workFolder);
-    const QString docPath = record->value(inspection::kRecordPosixPath);
-    UnpackedDocument document;
-    document.folder = creator.processInDesignFileAtPath(docPath);
-    // The run's work folder is private: its copies of this document can go at once.
-    const QString idmlPath = preflight::QNIDMLCreator::idmlPathForDocument(docPath, workFolder);
-    QFile::remove(idmlPath);
-    QFile::remove(preflight::QNIDMLCreator::repairedArchivePathForIDMLPath(idmlPath));
-    if (document.folder.isEmpty())
-        return creator.lastError();
-    document.record = *record;
-    document.repaired = creator.lastUnpackWasRepaired();
-    document.warnings = host.documentWarnings();
+    const QString docPath = host.openDocuments().value(0);
+    app::Result<std::shared_ptr<idml::IdmlDocument>> parts = idml::IdmlDocument::open(docPath, workFolder);
+    if (!parts)
+        return parts.error();
+    OfflineDocument document;
+    document.record = host::idmlDocumentRecord(**parts, docPath, &document.warnings);
+    document.repaired = (*parts)->wasRepaired();
+    document.parts = std::move(*parts);
     if (document.repaired)
         preflight::addWarningsOnce(document.warnings, {preflight::repairedArchiveWarning()});
-    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(*record))
+    if (const std::optional<app::Error> noPages = preflight::noPagesWarning(document.record))
         preflight::addWarningsOnce(document.warnings, {*noPages});
     return document;
 }

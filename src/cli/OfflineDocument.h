@@ -1,33 +1,35 @@
 #pragma once
 
 #include "app/Result.h"
+#include "inspection/DocumentRecord.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <memory>
+
+namespace quillon::idml {
+class IdmlDocument;
+} // namespace quillon::idml
+
 namespace quillon::cli {
 
-// A document read the way a preflight reads it, without InDesign: its six-string record from the
-// offline host, and its IDML copied into the work folder and unpacked there.
-struct UnpackedDocument {
-    QStringList record;
-    QString folder;        // the unpacked package; removed with the object
+// A document read the way a preflight reads it, without InDesign: its parts straight from the
+// archive (a damaged one repaired in the work folder), and its record counted from them.
+struct OfflineDocument {
+    inspection::DocumentRecord record;
+    std::shared_ptr<const idml::IdmlDocument> parts;
     bool repaired = false; // read from a repaired copy of a damaged archive
     // What the reading met without failing: parts that could not be read, a repaired archive, a
     // document without pages.
     QList<app::Error> warnings;
-
-    UnpackedDocument() = default;
-    UnpackedDocument(UnpackedDocument&& other) noexcept;
-    UnpackedDocument& operator=(UnpackedDocument&&) = delete;
-    ~UnpackedDocument();
 };
 
 // Errors name the document and the problem (missing, not an IDML package, damaged beyond repair).
-// The copy and the unpacked package go into `workFolder`.
-app::Result<UnpackedDocument> unpackDocument(const QString& path, const QString& workFolder);
+// A repaired copy goes into `workFolder`.
+app::Result<OfflineDocument> readOfflineDocument(const QString& path, const QString& workFolder);
 
 // A private work folder for one run of a command, so that parallel runs never share (or remove)
 // each other's files; removed with everything in it when the object goes, or by the

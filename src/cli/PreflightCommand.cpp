@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 
 #include "app/FilePaths.h"
+#include "app/Progress.h"
 #include "app/PropertyList.h"
 #include "app/RegularFile.h"
 #include "app/Settings.h"
@@ -12,7 +13,6 @@
 #include "cli/PreflightPrinter.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
-#include "preflight/ControlCenter.h"
 #include "reports/TextReport.h"
 #include "results/PresetKeys.h"
 #include "results/PresetSettings.h"
@@ -110,29 +110,6 @@ QStringList reportFileNames(const QStringList& documents)
     return names;
 }
 
-// The drivers running at the moment, so that Ctrl-C reaches each of them.
-class RunningCenters {
-public:
-    void watch(preflight::QNControlCenter* center, bool running)
-    {
-        std::lock_guard lock(m_mutex);
-        if (running)
-            m_centers.push_back(center);
-        else
-            std::erase(m_centers, center);
-    }
-    void cancelAll()
-    {
-        std::lock_guard lock(m_mutex);
-        for (preflight::QNControlCenter* center : m_centers)
-            center->setDoCancel(true);
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<preflight::QNControlCenter*> m_centers;
-};
-
 std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool reportDir)
 {
     if (format == QLatin1String("tab"))
@@ -169,6 +146,7 @@ int runPreflight(const PreflightOptions& options)
     }
     const QString format = q(options.format);
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
+    jobOptions.printParaStyles = app::Settings().boolForKey(QStringLiteral("printParas"), false);
 
     // Every document works in a folder of its own inside this one, which goes at the end.
     const PrivateWorkFolder runRoot(QStringLiteral("preflight"));
@@ -184,7 +162,7 @@ int runPreflight(const PreflightOptions& options)
 
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
     OrderedPrinter printer(format, preset->name, progress, paths.size());
-    RunningCenters running;
+    app::CancelFlag cancel; // every document's preflight stops when it is set
     std::atomic<qsizetype> nextDocument{0};
     std::atomic<qsizetype> workersLeft{jobs};
     std::mutex doneMutex;
@@ -198,11 +176,10 @@ int runPreflight(const PreflightOptions& options)
             const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
             QDir().mkpath(runFolder);
             const QString name = QFileInfo(paths.at(index)).fileName();
-            PreflightedDocument document = preflightDocument(
-                paths.at(index), jobOptions, runFolder,
-                [&running](preflight::QNControlCenter* center, bool on) { running.watch(center, on); },
-                [&progress, &name](const QString& status) { progress.status(name, status); });
-            if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
+            PreflightedDocument document =
+                preflightDocument(paths.at(index), jobOptions, runFolder, cancel,
+                                  [&progress, &name](const QString& status) { progress.status(name, status); });
+            if (document.preflighted && !reportDir.isEmpty()) {
                 const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
                     document.reportText.toUtf8(), reportDir, reportNames.at(index),
                     options.overwrite ? reports::QNTextReport::ExistingFile::Replace
@@ -227,7 +204,7 @@ int runPreflight(const PreflightOptions& options)
         std::unique_lock lock(doneMutex);
         while (!allDone.wait_for(lock, std::chrono::milliseconds(50), [&] { return workersLeft == 0; }))
             if (Interruption::requested())
-                running.cancelAll();
+                cancel.cancel();
     }
     for (std::thread& worker : workers)
         worker.join();

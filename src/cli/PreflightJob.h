@@ -12,8 +12,8 @@
 #include <functional>
 #include <optional>
 
-namespace quillon::preflight {
-class QNControlCenter;
+namespace quillon::app {
+class CancelFlag;
 }
 
 namespace quillon::cli {
@@ -24,6 +24,7 @@ struct PreflightJobOptions {
     QStringList linkFolders; // searched by file name for links missing at their recorded path
     // The layout of the text report to make, or nothing when none is wanted.
     std::optional<reports::TextReportType> reportType;
+    bool printParaStyles = false; // the report ends with the paragraph styles ("printParas")
 };
 
 // One document's preflight as the command line reports it.
@@ -40,19 +41,15 @@ struct PreflightedDocument {
     QVariantList colors;
     QVariantMap summary; // section title -> {row title: value}
     results::PreflightStatus status;
-    QString reportText;     // the text report, when one was asked for
-    QString reportFilePath; // where it was written (inside `runFolder` unless moved)
+    QString reportText; // the text report, when one was asked for
 };
 
-// Told about each driver that starts and ends, so that an interruption can reach it.
-using ControlCenterWatch = std::function<void(preflight::QNControlCenter* center, bool running)>;
 // Receives the status texts of the stages.
 using StatusReport = std::function<void(const QString& status)>;
 
 // Preflights the IDML file at `path` with the offline host, in `runFolder` (a folder of its own,
-// left for the caller to remove). Runs on the calling thread, the stages on a worker of the
-// driver's own.
+// left for the caller to remove), on the calling thread. Setting `cancel` stops it.
 PreflightedDocument preflightDocument(const QString& path, const PreflightJobOptions& options, const QString& runFolder,
-                                      const ControlCenterWatch& watch, const StatusReport& statusReport);
+                                      app::CancelFlag& cancel, const StatusReport& statusReport);
 
 } // namespace quillon::cli

@@ -39,7 +39,6 @@ QJsonObject infoJson(const inspection::QNDocInfo& info)
         sizes.append(QJsonObject{{QStringLiteral("width"), size.width},
                                  {QStringLiteral("height"), size.height},
                                  {QStringLiteral("pages"), QJsonArray::fromStringList(size.pageNames)}});
-    using namespace preflight;
     return {
         {inspection::kDocInfoDocNameKey, info.docName()},
         {inspection::kDocInfoDocPathKey, info.docPath()},

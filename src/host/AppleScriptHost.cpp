@@ -26,6 +26,31 @@ app::Error scriptError(const QVariantMap& outcome, const QString& about)
     return makeError(scriptBriefErrorMessage(outcome), about);
 }
 
+// The positions of the answer to the document-record script.
+enum RecordItem {
+    kRecordHfsPath,
+    kRecordPosixPath,
+    kRecordFileName,
+    kRecordPageCount,
+    kRecordLinkCount,
+    kRecordVersion
+};
+
+// The answer's texts in their order; a gap leaves the facts after it one place early, as InDesign
+// answered.
+inspection::DocumentRecord documentRecordFromAnswer(const QStringList& items)
+{
+    return {items.value(kRecordHfsPath),   items.value(kRecordPosixPath), items.value(kRecordFileName),
+            items.value(kRecordPageCount), items.value(kRecordLinkCount), items.value(kRecordVersion)};
+}
+
+Status checkRecord(const inspection::DocumentRecord& record)
+{
+    if (record.posixPath.isEmpty() || record.fileName.isEmpty())
+        return makeError(QStringLiteral("The document record is incomplete."));
+    return {};
+}
+
 } // namespace
 
 AppleScriptHost::AppleScriptHost(ScriptRunner& scripts, QString applicationName)
@@ -47,7 +72,7 @@ Status AppleScriptHost::runForStatus(const QString& source, const QString& about
     return {};
 }
 
-Result<QStringList> AppleScriptHost::pathsAndNameOfDocument(const DocumentReference& document)
+Result<inspection::DocumentRecord> AppleScriptHost::pathsAndNameOfDocument(const DocumentReference& document)
 {
     const QVariantMap outcome =
         run(QStringLiteral("tell app \"%1\" \n tell %2 \n set res to {} \n set pathHFS to (full name) as string \n set "
@@ -58,11 +83,11 @@ Result<QStringList> AppleScriptHost::pathsAndNameOfDocument(const DocumentRefere
     if (!scriptSucceeded(outcome))
         return scriptError(outcome, document.name());
     // Items without a text form are left out, as InDesign's answer may hold gaps.
-    QStringList record;
+    QStringList items;
     for (const QVariant& item : outcome.value(kScriptResultKey).toList())
         if (hasStringValue(item))
-            record << descriptorStringValue(item);
-    return record;
+            items << descriptorStringValue(item);
+    return documentRecordFromAnswer(items);
 }
 
 Result<QString> AppleScriptHost::fullNameOfDocument(const DocumentReference& document)
@@ -223,29 +248,27 @@ template <typename T> Result<inspection::Inspected<T>> noPartsSkipped(Result<T> 
 
 } // namespace
 
-Result<inspection::Inspected<QVariantList>> AppleScriptHost::processFonts(const QStringList& record,
+Result<inspection::Inspected<QVariantList>> AppleScriptHost::processFonts(const inspection::DocumentRecord& record,
                                                                           const idml::IdmlDocument* document,
                                                                           const app::CancelFlag* cancel)
 {
     (void)document; // InDesign answers for the open document itself
     (void)cancel;   // and one script cannot be stopped halfway
-    if (record.size() < inspection::kRecordItemCount)
-        return makeError(QStringLiteral("The document record is incomplete."));
-    return noPartsSkipped(processFontsWithScripts(
-        scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath])));
+    if (const Status checked = checkRecord(record); !checked)
+        return checked.error();
+    return noPartsSkipped(processFontsWithScripts(scriptedDocument(record.fileName, record.posixPath)));
 }
 
 Result<inspection::Inspected<inspection::ColorInspection>>
-AppleScriptHost::processColors(const QStringList& record, const idml::IdmlDocument* document,
+AppleScriptHost::processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
                                const QString& registrationInTextFlag, const app::CancelFlag* cancel)
 {
     (void)document;
     (void)cancel;
-    if (record.size() < inspection::kRecordItemCount)
-        return makeError(QStringLiteral("The document record is incomplete."));
-    return noPartsSkipped(processColorsWithScripts(
-        scriptedDocument(record[inspection::kRecordFileName], record[inspection::kRecordPosixPath]),
-        registrationInTextFlag));
+    if (const Status checked = checkRecord(record); !checked)
+        return checked.error();
+    return noPartsSkipped(
+        processColorsWithScripts(scriptedDocument(record.fileName, record.posixPath), registrationInTextFlag));
 }
 
 Result<inspection::Inspected<QString>> AppleScriptHost::paraReport(const QString& docName,

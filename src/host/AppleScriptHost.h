@@ -19,7 +19,7 @@ public:
 
     QString applicationName() const override { return m_applicationName; }
 
-    app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override;
+    app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) override;
     app::Result<QString> fullNameOfDocument(const DocumentReference& document) override;
     app::Status saveDocument(const DocumentReference& document, const QString& path) override;
     app::Result<QString> hostPathFromPath(const QString& posixPath) override;
@@ -37,11 +37,12 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
-    app::Result<inspection::Inspected<QVariantList>>
-    processFonts(const QStringList& record, const idml::IdmlDocument* document, const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
+                                                                  const idml::IdmlDocument* document,
+                                                                  const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<inspection::ColorInspection>>
-    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
-                  const app::CancelFlag* cancel) override;
+    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
+                  const QString& registrationInTextFlag, const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
                                                            const idml::IdmlDocument* document) override;
 

@@ -13,14 +13,10 @@ QString DocumentReference::scriptText() const
     return QStringLiteral("document \"%1\"").arg(app::stringByEscapingCharacters(m_name, {QStringLiteral("\"")}));
 }
 
-app::Result<std::shared_ptr<const idml::IdmlDocument>> InDesignHost::idmlDocument(const QString& idmlPath,
-                                                                                  const app::CancelFlag* cancel)
+std::shared_ptr<const idml::IdmlDocument> InDesignHost::idmlDocument(const QString& idmlPath)
 {
-    app::Result<std::shared_ptr<idml::IdmlDocument>> document =
-        idml::IdmlDocument::open(idmlPath, app::workFolder(), cancel);
-    if (!document)
-        return document.error();
-    return std::shared_ptr<const idml::IdmlDocument>(std::move(*document));
+    (void)idmlPath;
+    return nullptr;
 }
 
 app::Status InDesignHost::showLinkID(const QString& linkId, const QString& docName)

@@ -46,8 +46,8 @@ public:
     // The application every request addresses ("Adobe InDesign 2024").
     virtual QString applicationName() const = 0;
 
-    // The six-string record of the document (an empty list when the host answered with none).
-    virtual app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) = 0;
+    // The record of the document (an empty one when the host answered with nothing).
+    virtual app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) = 0;
     // What went wrong, without failing, while the last record was made (parts of a package that
     // could not be read); none for a host that asks InDesign.
     virtual QList<app::Error> documentWarnings() const { return {}; }
@@ -86,25 +86,23 @@ public:
     // document `docName`.
     virtual app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) = 0;
 
-    // The parts of the preflight's IDML export at `idmlPath`, read once for every stage that needs
-    // them (the link analysis, the document information, the inspections). By default the file
-    // is opened (and repaired in the work folder when damaged); a host that has read the same
-    // document already may hand over what it read. Errors name the file.
-    virtual app::Result<std::shared_ptr<const idml::IdmlDocument>> idmlDocument(const QString& idmlPath,
-                                                                                const app::CancelFlag* cancel);
+    // The parts of the preflight's IDML export at `idmlPath` when this host has read that very
+    // document already (making the record reads every spread and story), so that the preflight
+    // does not read them again; none otherwise, and the preflight opens the export itself.
+    virtual std::shared_ptr<const idml::IdmlDocument> idmlDocument(const QString& idmlPath);
 
     // The font and colour inspections of a preflighted document: the font records, and the
     // colour records with the unused names and the Registration count, of the document of
-    // `record` (the six-string record). `document` is the preflight's IDML export: a host that
-    // reads the IDML uses it, or reads the document itself when it is null. `registrationInTextFlag`
-    // "1" asks for Registration applied to text to be counted. `cancel` stops the reading between
-    // parts. The answer names the parts of the document that could not be read and were skipped.
-    virtual app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record,
+    // `record`. `document` is the preflight's IDML export: a host that reads the IDML uses it, or
+    // reads the document itself when it is null. `registrationInTextFlag` "1" asks for
+    // Registration applied to text to be counted. `cancel` stops the reading between parts. The
+    // answer names the parts of the document that could not be read and were skipped.
+    virtual app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
                                                                           const idml::IdmlDocument* document,
                                                                           const app::CancelFlag* cancel = nullptr) = 0;
     virtual app::Result<inspection::Inspected<inspection::ColorInspection>>
-    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
-                  const app::CancelFlag* cancel = nullptr) = 0;
+    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
+                  const QString& registrationInTextFlag, const app::CancelFlag* cancel = nullptr) = 0;
     // The paragraph-styles report of the open document `docName`, with the parts it skipped;
     // `document`, when given, is its IDML.
     virtual app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,

@@ -36,9 +36,9 @@ QString workFolderOr(const QString& workFolder)
     return workFolder.isEmpty() ? app::workFolder() : workFolder;
 }
 
-Status checkRecord(const QStringList& record)
+Status checkRecord(const inspection::DocumentRecord& record)
 {
-    if (record.size() < inspection::kRecordItemCount)
+    if (record.posixPath.isEmpty())
         return makeError(QStringLiteral("The document record is incomplete."));
     return {};
 }
@@ -51,7 +51,8 @@ QString unavailable(const QString& what)
 
 } // namespace
 
-QStringList idmlDocumentRecord(const IdmlDocument& document, const QString& idmlPath, QList<app::Error>* warnings)
+inspection::DocumentRecord idmlDocumentRecord(const IdmlDocument& document, const QString& idmlPath,
+                                              QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
     const QString version = QString::fromUtf8(document.designmap().document_element().attribute("DOMVersion").value());
@@ -78,11 +79,12 @@ QStringList idmlDocumentRecord(const IdmlDocument& document, const QString& idml
             });
         }
     }
-    return QStringList{QString(""), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
+    return inspection::DocumentRecord{QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
                        version};
 }
 
-Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder, QList<app::Error>* warnings)
+Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder,
+                                                      QList<app::Error>* warnings)
 {
     Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(idmlPath, workFolderOr(workFolder));
     if (!document)
@@ -137,51 +139,45 @@ Result<QString> OfflineIdmlHost::documentPath(const DocumentReference& document)
     return makeError(QStringLiteral("No open document is named \"%1\".").arg(document.name()), document.name());
 }
 
-Result<QStringList> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
+Result<inspection::DocumentRecord> OfflineIdmlHost::pathsAndNameOfDocument(const DocumentReference& document)
 {
     m_recordWarnings.clear();
+    m_lastRead.reset();
     Result<QString> path = documentPath(document);
     if (!path)
         return path.error();
-    // A file changed since (its size or time) is read again.
     const QFileInfo file(*path);
-    if (isLastRecordOf(*path)) {
-        m_recordWarnings = m_lastRecord->warnings;
-        return m_lastRecord->record;
-    }
-    m_lastRecord.reset();
     Result<std::shared_ptr<IdmlDocument>> read = IdmlDocument::open(*path, workFolderOr(m_workFolder));
     if (!read)
         return read.error();
-    const QStringList record = idmlDocumentRecord(**read, *path, &m_recordWarnings);
-    m_lastRecord = ReadRecord{*path, file.size(), file.lastModified(), record, m_recordWarnings, std::move(*read)};
+    inspection::DocumentRecord record = idmlDocumentRecord(**read, *path, &m_recordWarnings);
+    m_lastRead = ReadDocument{*path, file.size(), file.lastModified(), std::move(*read)};
     return record;
 }
 
-bool OfflineIdmlHost::isLastRecordOf(const QString& path) const
+bool OfflineIdmlHost::isLastReadOf(const QString& path) const
 {
     const QFileInfo file(path);
-    return m_lastRecord && m_lastRecord->path == file.absoluteFilePath() && m_lastRecord->size == file.size() &&
-           m_lastRecord->modified == file.lastModified();
+    return m_lastRead && m_lastRead->path == file.absoluteFilePath() && m_lastRead->size == file.size() &&
+           m_lastRead->modified == file.lastModified();
 }
 
 Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::documentAt(const QString& path,
                                                                         const app::CancelFlag* cancel)
 {
-    if (isLastRecordOf(path))
-        return m_lastRecord->document;
+    if (isLastReadOf(path))
+        return m_lastRead->document;
     Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(path, workFolderOr(m_workFolder), cancel);
     if (!document)
         return document.error();
     return std::shared_ptr<const IdmlDocument>(std::move(*document));
 }
 
-Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::idmlDocument(const QString& idmlPath,
-                                                                          const app::CancelFlag* cancel)
+std::shared_ptr<const IdmlDocument> OfflineIdmlHost::idmlDocument(const QString& idmlPath)
 {
-    if (m_lastExport && isSameFile(m_lastExport->copy, idmlPath) && isLastRecordOf(m_lastExport->source))
-        return m_lastRecord->document;
-    return documentAt(idmlPath, cancel);
+    if (m_lastExport && isSameFile(m_lastExport->copy, idmlPath) && isLastReadOf(m_lastExport->source))
+        return m_lastRead->document;
+    return nullptr;
 }
 
 QList<app::Error> OfflineIdmlHost::documentWarnings() const
@@ -309,11 +305,12 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
 }
 
 Result<inspection::Inspected<QVariantList>>
-OfflineIdmlHost::processFonts(const QStringList& record, const IdmlDocument* document, const app::CancelFlag* cancel)
+OfflineIdmlHost::processFonts(const inspection::DocumentRecord& record, const IdmlDocument* document,
+                              const app::CancelFlag* cancel)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    const QString path = record[inspection::kRecordPosixPath];
+    const QString path = record.posixPath;
     if (document)
         return processFontsFromIdml(*document, path, cancel);
     Result<std::shared_ptr<const IdmlDocument>> read = documentAt(path, cancel);
@@ -323,14 +320,14 @@ OfflineIdmlHost::processFonts(const QStringList& record, const IdmlDocument* doc
 }
 
 Result<inspection::Inspected<inspection::ColorInspection>>
-OfflineIdmlHost::processColors(const QStringList& record, const IdmlDocument* document,
+OfflineIdmlHost::processColors(const inspection::DocumentRecord& record, const IdmlDocument* document,
                                const QString& registrationInTextFlag, const app::CancelFlag* cancel)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
     if (document)
         return processColorsFromIdml(*document, registrationInTextFlag, cancel);
-    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record[inspection::kRecordPosixPath], cancel);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record.posixPath, cancel);
     if (!read)
         return read.error();
     return processColorsFromIdml(**read, registrationInTextFlag, cancel);

@@ -23,7 +23,7 @@ public:
 
     QString applicationName() const override;
 
-    app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override;
+    app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) override;
     // The parts the last record left out because they could not be read.
     QList<app::Error> documentWarnings() const override;
     app::Result<QString> fullNameOfDocument(const DocumentReference& document) override;
@@ -44,12 +44,12 @@ public:
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
     // The export of a preflight is a copy of the document: what the record read is handed over.
-    app::Result<std::shared_ptr<const idml::IdmlDocument>> idmlDocument(const QString& idmlPath,
-                                                                        const app::CancelFlag* cancel) override;
+    std::shared_ptr<const idml::IdmlDocument> idmlDocument(const QString& idmlPath) override;
     app::Result<inspection::Inspected<QVariantList>>
-    processFonts(const QStringList& record, const idml::IdmlDocument* document, const app::CancelFlag* cancel) override;
+    processFonts(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
+                 const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<inspection::ColorInspection>>
-    processColors(const QStringList& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
+    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
                   const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
                                                            const idml::IdmlDocument* document) override;
@@ -69,18 +69,17 @@ private:
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;
     QList<app::Error> m_recordWarnings;
-    // The last record read and what it depends on: reading it means inflating and parsing every
-    // spread and story, which the inspections of the same document read again.
-    struct ReadRecord {
+    // What the last record read: making it means inflating and parsing every spread and story, so
+    // the preflight that asked for the record is handed these parts rather than reading them again
+    // (unless the file changed since, by its size or time).
+    struct ReadDocument {
         QString path;
         qint64 size = -1;
         QDateTime modified;
-        QStringList record;
-        QList<app::Error> warnings;
         std::shared_ptr<const idml::IdmlDocument> document;
     };
-    std::optional<ReadRecord> m_lastRecord;
-    bool isLastRecordOf(const QString& path) const;
+    std::optional<ReadDocument> m_lastRead;
+    bool isLastReadOf(const QString& path) const;
     // The last export for preflighting: `copy` holds the document at `source`.
     struct ExportedCopy {
         QString source;
@@ -89,15 +88,15 @@ private:
     std::optional<ExportedCopy> m_lastExport;
 };
 
-// The six-string record of a document from its IDML parts: no HFS path, the path and file name of
+// The record of a document from its IDML parts: no HFS path, the path and file name of
 // `idmlPath`, the pages of the spreads, the links with a file location in master spreads, spreads
 // and stories, the DOM version. Parts that cannot be read are left out of the counts and, with
 // `warnings`, named there.
-QStringList idmlDocumentRecord(const idml::IdmlDocument& document, const QString& idmlPath,
+inspection::DocumentRecord idmlDocumentRecord(const idml::IdmlDocument& document, const QString& idmlPath,
                                QList<app::Error>* warnings = nullptr);
 // The same read from the file (a copy repaired in `workFolder`, the system's work folder when
 // empty, when it is damaged).
-app::Result<QStringList> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
+app::Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
                                             QList<app::Error>* warnings = nullptr);
 
 } // namespace quillon::host

@@ -50,10 +50,9 @@ QNDocInfo QNDocInfo::docInfoWithDocument(const QString& docPath, const QString& 
     return info;
 }
 
-QNDocInfo QNDocInfo::docInfoWithRecord(const QStringList& record, const QLocale& locale)
+QNDocInfo QNDocInfo::docInfoWithRecord(const DocumentRecord& record, const QLocale& locale)
 {
-    return docInfoWithDocument(record.value(kRecordPosixPath), record.value(kRecordPageCount),
-                               record.value(kRecordInDesignVersion), locale);
+    return docInfoWithDocument(record.posixPath, record.pageCount, record.InDesignVersion, locale);
 }
 
 void QNDocInfo::setDates(const QLocale& locale)

@@ -2,6 +2,7 @@
 
 #include "app/Result.h"
 #include "inspection/DocInfoTexts.h"
+#include "inspection/DocumentRecord.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -52,8 +53,8 @@ public:
     // A new document information with the driver's facts, its dates and size read at once.
     static QNDocInfo docInfoWithDocument(const QString& docPath, const QString& numberOfPagesStr,
                                          const QString& InDesignVersion, const QLocale& locale = QLocale());
-    // The same from the six-string document record.
-    static QNDocInfo docInfoWithRecord(const QStringList& record, const QLocale& locale = QLocale());
+    // The same from the host's document record.
+    static QNDocInfo docInfoWithRecord(const DocumentRecord& record, const QLocale& locale = QLocale());
 
     // Reads the units, bleed and slug of the document's IDML ("Resources/Preferences.xml").
     // Without that part the units are "Points" and bleed and slug "-"; when the part is listed but

@@ -1,14 +1,34 @@
 #pragma once
 
+#include <QString>
+#include <QStringList>
+
 namespace quillon::inspection {
 
-// The active-document record: six strings in this order.
-inline constexpr int kRecordHfsPath = 0;
-inline constexpr int kRecordPosixPath = 1;
-inline constexpr int kRecordFileName = 2;
-inline constexpr int kRecordPageCount = 3;
-inline constexpr int kRecordLinkCount = 4;
-inline constexpr int kRecordInDesignVersion = 5;
-inline constexpr int kRecordItemCount = 6;
+// What the host answers about the document to preflight. The counts and the version are kept as
+// the host gave them: they are shown as they stand.
+struct DocumentRecord {
+    QString hfsPath; // empty for a host without HFS paths
+    QString posixPath;
+    QString fileName;
+    QString pageCount;
+    QString linkCount;
+    QString InDesignVersion;
+
+    // The host answered with nothing at all.
+    bool isEmpty() const
+    {
+        return hfsPath.isEmpty() && posixPath.isEmpty() && fileName.isEmpty() && pageCount.isEmpty() &&
+               linkCount.isEmpty() && InDesignVersion.isEmpty();
+    }
+    // The link count as a number (0 when it does not read as one).
+    int numberOfLinks() const { return linkCount.toInt(); }
+    // The six facts in the host's order, for the log.
+    QString logText() const
+    {
+        return QStringList{hfsPath, posixPath, fileName, pageCount, linkCount, InDesignVersion}.join(
+            QStringLiteral(", "));
+    }
+};
 
 } // namespace quillon::inspection

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "preflight/ProgressStage.h"
+
 #include <QString>
 
 #include <optional>
@@ -20,7 +22,7 @@ public:
     virtual std::optional<QueuedDocument> nextDocument() = 0;
 
     // Progress of the batch: every stage of a document but "stop", and increments with status.
-    virtual void setBatchPreflightProgressValueToStage(const QString& stage) = 0;
+    virtual void setBatchPreflightProgressValueToStage(ProgressStage stage) = 0;
     virtual void incrementBatchProgressBy(double amount, const QString& status) = 0;
 
     // A document could not be preflighted: the batch and its packaging stop processing.

@@ -3,23 +3,20 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
-#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "host/AppleEventPermission.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
+#include "preflight/PreflightReporting.h"
 #include "preflight/PreflightResultsSink.h"
-#include "preflight/StoredData.h"
-#include "idml/IdmlDocument.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <exception>
-#include <typeinfo>
+#include <system_error>
 
 using namespace quillon::host;
 
@@ -27,34 +24,9 @@ namespace quillon::preflight {
 
 namespace {
 
-const QString kCannotPreflightTitle = QStringLiteral("Cannot preflight active document");
 const QString kConvertedDocumentMessage =
     QStringLiteral("Quillon cannot preflight new unsaved and [Converted] documents. Please save the document with "
                    "the current version of InDesign.");
-const QString kNoFullName = QStringLiteral("no full name");
-const QString kGatheringStatus = QStringLiteral("Gathering document info...");
-
-// The bar value and the status text of each progress stage; a null text leaves the status as is.
-struct StageLook {
-    const char* name;
-    double value;
-    const char* text;
-};
-constexpr StageLook kStages[] = {
-    {"doc", 0, nullptr},
-    {"links", 4, "Preflighting links..."},
-    {"fonts", 60, "Preflighting fonts..."},
-    {"colors", 80, "Preflighting colors..."},
-    {"end", 100, "Finishing..."},
-    {"stop", 0, ""},
-};
-
-bool removePath(const QFileInfo& item)
-{
-    if (item.isDir() && !item.isSymLink())
-        return QDir(item.absoluteFilePath()).removeRecursively();
-    return QFile::remove(item.absoluteFilePath());
-}
 
 } // namespace
 
@@ -75,29 +47,17 @@ app::Settings QNControlCenter::settings() const
     return m_settingsFile.isEmpty() ? app::Settings() : app::Settings(m_settingsFile);
 }
 
+PreflightSinks QNControlCenter::sinks()
+{
+    return {m_alerts, m_progress, &m_results, m_batch, this};
+}
+
 void QNControlCenter::setDoCancel(bool cancel)
 {
     if (cancel)
         m_doCancel.cancel();
     else
         m_doCancel.reset();
-}
-
-QList<app::Error> QNControlCenter::warnings() const
-{
-    std::lock_guard lock(m_warningsMutex);
-    return m_warnings;
-}
-
-void QNControlCenter::addWarning(const QString& warning)
-{
-    addWarnings({app::makeError(warning)});
-}
-
-void QNControlCenter::addWarnings(const QList<app::Error>& warnings)
-{
-    std::lock_guard lock(m_warningsMutex);
-    addWarningsOnce(m_warnings, warnings);
 }
 
 void QNControlCenter::startup(const host::AppleEventServices* services)
@@ -112,12 +72,7 @@ void QNControlCenter::startup(const host::AppleEventServices* services)
         app::logLine(QStringLiteral("InDesign not found here: %1").arg(defaultPath));
         m_currInDesignPath = m_InDesignVersion;
     }
-    m_currDocPath.clear();
-    m_currDocName.clear();
-    m_numberOfPagesInDoc.clear();
-    m_InDesignVersionNumber.clear();
-    m_numberOfLinksInDoc.clear();
-    m_idmlFolderPath = QStringLiteral("");
+    m_record = {};
     if (services)
         checkAuthorizationToSendAEToApp(m_InDesignVersion, QStringLiteral("Quillon"), *services);
 }
@@ -132,91 +87,46 @@ bool QNControlCenter::preflightActiveDoc(BatchPreflight* batch)
     waitUntilPreflightIsDone(); // the last stage has ended; let its thread go
     m_doCancel.reset();
     m_batch = batch;
-    m_isBatchPreflight = batch != nullptr;
-    m_lastOutcome = Outcome::NotStarted;
-    m_lastExportError = app::Error();
-    {
-        std::lock_guard lock(m_warningsMutex);
-        m_warnings.clear();
-    }
-    m_idmlFolderPath.clear();
+    m_outcome = PreflightOutcome();
 
     clearAllResults();
     deleteTmpDataFiles();
-    const QStringList record = pathsAndNameOfActiveDoc();
-    if (record.isEmpty()) {
-        m_currDocPath.clear();
-        m_currDocName.clear();
-        m_numberOfPagesInDoc.clear();
-        m_InDesignVersionNumber.clear();
-        m_numberOfLinksInDoc.clear();
-        m_lastOutcome = Outcome::NoDocument;
+    app::Result<inspection::DocumentRecord> record = pathsAndNameOfActiveDoc();
+    if (!record) {
+        m_record = {};
         return false;
     }
-    m_activeDocRecord = record;
-    addWarnings(m_host.documentWarnings());
-    if (const std::optional<app::Error> noPages = noPagesWarning(record))
-        addWarnings({*noPages});
-    m_currDocInfo = inspection::QNDocInfo::docInfoWithRecord(record);
-    m_registrationInTextFlag = m_results.registrationInTextFlag();
-    m_progress.setMaximum(100); // the bar appears
-    m_results.showDocument(m_currDocName, m_currDocPath);
-    if (m_isBatchPreflight)
-        m_batch->incrementBatchProgressBy(0.0, kGatheringStatus);
-    else
-        incrementProgressBy(QStringLiteral("4"), kGatheringStatus);
-
-    m_queue = std::make_unique<app::OperationQueue>();
-    const QString docPath = record.value(inspection::kRecordPosixPath);
-    auto exportAndLinks = std::make_shared<app::Operation>(QStringLiteral("createAndParseIDML"), [this, docPath] {
-        if (!doCancel())
-            createAndParseIDMLForInDesignFilePath(docPath);
-    });
+    const PreflightRequest request{
+        m_host,     DocumentReference::active(), m_folders, m_results.judgingInputs(), m_linkFolders, m_linkAnalysis,
+        &m_doCancel};
+    m_running = startPreflight(request, *record, sinks());
     if (doCancel()) {
         app::logLine(QStringLiteral("doCancel"));
-        setProgressValueToStage(QStringLiteral("stop"));
-        m_lastOutcome = Outcome::Cancelled;
+        showProgressStage(ProgressStage::Stop, sinks());
+        m_outcome.ended = PreflightEnding::Cancelled;
+        m_running.reset();
         return false;
     }
-    auto progressStage = [this](const QString& name) {
-        return std::make_shared<app::Operation>(QStringLiteral("stage ") + name, [this, name] {
-            if (!doCancel())
-                setProgressValueToStage(name);
-        });
-    };
-    const std::vector<std::shared_ptr<app::Operation>> operations{
-        exportAndLinks,
-        stage(QStringLiteral("parseDocInfoInIDML"), &QNControlCenter::parseDocInfoInIDML),
-        progressStage(QStringLiteral("links")),
-        progressStage(QStringLiteral("fonts")),
-        stage(QStringLiteral("processFonts"), &QNControlCenter::processFonts),
-        progressStage(QStringLiteral("colors")),
-        stage(QStringLiteral("processColors"), &QNControlCenter::processColors),
-        progressStage(QStringLiteral("end")),
-        std::make_shared<app::Operation>(QStringLiteral("populatePreflightResults"),
-                                         [this] {
-                                             populatePreflightResults();
-                                             m_isPreflighting = false;
-                                         }),
-    };
-    std::vector<app::Operation*> order;
-    for (const auto& operation : operations)
-        order.push_back(operation.get());
-    app::setOrderOfOperations(order);
     m_isPreflighting = true;
-    m_queue->addOperations(operations);
+    auto run = [this] {
+        m_outcome = runPreflightStages(*m_running);
+        m_isPreflighting = false;
+    };
+    try {
+        m_worker = std::async(std::launch::async, run);
+    } catch (const std::system_error& error) {
+        // No thread to be had: the stages run here, and the caller waits for them.
+        app::logFailure(QStringLiteral("start the preflight's thread: %1").arg(QString::fromLocal8Bit(error.what())));
+        run();
+    }
     return true;
-}
-
-std::shared_ptr<app::Operation> QNControlCenter::stage(const QString& name, void (QNControlCenter::*step)())
-{
-    return std::make_shared<app::Operation>(name, [this, step] { (this->*step)(); });
 }
 
 void QNControlCenter::waitUntilPreflightIsDone()
 {
-    if (m_queue)
-        m_queue->waitUntilAllOperationsAreFinished();
+    if (m_worker.valid())
+        m_worker.get();
+    m_running.reset();
 }
 
 void QNControlCenter::clearAllResults()
@@ -232,40 +142,24 @@ void QNControlCenter::deleteTmpDataFiles()
     m_dataFilesWereDeleted = true;
 }
 
-QStringList QNControlCenter::pathsAndNameOfActiveDoc()
+app::Result<inspection::DocumentRecord> QNControlCenter::pathsAndNameOfActiveDoc()
 {
     app::logEntry("pathsAndNameOfActiveDoc");
     DocumentReference document = DocumentReference::active();
-    if (m_isBatchPreflight) {
+    if (m_batch) {
         const std::optional<BatchPreflight::QueuedDocument> next = m_batch->nextDocument();
         if (!next) {
             app::logFailure(QStringLiteral("get the next document of the batch"));
-            return {};
+            return app::makeError(QStringLiteral("The batch has no document left to preflight."));
         }
         document = DocumentReference::named(next->name);
         if (!checkIfConvertedAndResaveIfNeededDocWithNameRef(document, next->path))
-            return {};
+            return app::makeError(QStringLiteral("The document cannot be preflighted."), next->path);
     }
-
-    const app::Result<QStringList> record = m_host.pathsAndNameOfDocument(document);
-    if (!record) {
-        const QString brief = record.error().message;
-        app::logLine(QStringLiteral("briefErr: %1").arg(brief));
-        const QString message = brief.contains(kNoFullName) ? kConvertedDocumentMessage : brief;
-        app::runAlert(m_alerts, kCannotPreflightTitle, app::withSupportContact(message), std::nullopt, true);
-        return {};
-    }
-    if (record->isEmpty()) {
-        app::runAlert(m_alerts, kCannotPreflightTitle, QString(), std::nullopt, true);
-        return {};
-    }
-    m_currDocPath = record->value(inspection::kRecordPosixPath);
-    m_currDocName = record->value(inspection::kRecordFileName);
-    m_numberOfPagesInDoc = record->value(inspection::kRecordPageCount);
-    m_numberOfLinksInDoc = record->value(inspection::kRecordLinkCount);
-    m_InDesignVersionNumber = record->value(inspection::kRecordInDesignVersion);
-    app::logLine(QStringLiteral("hfsPathPOSIXPathName: %1").arg(record->join(QStringLiteral(", "))));
-    return *record;
+    app::Result<inspection::DocumentRecord> record = askDocumentRecord(m_host, document, m_alerts);
+    if (record)
+        m_record = *record;
+    return record;
 }
 
 bool QNControlCenter::checkIfConvertedAndResaveIfNeededDocWithNameRef(const DocumentReference& document,
@@ -285,7 +179,7 @@ bool QNControlCenter::checkIfConvertedAndResaveIfNeededDocWithNameRef(const Docu
                       app::withSupportContact(saved.error().message), stop, true);
     } else {
         const QString message =
-            brief.contains(kNoFullName)
+            brief.contains(QLatin1String("no full name"))
                 ? kConvertedDocumentMessage +
                       QStringLiteral("\n\nYou can also check the option \"Save files in current InDesign version, if "
                                      "needed\" to do this automatically.")
@@ -299,187 +193,31 @@ bool QNControlCenter::checkIfConvertedAndResaveIfNeededDocWithNameRef(const Docu
     return false;
 }
 
-bool QNControlCenter::createAndParseIDMLForInDesignFilePath(const QString& path)
-{
-    app::logEntry("createAndParseIDML");
-    app::logLine(QStringLiteral("----> start idml creator"));
-    QNIDMLCreator creator(m_host, m_alerts, this);
-    creator.setWorkFolder(m_folders.workFolder);
-    creator.setCancelFlag(&m_doCancel);
-    m_idmlFolderPath = creator.processInDesignFileAtPath(path);
-    app::logLine(QStringLiteral("idmlFolderPath: %1").arg(m_idmlFolderPath));
-    app::logLine(QStringLiteral("----> end idml creator"));
-    if (m_idmlFolderPath.isEmpty()) {
-        m_lastExportError = creator.lastError();
-        setDoCancel(true);
-        return false;
-    }
-    if (creator.lastUnpackWasRepaired())
-        addWarnings({repairedArchiveWarning()});
-
-    setProgressValueToStage(QStringLiteral("links"));
-    QString failure;
-    try {
-        LinkAnalysisOutcome outcome =
-            m_linkAnalysis({m_idmlFolderPath, path, m_numberOfLinksInDoc.toInt(), m_linkFolders, m_isBatchPreflight,
-                            &m_progress, &m_doCancel, &m_alerts});
-        m_currDocInfo.setDocPageSizes(outcome.pageSizes);
-        m_linkData = std::move(outcome.linkData);
-        addWarnings(outcome.warnings);
-        if (!m_linkData.isEmpty()) {
-            app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
-            const QString file = QDir(m_folders.dataFolder).filePath(app::kLinkDataFileName);
-            // Only read while the file is written: the stages that run meanwhile do not touch it.
-            m_linkDataWritten =
-                std::async(std::launch::async, [this, file] { return app::writePropertyListFile(m_linkData, file); });
-        }
-        if (!outcome.foundLinks)
-            app::logLine(QStringLiteral("no links"));
-        return outcome.foundLinks;
-    } catch (const std::exception& exception) {
-        failure = QString::fromLocal8Bit(exception.what());
-        app::logException(QStringLiteral("exception type: %1").arg(QString::fromLatin1(typeid(exception).name())));
-    } catch (...) {
-        failure = QStringLiteral("an exception of unknown type");
-    }
-    app::logException(QStringLiteral("exception 398: %1").arg(failure));
-    app::runAlertOnMainThread(
-        m_alerts, this, QStringLiteral("Error preflighting links"),
-        app::withSupportContact(QStringLiteral("Unexpected error occurred when preflighting links:\n\n%1\n\nPlease "
-                                               "report this error and we'll address it promptly: ")
-                                    .arg(failure)),
-        std::nullopt, true);
-    return false;
-}
-
-void QNControlCenter::parseDocInfoInIDML()
-{
-    if (doCancel() || m_idmlFolderPath.isEmpty())
-        return;
-    const auto document = idml::IdmlDocument::fromFolder(m_idmlFolderPath);
-    if (!document)
-        addWarnings({document.error()});
-    else if (const app::Status read = m_currDocInfo.parseDocInfoInDocument(**document); !read)
-        addWarnings({read.error()});
-}
-
-void QNControlCenter::processFonts()
-{
-    if (doCancel())
-        return;
-    const auto inspected = m_host.processFonts(m_activeDocRecord, nullptr, &m_doCancel);
-    if (!inspected) {
-        app::logFailure(QStringLiteral("processFonts: %1").arg(inspected.error().text()));
-        addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(inspected.error().text()));
-        return;
-    }
-    addWarnings(inspected->skipped);
-    if (const app::Status written = writeFontDataFile(m_folders.dataFolder, m_currDocPath, inspected->found); !written)
-        addWarning(QStringLiteral("The fonts could not be inspected: %1").arg(written.error().text()));
-}
-
-void QNControlCenter::processColors()
-{
-    if (doCancel())
-        return;
-    const auto inspected = m_host.processColors(m_activeDocRecord, nullptr, m_registrationInTextFlag, &m_doCancel);
-    if (!inspected) {
-        app::logFailure(QStringLiteral("processColors: %1").arg(inspected.error().text()));
-        addWarning(QStringLiteral("The colors could not be inspected: %1").arg(inspected.error().text()));
-        return;
-    }
-    addWarnings(inspected->skipped);
-    if (const app::Status written = writeColorDataFile(m_folders.dataFolder, m_currDocPath, inspected->found);
-        !written)
-        addWarning(QStringLiteral("The colors could not be inspected: %1").arg(written.error().text()));
-}
-
-void QNControlCenter::finishLinkDataFile()
-{
-    if (!m_linkDataWritten.valid())
-        return;
-    const app::Status written = m_linkDataWritten.get();
-    if (!written) {
-        app::logFailure(QStringLiteral("write the link data: %1").arg(written.error().text()));
-        addWarning(QStringLiteral("The link data could not be written: %1").arg(written.error().text()));
-    }
-}
-
-void QNControlCenter::populatePreflightResults()
-{
-    app::logEntry("populatePreflightResults");
-    finishLinkDataFile();
-    QVariantMap linkData = std::exchange(m_linkData, {});
-    if (doCancel()) {
-        setProgressValueToStage(QStringLiteral("stop"));
-        m_lastOutcome = Outcome::Cancelled;
-        return;
-    }
-    m_results.setItems(m_folders.dataFolder, std::move(linkData));
-    setProgressValueToStage(QStringLiteral("stop"));
-    populateSummaryAndDocInfo();
-    clearTmpQuillonFolder();
-    m_lastOutcome = Outcome::Completed;
-    if (m_isBatchPreflight)
-        m_batch->preflightIsDoneForDocAtPath(m_currDocPath);
-}
-
 void QNControlCenter::populateSummaryAndDocInfo()
 {
-    m_results.populateSummaryAndDocInfo(m_currDocInfo);
+    m_results.populateSummaryAndDocInfo(m_outcome.docInfo);
 }
 
 void QNControlCenter::populatePreflightResultsForSelectedDocFromBatch()
 {
-    m_results.setItems(m_folders.dataFolder);
+    m_results.setItemsFromDataFiles(m_folders.dataFolder);
     populateSummaryAndDocInfo();
 }
 
 void QNControlCenter::clearTmpQuillonFolder()
 {
-    app::logEntry("clearTmpQuillonFolder");
-    const QDir work(m_folders.workFolder);
-    QFileInfoList items;
-    if (QDir::cleanPath(m_folders.workFolder) != QDir::cleanPath(m_folders.dataFolder)) {
-        items = work.entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
-    } else {
-        // No folder of its own could be made: only this run's files go, never the data files or
-        // anything else that shares the folder.
-        for (const QString& path :
-             {m_idmlFolderPath, QNIDMLCreator::idmlPathForDocument(m_currDocPath, m_folders.workFolder)})
-            if (!path.isEmpty() && QFileInfo::exists(path))
-                items << QFileInfo(path);
-    }
-    if (items.isEmpty())
-        app::logFailure(QStringLiteral("get tmp dir contents: %1").arg(m_folders.workFolder));
-    for (const QFileInfo& item : items)
-        if (!removePath(item))
-            app::logFailure(QStringLiteral("delete tmp file: %1").arg(item.absoluteFilePath()));
+    preflight::clearTmpQuillonFolder(m_folders,
+                                     {QNIDMLCreator::idmlPathForDocument(m_record.posixPath, m_folders.workFolder)});
 }
 
-void QNControlCenter::setProgressValueToStage(const QString& stage)
+void QNControlCenter::setProgressValueToStage(ProgressStage stage)
 {
-    if (m_isBatchPreflight) {
-        if (!stage.contains(QLatin1String("stop")))
-            m_batch->setBatchPreflightProgressValueToStage(stage);
-        return;
-    }
-    for (const StageLook& look : kStages) {
-        if (stage != QLatin1String(look.name))
-            continue;
-        m_progress.stage(stage, look.text ? QString::fromUtf8(look.text) : QString());
-        m_progress.setValue(look.value);
-        if (stage == QLatin1String("stop"))
-            m_progress.finished();
-        return;
-    }
-    app::logError(QStringLiteral("unknown progress stage: %1").arg(stage));
+    showProgressStage(stage, sinks());
 }
 
-void QNControlCenter::incrementProgressBy(const QString& amount, const QString& status)
+void QNControlCenter::incrementProgressBy(double amount, const QString& status)
 {
-    m_progress.status(status);
-    m_progress.increment(amount.toDouble());
+    incrementProgress(amount, status, sinks());
 }
 
 void QNControlCenter::indeterminateProgressWithStatus(const QString& status)
@@ -496,11 +234,11 @@ void QNControlCenter::presetsPopup(const QString& title)
 void QNControlCenter::packageWithInDesign()
 {
     app::logUserAction("packageWithInDesign");
-    if (m_currDocPath.isEmpty()) {
+    if (m_record.posixPath.isEmpty()) {
         app::runAlert(m_alerts, QStringLiteral("Please preflight a file first"), QString(), std::nullopt, false);
         return;
     }
-    if (const app::Status opened = m_host.activateAndOpenDocument(m_currDocPath); !opened)
+    if (const app::Status opened = m_host.activateAndOpenDocument(m_record.posixPath); !opened)
         app::runAlertOnMainThread(m_alerts, this, QStringLiteral("Cannot open document"),
                                   app::withSupportContact(opened.error().message), std::nullopt, true);
     if (const app::Status packaged = m_host.invokePackageCommand(); !packaged) {
@@ -513,25 +251,25 @@ void QNControlCenter::packageWithInDesign()
 app::Result<QString> QNControlCenter::createTextReport(const QString& targetFolder)
 {
     app::logUserAction("createTextReport");
-    if (targetFolder.isEmpty() && m_currDocName.isEmpty()) {
+    if (targetFolder.isEmpty() && m_record.fileName.isEmpty()) {
         app::logLine(QStringLiteral("no preflighted document: beep"));
         return app::makeError(QStringLiteral("Please preflight a file first"));
     }
     const QString paraStylesReport =
         settings().boolForKey(QStringLiteral("printParas"), false) ? createParaStylesReport() : QString();
     app::logLine(QStringLiteral("paraReport: %1").arg(paraStylesReport));
-    return m_results.createTextReport(targetFolder, paraStylesReport, m_currDocInfo);
+    return m_results.createTextReport(targetFolder, paraStylesReport, m_outcome.docInfo);
 }
 
 QString QNControlCenter::createParaStylesReport()
 {
     app::logEntry("createParaStylesReport");
-    const auto report = m_host.paraReport(m_currDocName);
+    const auto report = m_host.paraReport(m_record.fileName);
     if (!report) {
         app::logFailure(QStringLiteral("make the paragraph-styles report: %1").arg(report.error().text()));
         return {};
     }
-    addWarnings(report->skipped);
+    addWarningsOnce(m_outcome.warnings, report->skipped);
     return report->found;
 }
 

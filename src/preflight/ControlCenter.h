@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/Operations.h"
 #include "app/Progress.h"
 #include "app/Result.h"
-#include "inspection/DocInfo.h"
 #include "host/InDesignHost.h"
 #include "preflight/LinkAnalysis.h"
+#include "preflight/Preflight.h"
 #include "preflight/PreflightFolders.h"
+#include "preflight/ProgressStage.h"
 
 #include <QObject>
 #include <QString>
@@ -15,7 +15,6 @@
 #include <atomic>
 #include <future>
 #include <memory>
-#include <mutex>
 
 namespace quillon::app {
 class AlertSink;
@@ -31,19 +30,14 @@ namespace quillon::preflight {
 class BatchPreflight;
 class PreflightResultsSink;
 
-// Runs one preflight of one document at a time: asks the host for the active document (or the
-// next one of a batch), then, on a worker thread of its own, has it exported as IDML and
-// unpacked, its links analysed, its document information read, its fonts and colours inspected,
-// and finally has the results sink load the data files those steps leave in the data folder.
+// The desktop's driver of preflights, one document at a time: asks the host for the active
+// document (or the next one of a batch), then runs the preflight's stages on a worker thread of
+// its own and keeps their outcome. The results sink gets the outcome at the end; alerts and
+// progress go to their sinks, never to the user interface directly.
 //
-// The nine stages run strictly one after another. Cancelling is a flag: a stage that finds it set
-// ends its work, and the later stages still run (the last one then loads nothing and keeps the
-// work folder). Alerts go to the alert sink, progress to the progress sink; the stages never
-// touch the user interface themselves.
-//
-// Public methods are called from one thread (the main thread of the desktop application); the
-// stages run on the worker. The document strings describe the last document the host answered
-// for and are not to be read while a preflight runs.
+// Public methods are called from one thread (the main thread of the desktop application). The
+// document facts describe the last document the host answered for and are not to be read while
+// a preflight runs.
 class QNControlCenter : public QObject {
     Q_OBJECT
     // Where main-thread alerts of the stages leave their answer.
@@ -63,33 +57,27 @@ public:
     void setLinkAnalysis(LinkAnalysis analysis) { m_linkAnalysis = std::move(analysis); }
 
     // At launch: the InDesign to talk to is the host's; its path when installed in the usual
-    // place; empty document strings. With `services`, checks that Apple events may be sent to it.
+    // place; empty document facts. With `services`, checks that Apple events may be sent to it.
     void startup(const host::AppleEventServices* services = nullptr);
 
     // Starts a preflight of the active document, or with `batch` of the batch's next document,
-    // and returns at once; true when the stages were queued. Nothing is queued when another
+    // and returns at once; true when the stages were started. Nothing starts when another
     // preflight still runs, when the host names no document (after its alert) or when cancelled
-    // before the stages were made.
+    // before the stages.
     bool preflightActiveDoc(BatchPreflight* batch = nullptr);
     // Blocks until the stages of the running preflight have ended (at once when none runs).
     void waitUntilPreflightIsDone();
     bool isPreflighting() const { return m_isPreflighting; }
 
-    // The cancel flag, set from any thread (and by the IDML stage when the export failed).
+    // The cancel flag, set from any thread (and by the export stage when the export failed).
     bool doCancel() const { return m_doCancel.isCancelled(); }
     void setDoCancel(bool cancel);
 
-    // The stages and the steps of a preflight, in the order they run.
     void clearAllResults();
     void deleteTmpDataFiles();
-    // The six-string record of the document to preflight, or empty after an alert.
-    QStringList pathsAndNameOfActiveDoc();
+    // The record of the document to preflight, or the error after its alert.
+    app::Result<inspection::DocumentRecord> pathsAndNameOfActiveDoc();
     bool checkIfConvertedAndResaveIfNeededDocWithNameRef(const host::DocumentReference& document, const QString& path);
-    bool createAndParseIDMLForInDesignFilePath(const QString& path);
-    void parseDocInfoInIDML();
-    void processFonts();
-    void processColors();
-    void populatePreflightResults();
     void populateSummaryAndDocInfo();
     // The results of a batch document whose stored data the batch controller has written back
     // into the data files.
@@ -97,12 +85,10 @@ public:
     // Empties the work folder (hidden files stay); failures are logged and skipped.
     void clearTmpQuillonFolder();
 
-    // Progress: a named stage ("doc", "links", "fonts", "colors", "end", "stop") sets the bar's
-    // value and status text ("stop" also ends the bar); an increment is given as text ("4") with a
-    // status; a bar without an end is a maximum of 0. The bar appears as a maximum of 100 when a
-    // preflight's stages are about to be queued.
-    void setProgressValueToStage(const QString& stage);
-    void incrementProgressBy(const QString& amount, const QString& status);
+    // Progress outside the stages: a stage's bar value and status text, an increment with a
+    // status, a bar without an end.
+    void setProgressValueToStage(ProgressStage stage);
+    void incrementProgressBy(double amount, const QString& status);
     void indeterminateProgressWithStatus(const QString& status);
 
     // The user chose another checkup preset.
@@ -110,9 +96,9 @@ public:
 
     // Commands on the last preflighted document.
     void packageWithInDesign();
-    // Writes the text report into `targetFolder` (the package pipeline, the command line); with
-    // an empty folder the results sink asks the user where, and nothing happens before a
-    // preflight. Gives the report's path.
+    // Writes the text report into `targetFolder` (the package pipeline); with an empty folder
+    // the results sink asks the user where, and nothing happens before a preflight. Gives the
+    // report's path.
     app::Result<QString> createTextReport(const QString& targetFolder);
     // The paragraph-styles report of the document, or "" when the host cannot make it.
     QString createParaStylesReport();
@@ -120,49 +106,29 @@ public:
     // The facts of the last preflight.
     const QString& InDesignVersion() const { return m_InDesignVersion; }
     const QString& currInDesignPath() const { return m_currInDesignPath; }
-    const QString& currDocPath() const { return m_currDocPath; }
-    const QString& currDocName() const { return m_currDocName; }
-    const QString& numberOfPagesInDoc() const { return m_numberOfPagesInDoc; }
-    const QString& numberOfLinksInDoc() const { return m_numberOfLinksInDoc; }
-    const QString& InDesignVersionNumber() const { return m_InDesignVersionNumber; }
-    const QString& idmlFolderPath() const { return m_idmlFolderPath; }
-    const inspection::QNDocInfo& currDocInfo() const { return m_currDocInfo; }
-    bool isBatchPreflight() const { return m_isBatchPreflight; }
+    const QString& currDocPath() const { return m_record.posixPath; }
+    const QString& currDocName() const { return m_record.fileName; }
+    const QString& numberOfPagesInDoc() const { return m_record.pageCount; }
+    const QString& numberOfLinksInDoc() const { return m_record.linkCount; }
+    const QString& InDesignVersionNumber() const { return m_record.InDesignVersion; }
+    const inspection::QNDocInfo& currDocInfo() const { return m_outcome.docInfo; }
+    bool isBatchPreflight() const { return m_batch != nullptr; }
     bool dataFilesWereDeleted() const { return m_dataFilesWereDeleted; }
     const PreflightFolders& folders() const { return m_folders; }
+    // What the last preflight found and how it ended.
+    const PreflightOutcome& outcome() const { return m_outcome; }
 
     // The batch document-information box switches between the stored results of a batch.
-    void setCurrDocInfo(const inspection::QNDocInfo& info) { m_currDocInfo = info; }
-    void setCurrDocPath(const QString& path) { m_currDocPath = path; }
-    void setCurrDocName(const QString& name) { m_currDocName = name; }
-    void setIsBatchPreflight(bool batch) { m_isBatchPreflight = batch; }
+    void setCurrDocInfo(const inspection::QNDocInfo& info) { m_outcome.docInfo = info; }
+    void setCurrDocPath(const QString& path) { m_record.posixPath = path; }
+    void setCurrDocName(const QString& name) { m_record.fileName = name; }
 
     int lastAlertButtonReturn() const { return m_lastAlertButtonReturn; }
     void setLastAlertButtonReturn(int answer) { m_lastAlertButtonReturn = answer; }
 
-    // How the last preflight ended, for callers that report in words (the command line).
-    enum class Outcome {
-        NotStarted, // no preflight yet, or one is running
-        NoDocument, // the host named no document
-        Cancelled,  // the flag was set (by the user, or because the export failed)
-        Completed,  // the results were loaded
-    };
-    Outcome lastOutcome() const { return m_lastOutcome; }
-    // Why the export or unpacking failed (empty otherwise): the message names the document.
-    const app::Error& lastExportError() const { return m_lastExportError; }
-    // What failed without stopping the preflight (a part that could not be read, an inspection, a
-    // data file, a repaired archive, a document without pages), each once, in the order met. A
-    // preflight with warnings is not a clean one.
-    QList<app::Error> warnings() const;
-
 private:
     app::Settings settings() const;
-    void addWarning(const QString& warning);
-    void addWarnings(const QList<app::Error>& warnings);
-    // Waits for the link data file written in the background; its failure is a warning.
-    void finishLinkDataFile();
-    void showStage(const QString& stage);
-    std::shared_ptr<app::Operation> stage(const QString& name, void (QNControlCenter::*step)());
+    PreflightSinks sinks();
 
     host::InDesignHost& m_host;
     app::AlertSink& m_alerts;
@@ -177,29 +143,13 @@ private:
     QString m_InDesignVersion;
     QString m_currInDesignPath;
     app::CancelFlag m_doCancel;
-    bool m_isBatchPreflight = false;
     bool m_dataFilesWereDeleted = false;
     std::atomic<int> m_lastAlertButtonReturn{0};
-    QStringList m_activeDocRecord;
-    QString m_currDocPath;
-    QString m_currDocName;
-    QString m_numberOfPagesInDoc;
-    QString m_InDesignVersionNumber;
-    QString m_numberOfLinksInDoc;
-    QString m_idmlFolderPath;
-    inspection::QNDocInfo m_currDocInfo;
-    QString m_registrationInTextFlag;
-    // The link analysis' records, written to their data file while the fonts and colours are
-    // inspected, and handed to the results sink.
-    QVariantMap m_linkData;
-    std::future<app::Status> m_linkDataWritten;
-
-    std::unique_ptr<app::OperationQueue> m_queue;
+    inspection::DocumentRecord m_record;
+    PreflightOutcome m_outcome;
+    PreflightRun m_running;
+    std::future<void> m_worker;
     std::atomic<bool> m_isPreflighting{false};
-    Outcome m_lastOutcome = Outcome::NotStarted;
-    app::Error m_lastExportError;
-    mutable std::mutex m_warningsMutex;
-    QList<app::Error> m_warnings;
 };
 
 } // namespace quillon::preflight

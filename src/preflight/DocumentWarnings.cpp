@@ -14,9 +14,9 @@ app::Error repairedArchiveWarning()
                                          "repaired with zip -FF: parts of the document may be missing"));
 }
 
-std::optional<app::Error> noPagesWarning(const QStringList& record)
+std::optional<app::Error> noPagesWarning(const inspection::DocumentRecord& record)
 {
-    if (record.value(inspection::kRecordPageCount).trimmed() != QLatin1String("0"))
+    if (record.pageCount.trimmed() != QLatin1String("0"))
         return std::nullopt;
     return app::makeError(QStringLiteral("the document has no pages"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Result.h"
+#include "inspection/DocumentRecord.h"
 
 #include <QList>
 #include <QStringList>
@@ -15,8 +16,8 @@ namespace quillon::preflight {
 // The archive could not be read as it was and was read from a copy the zip tool repaired.
 app::Error repairedArchiveWarning();
 
-// A document record (the six strings) whose page count is 0.
-std::optional<app::Error> noPagesWarning(const QStringList& record);
+// A document record whose page count is 0.
+std::optional<app::Error> noPagesWarning(const inspection::DocumentRecord& record);
 
 // Adds the warnings of `more` that `warnings` does not hold yet (several readers meet the same
 // broken part), in their order.

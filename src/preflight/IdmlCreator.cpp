@@ -1,13 +1,13 @@
 #include "preflight/IdmlCreator.h"
 
-#include "app/Alerts.h"
+#include "idml/IdmlDocument.h"
+
 #include "app/AppPaths.h"
-#include "app/Company.h"
 #include "app/Log.h"
 #include "app/Numbers.h"
 #include "app/Strings.h"
-#include "idml/IdmlPackage.h"
 #include "host/InDesignHost.h"
+#include "idml/IdmlPackage.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -23,17 +23,7 @@ constexpr qsizetype kMaxFolderNameLength = 243;
 
 } // namespace
 
-QNIDMLCreator::QNIDMLCreator(host::InDesignHost& host, app::AlertSink& alerts, QObject* alertReceiver)
-    : m_host(host), m_alerts(alerts), m_alertReceiver(alertReceiver), m_zipTool(defaultZipTool())
-{
-}
-
-QString QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(const QString& path, host::InDesignHost& host,
-                                                              app::AlertSink& alerts, QObject* alertReceiver)
-{
-    QNIDMLCreator creator(host, alerts, alertReceiver);
-    return creator.processInDesignFileAtPath(path);
-}
+QNIDMLCreator::QNIDMLCreator(host::InDesignHost& host) : m_host(host), m_zipTool(defaultZipTool()) {}
 
 QString QNIDMLCreator::idmlPathForDocument(const QString& documentPath, const QString& workFolder)
 {
@@ -59,7 +49,7 @@ QString QNIDMLCreator::idmlContentsFolderPathForIDMLPath(const QString& idmlPath
     return idml.dir().filePath(name);
 }
 
-QString QNIDMLCreator::processInDesignFileAtPath(const QString& path)
+app::Result<UnpackedDocument> QNIDMLCreator::processInDesignFileAtPath(const QString& path, UnpackStep* failedStep)
 {
     m_documentPath = path;
     const QString idmlPath = idmlPathForDocument(path, m_workFolder.isEmpty() ? app::workFolder() : m_workFolder);
@@ -71,70 +61,76 @@ QString QNIDMLCreator::processInDesignFileAtPath(const QString& path)
         app::logFailure(QStringLiteral("get HFS path: %1").arg(idmlPath));
     app::logLine(QStringLiteral("idmlPathForAS: %1").arg(pathForScript));
 
-    if (!exportDoc1ToIDMLAtPath(pathForScript, idmlPath, QFileInfo(path).fileName()))
-        return {};
-    return unzipIDMLAtPath(idmlPath);
+    if (const app::Status exported = exportDoc1ToIDMLAtPath(pathForScript, idmlPath, QFileInfo(path).fileName());
+        !exported) {
+        if (failedStep)
+            *failedStep = UnpackStep::Export;
+        return exported.error();
+    }
+    return unzipIDMLAtPath(idmlPath, failedStep);
 }
 
-bool QNIDMLCreator::exportDoc1ToIDMLAtPath(const QString& idmlPathForScript, const QString& idmlPathPOSIX,
-                                           const QString& inddFileName)
+app::Status QNIDMLCreator::exportDoc1ToIDMLAtPath(const QString& idmlPathForScript, const QString& idmlPathPOSIX,
+                                                  const QString& inddFileName)
 {
     app::logLine(QStringLiteral("> exportDoc1ToIDMLAtPath: %1").arg(idmlPathForScript));
     const app::Status exported = m_host.exportDocumentForPreflight(inddFileName, idmlPathForScript, idmlPathPOSIX);
     if (exported) {
         app::logLine(QStringLiteral("-->> idml created"));
-        return true;
+        return {};
     }
-    const QString brief = exported.error().message;
-    app::logFailure(QStringLiteral("export IDML: %1").arg(brief));
-    m_lastError = exported.error();
-    if (m_lastError.file.isEmpty())
-        m_lastError.file = m_documentPath.isEmpty() ? inddFileName : m_documentPath;
-    const bool dialogOpen = brief.contains(QLatin1String("modal dialog or alert is active"));
-    app::runAlertOnMainThread(
-        m_alerts, m_alertReceiver, dialogOpen ? kDialogOpenAlertTitle : kCannotPreflightAlertTitle,
-        app::withSupportContact(dialogOpen ? QStringLiteral("Please dismiss the dialog in InDesign before preflighting")
-                                           : brief),
-        std::nullopt, true);
-    return false;
+    app::Error error = exported.error();
+    app::logFailure(QStringLiteral("export IDML: %1").arg(error.message));
+    if (error.file.isEmpty())
+        error.file = m_documentPath.isEmpty() ? inddFileName : m_documentPath;
+    return error;
 }
 
-QString QNIDMLCreator::fail(const QString& title, const app::Error& error)
-{
-    m_lastError = error;
-    app::logFailure(QStringLiteral("unpack IDML: %1").arg(error.text()));
-    app::runAlert(m_alerts, title, error.text(), std::nullopt, true);
-    return {};
-}
-
-QString QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath)
+app::Result<UnpackedDocument> QNIDMLCreator::unzipIDMLAtPath(const QString& idmlPath, UnpackStep* failedStep)
 {
     app::logLine(QStringLiteral("> unzipIDMLAtPath: %1").arg(idmlPath));
-    m_repaired = false;
+    auto fail = [failedStep](UnpackStep step, const app::Error& error) {
+        app::logFailure(QStringLiteral("unpack IDML: %1").arg(error.text()));
+        if (failedStep)
+            *failedStep = step;
+        return error;
+    };
     // Errors name the document the user gave, not the copy in the work folder.
     const QString named = m_documentPath.isEmpty() ? idmlPath : m_documentPath;
     if (!QFileInfo(idmlPath).isFile())
-        return fail(kCannotPreflightAlertTitle,
+        return fail(UnpackStep::Unpack,
                     app::makeError(QStringLiteral("the export left no IDML file at %1").arg(idmlPath), named));
+
+    // A host that has read this very export already hands its parts over.
+    if (std::shared_ptr<const IdmlDocument> read = m_host.idmlDocument(idmlPath)) {
+        UnpackedDocument document;
+        document.idmlPath = idmlPath;
+        document.repaired = read->wasRepaired();
+        document.parts = std::move(read);
+        return document;
+    }
 
     ArchiveRepair repair;
     repair.repairedPath = repairedArchivePathForIDMLPath(idmlPath);
     repair.reportedName = named;
     repair.zipTool = m_zipTool;
     repair.cancel = m_cancel;
-    app::Result<IdmlArchive> archive = openArchiveRepairingIt(idmlPath, repair, &m_repaired);
+    UnpackedDocument document;
+    document.idmlPath = idmlPath;
+    app::Result<IdmlArchive> archive = openArchiveRepairingIt(idmlPath, repair, &document.repaired);
     if (!archive)
-        return fail(kCannotRepairAlertTitle, archive.error());
+        return fail(UnpackStep::Repair, archive.error());
     if (const app::Status whole = checkIdmlStructure(*archive); !whole)
-        return fail(kCannotPreflightAlertTitle, whole.error());
+        return fail(UnpackStep::Unpack, whole.error());
 
-    const QString folder = idmlContentsFolderPathForIDMLPath(idmlPath);
-    if (const app::Status unpacked = archive->extractTo(folder, m_limits); !unpacked) {
-        QDir(folder).removeRecursively(); // a half-unpacked folder is of no use to anyone
-        return fail(kCannotPreflightAlertTitle, unpacked.error());
-    }
-    app::logLine(QStringLiteral("idmlContentsFolderPath: %1").arg(folder));
-    return folder;
+    // The parts are read from the archive in memory, each parsed once for every stage.
+    if (const app::Status safe = archive->checkEntriesAreSafe(m_limits); !safe)
+        return fail(UnpackStep::Unpack, safe.error());
+    app::Result<std::shared_ptr<IdmlDocument>> parts = IdmlDocument::fromArchive(std::move(*archive));
+    if (!parts)
+        return fail(UnpackStep::Unpack, parts.error());
+    document.parts = std::move(*parts);
+    return document;
 }
 
 } // namespace quillon::preflight

@@ -1,5 +1,6 @@
 #include "preflight/LinkAnalysis.h"
 
+#include "idml/IdmlDocument.h"
 #include "links/QNIDMLLinksProcessor.h"
 
 #include <cstdint>
@@ -16,7 +17,8 @@ LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
     controller.numberOfLinksInDoc = request.numberOfLinksInDoc;
     controller.linkFolders = request.linkFolders;
     links::QNIDMLLinksProcessor processor(controller);
-    const QVariantList records = processor.processLinksInIDMLFolder(request.idmlFolder, request.documentPath);
+    const QVariantList records =
+        request.document ? processor.processLinksInDocument(*request.document, request.documentPath) : QVariantList();
 
     LinkAnalysisOutcome outcome;
     // The count has always been read through a one-byte truth value: 256 links read as none.

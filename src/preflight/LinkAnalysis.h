@@ -8,6 +8,7 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <memory>
 
 namespace quillon::app {
 class AlertSink;
@@ -15,11 +16,15 @@ class CancelFlag;
 class ProgressSink;
 } // namespace quillon::app
 
+namespace quillon::idml {
+class IdmlDocument;
+} // namespace quillon::idml
+
 namespace quillon::preflight {
 
-// One run of the link analysis over an unpacked IDML, as the driver starts it.
+// One run of the link analysis over the parts of an IDML export, as the driver starts it.
 struct LinkAnalysisRequest {
-    QString idmlFolder;
+    std::shared_ptr<const idml::IdmlDocument> document;
     QString documentPath;        // the document's POSIX path, the data file's key
     int numberOfLinksInDoc = -1; // as the host reported it; negative when unknown
     QStringList linkFolders;     // searched by file name for links missing at their recorded path

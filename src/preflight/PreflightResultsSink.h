@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/Result.h"
+#include "preflight/PreflightOutcome.h"
 
 #include <QString>
-#include <QVariantMap>
 
 namespace quillon::inspection {
 class QNDocInfo;
@@ -29,14 +29,16 @@ public:
         (void)name;
         (void)path;
     }
-    // "1" when the current preset asks the colour inspection to count Registration applied to
-    // text, "0" otherwise (calling thread, before the stages run).
-    virtual QString registrationInTextFlag() { return QStringLiteral("0"); }
+    // The current checkup preset, read once as a preflight starts (calling thread): the
+    // preflight's results are judged by it.
+    virtual JudgingInputs judgingInputs() { return {}; }
 
-    // Loads the three data files of `dataFolder` into the link, font and colour lists and judges
-    // them with the current checkup preset. `linkData`, when not empty, is what the link data
-    // file holds, handed over so that it need not be read again.
-    virtual void setItems(const QString& dataFolder, QVariantMap linkData = {}) = 0;
+    // Loads the outcome's link, font and colour records into the lists, judged by the preset
+    // the outcome carries.
+    virtual void setItems(const PreflightOutcome& outcome) = 0;
+    // Loads the lists from the three data files of `dataFolder` (a batch document's results
+    // written back there), judged by the current preset (calling thread).
+    virtual void setItemsFromDataFiles(const QString& dataFolder) = 0;
     // Loads the summary and the document-information box from the lists and `docInfo`, whose
     // `hasPreflightErrors` it sets.
     virtual void populateSummaryAndDocInfo(QNDocInfo& docInfo) = 0;

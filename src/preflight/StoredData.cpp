@@ -22,7 +22,7 @@ const std::array<QString, 3> kStoredDataFiles{QStringLiteral("font_data.plist"),
                                               QStringLiteral("link_data.plist")};
 
 app::Status writeDocumentEntry(const QString& dataFolder, const QString& fileName, const QString& documentPath,
-                               QVariantMap entry)
+                               const QVariantMap& entry)
 {
     if (!QDir().mkpath(dataFolder))
         return app::makeError(QStringLiteral("the folder for the preflight data cannot be made"), dataFolder);
@@ -35,8 +35,6 @@ app::Status writeDocumentEntry(const QString& dataFolder, const QString& fileNam
         else
             app::logFailure(QStringLiteral("read %1, replacing it: %2").arg(path, existing.error().text()));
     }
-    entry.insert(app::kGroupNameKey, QFileInfo(documentPath).fileName());
-    entry.insert(app::kGroupIsDockKey, true);
     root.insert(documentPath, entry);
     return app::writePropertyListFile(root, path);
 }
@@ -72,18 +70,32 @@ app::Status appendToStoredArray(const QString& path, const QVariantList& additio
 
 } // namespace
 
+QVariantMap fontDataEntry(const QString& documentPath, const QVariantList& fonts)
+{
+    return {{app::kGroupNameKey, QFileInfo(documentPath).fileName()},
+            {app::kGroupIsDockKey, true},
+            {app::kGroupChildrenKey, fonts}};
+}
+
+QVariantMap colorDataEntry(const QString& documentPath, const ColorInspection& inspection)
+{
+    return {{app::kGroupNameKey, QFileInfo(documentPath).fileName()},
+            {app::kGroupIsDockKey, true},
+            {app::kGroupChildrenKey, inspection.records},
+            {kColorDocUnusedNamesKey, inspection.namesOfUnusedColors},
+            {kColorDocRegistrationInTextCountKey, inspection.registrationInTextCount}};
+}
+
 app::Status writeFontDataFile(const QString& dataFolder, const QString& documentPath, const QVariantList& fonts)
 {
-    return writeDocumentEntry(dataFolder, app::kFontDataFileName, documentPath, {{app::kGroupChildrenKey, fonts}});
+    return writeDocumentEntry(dataFolder, app::kFontDataFileName, documentPath, fontDataEntry(documentPath, fonts));
 }
 
 app::Status writeColorDataFile(const QString& dataFolder, const QString& documentPath,
                                const ColorInspection& inspection)
 {
     return writeDocumentEntry(dataFolder, app::kColorDataFileName, documentPath,
-                              {{app::kGroupChildrenKey, inspection.records},
-                               {kColorDocUnusedNamesKey, inspection.namesOfUnusedColors},
-                               {kColorDocRegistrationInTextCountKey, inspection.registrationInTextCount}});
+                              colorDataEntry(documentPath, inspection));
 }
 
 app::Status storeDataForFonts(const QVariantList& fonts, const QVariantList& colors, const QVariantList& links)

@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <QVariantList>
+#include <QVariantMap>
 
 namespace quillon::preflight {
 
@@ -16,6 +17,9 @@ namespace quillon::preflight {
 // "registrationInTextCount". The document's entry is added to what the file already holds (a
 // batch keeps one per document) or replaces an earlier entry of the same document; a file that
 // cannot be read is replaced.
+// The document's entry of each file.
+QVariantMap fontDataEntry(const QString& documentPath, const QVariantList& fonts);
+QVariantMap colorDataEntry(const QString& documentPath, const inspection::ColorInspection& inspection);
 app::Status writeFontDataFile(const QString& dataFolder, const QString& documentPath, const QVariantList& fonts);
 app::Status writeColorDataFile(const QString& dataFolder, const QString& documentPath,
                                const inspection::ColorInspection& inspection);

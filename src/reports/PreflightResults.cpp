@@ -1,7 +1,6 @@
 #include "reports/PreflightResults.h"
 
 #include "app/Log.h"
-#include "app/NumericText.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "links/LinkValues.h"
@@ -45,22 +44,32 @@ void PreflightResults::clearAllResults()
     m_status = results::PreflightStatus();
 }
 
-QString PreflightResults::registrationInTextFlag()
+preflight::JudgingInputs PreflightResults::judgingInputsFor(const std::optional<QVariantMap>& preset)
 {
-    // Asked as a preflight starts: the lists of that preflight are judged with the same preset,
-    // so a preset that cannot be had is reported once.
-    m_presetOfPreflight = presetOrNothing();
-    const QVariantMap colors = m_presetOfPreflight->value(results::kPresetColorsKey).toMap();
-    return QString::number(app::intValueOf(colors.value(results::kColorsRegAppliedToTextKey)));
+    const QVariantMap chosen = preset.value_or(QVariantMap());
+    const QVariantMap colorRules = chosen.value(results::kPresetColorsKey).toMap();
+    return {chosen, inspection::countsRegistrationInText(results::registrationInTextFlagOfPreset(colorRules))};
 }
 
-void PreflightResults::setItems(const QString& dataFolder, QVariantMap linkData)
+preflight::JudgingInputs PreflightResults::judgingInputs()
 {
-    m_dataFolder = dataFolder;
-    const QVariantMap preset = m_presetOfPreflight ? *m_presetOfPreflight : presetOrNothing();
-    m_presetOfPreflight.reset();
-    m_links.setItems(
-        linkData.isEmpty() ? results::readDataFile(dataFolder, app::kLinkDataFileName) : std::move(linkData), preset);
+    // Read once as a preflight starts, so that a preset that cannot be had is reported once.
+    return judgingInputsFor(m_presetSource ? m_presetSource() : std::nullopt);
+}
+
+void PreflightResults::setItems(const preflight::PreflightOutcome& outcome)
+{
+    m_linkData = outcome.linkData;
+    m_links.setItems(m_linkData, outcome.judging.preset);
+    m_fonts.setItems(outcome.fontData(), outcome.judging.preset);
+    m_colors.setItems(outcome.colorData(), outcome.judging.preset);
+}
+
+void PreflightResults::setItemsFromDataFiles(const QString& dataFolder)
+{
+    const QVariantMap preset = presetOrNothing();
+    m_linkData = results::readDataFile(dataFolder, app::kLinkDataFileName);
+    m_links.setItems(m_linkData, preset);
     m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
     m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);
 }
@@ -102,7 +111,7 @@ void PreflightResults::presetsPopup(const QString& title)
         return;
     const QVariantMap preset = presetOrNothing();
     if (!m_links.items().isEmpty())
-        m_links.setItems(results::readDataFile(m_dataFolder, app::kLinkDataFileName), preset);
+        m_links.setItems(m_linkData, preset);
     if (!m_colors.items().isEmpty())
         m_colors.reapplyPreset(preset);
     if (!m_fonts.items().isEmpty())

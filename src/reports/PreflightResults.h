@@ -46,16 +46,21 @@ public:
     // The clock of the report date (the current time unless set).
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 
+    // What a preflight is judged by when its preset is `preset` (nothing: not judged).
+    static preflight::JudgingInputs judgingInputsFor(const std::optional<QVariantMap>& preset);
+
     void clearAllResults() override;
-    QString registrationInTextFlag() override;
-    void setItems(const QString& dataFolder, QVariantMap linkData = {}) override;
+    preflight::JudgingInputs judgingInputs() override;
+    void setItems(const preflight::PreflightOutcome& outcome) override;
+    void setItemsFromDataFiles(const QString& dataFolder) override;
     void populateSummaryAndDocInfo(inspection::QNDocInfo& docInfo) override;
     app::Result<QString> createTextReport(const QString& targetFolder, const QString& paraStylesReport,
                                           const inspection::QNDocInfo& docInfo) override;
     void presetsPopup(const QString& title) override;
 
     // The whole text of the report in a layout, as a report file holds it.
-    QString textReport(TextReportType type, const QString& paraStylesReport, const inspection::QNDocInfo& docInfo) const;
+    QString textReport(TextReportType type, const QString& paraStylesReport,
+                       const inspection::QNDocInfo& docInfo) const;
 
     const QVariantList& linkItems() const { return m_links.items(); }
     const QVariantList& fontItems() const { return m_fonts.items(); }
@@ -71,8 +76,7 @@ private:
     QString m_settingsFile;
     TextReportType m_reportType = TextReportType::Regular;
     std::function<QDateTime()> m_clock;
-    QString m_dataFolder;
-    std::optional<QVariantMap> m_presetOfPreflight; // read as the running preflight started
+    QVariantMap m_linkData; // what the link list was loaded from, to judge again with another preset
     results::QNLinksOutline m_links;
     results::QNFontsOutlineController m_fonts;
     results::QNColorsOutlineController m_colors;

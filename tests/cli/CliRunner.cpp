@@ -35,4 +35,19 @@ CliRun runQuillon(const QStringList& arguments, const QStringList& environment, 
     return run;
 }
 
+bool writeClimbingIdml(const QString& path)
+{
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("import sys, zipfile\n"
+                                 "z = zipfile.ZipFile(sys.argv[1], 'w')\n"
+                                 "z.writestr('mimetype', 'application/vnd.adobe.indesign-idml-package')\n"
+                                 "z.writestr('designmap.xml', '<Document DOMVersion=\"20.0\"/>')\n"
+                                 "z.writestr('../../../../escaped.txt', 'outside')\n"
+                                 "z.close()\n"),
+                  path});
+    return python.waitForFinished() && python.exitCode() == 0;
+}
+
 } // namespace quillon::test

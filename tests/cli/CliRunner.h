@@ -20,4 +20,8 @@ CliRun runQuillon(const QStringList& arguments, int timeoutMs = 60000);
 CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs = 60000,
                   const QString& standardOutputFile = {});
 
+// Writes an IDML archive with an entry whose path climbs out of its folder
+// ("../../../../escaped.txt"); false when it could not be made.
+bool writeClimbingIdml(const QString& path);
+
 } // namespace quillon::test

@@ -160,6 +160,18 @@ TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)
     }
     EXPECT_TRUE(documents.at(2).toObject().contains(QStringLiteral("links")));
 
+    // One whose archive cannot be unpacked says why, in the words of the unpacking's error.
+    const QString climbing = m_out.filePath(QStringLiteral("climbing.idml"));
+    ASSERT_TRUE(quillon::test::writeClimbingIdml(climbing));
+    run = preflight({climbing});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(
+        run.err.contains(QStringLiteral("quillon preflight: %1: ../../../../escaped.txt: the archive holds an entry "
+                                        "whose path leads outside its folder")
+                             .arg(climbing)
+                             .toUtf8()))
+        << run.err.toStdString();
+
     // Refusals before any document is read.
     EXPECT_EQ(preflight({interview, QStringLiteral("--preset"), QStringLiteral("No Such Preset")}).exitCode, 2);
     EXPECT_EQ(preflight({interview, QStringLiteral("--links-dir"), missing}).exitCode, 2);

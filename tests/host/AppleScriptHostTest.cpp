@@ -28,13 +28,16 @@ TEST(AppleScriptHost, DocumentRecordAnswerIsParsed)
                                         QStringLiteral("19.0.1.205")});
     const auto record = rig.host.pathsAndNameOfDocument(DocumentReference::active());
     ASSERT_TRUE(record.ok());
-    EXPECT_EQ(record->at(inspection::kRecordPosixPath), QStringLiteral("/Jobs/Book.indd"));
-    EXPECT_EQ(record->at(inspection::kRecordLinkCount), QStringLiteral("0"));
+    EXPECT_EQ(record->posixPath, QStringLiteral("/Jobs/Book.indd"));
+    EXPECT_EQ(record->linkCount, QStringLiteral("0"));
+    EXPECT_EQ(record->InDesignVersion, QStringLiteral("19.0.1.205"));
 
     // A named document of a batch; items without a text form are left out.
     rig.scripts.pushResult(QVariantList{QStringLiteral("a"), QVariant(), QStringLiteral("b")});
     const auto named = rig.host.pathsAndNameOfDocument(DocumentReference::named(kQuotedName));
-    EXPECT_EQ(*named, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_EQ(named->hfsPath, QStringLiteral("a"));
+    EXPECT_EQ(named->posixPath, QStringLiteral("b"));
+    EXPECT_TRUE(named->fileName.isEmpty());
     EXPECT_TRUE(rig.scripts.lastSource().contains(QStringLiteral("\n tell document \"%1\" \n").arg(kEscapedName)));
 
     // An empty answer is an empty record, not a failure.

@@ -55,7 +55,7 @@ protected:
     QTemporaryDir m_temp;
     QTemporaryDir m_docs;
     QString m_document;
-    QStringList m_record;
+    inspection::DocumentRecord m_record;
     OfflineIdmlHost m_host;
 };
 
@@ -106,7 +106,7 @@ TEST_F(OfflineHostInspections, ReadThePreflightsExportWhenGiven)
     ASSERT_EQ(fonts->found.size(), 1);
     EXPECT_FALSE(fontNamed(fonts->found, QStringLiteral("Times New Roman Regular")).isEmpty());
 
-    EXPECT_FALSE(m_host.processFonts(m_record.mid(0, 2), nullptr, nullptr).ok());
+    EXPECT_FALSE(m_host.processFonts({}, nullptr, nullptr).ok());
     test::writeAll(m_document, "not a zip");
     const auto damaged = m_host.processColors(m_record, nullptr, QStringLiteral("0"), nullptr);
     EXPECT_FALSE(damaged.ok());
@@ -117,12 +117,12 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
 {
     RecordingScriptRunner scripts;
     AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
-    const QStringList record{QStringLiteral("Mac HD:Jobs:Ann \"Q\".indd"),
-                             QStringLiteral("/Jobs/Ann \"Q\".indd"),
-                             QStringLiteral("Ann \"Q\".indd"),
-                             QStringLiteral("4"),
-                             QStringLiteral("2"),
-                             QStringLiteral("19.0")};
+    const inspection::DocumentRecord record{QStringLiteral("Mac HD:Jobs:Ann \"Q\".indd"),
+                                            QStringLiteral("/Jobs/Ann \"Q\".indd"),
+                                            QStringLiteral("Ann \"Q\".indd"),
+                                            QStringLiteral("4"),
+                                            QStringLiteral("2"),
+                                            QStringLiteral("19.0")};
     const QString field{QChar(kScriptFieldSeparator)};
     const QString recordEnd{QChar(kScriptRecordSeparator)};
 
@@ -143,6 +143,8 @@ TEST(AppleScriptHostInspections, AskInDesignAboutTheRecordsDocument)
     ASSERT_FALSE(refused.ok());
     EXPECT_TRUE(refused.error().message.startsWith(QStringLiteral("Can't get document")));
     const std::size_t sent = scripts.calls().size();
-    EXPECT_FALSE(host.processColors(record.mid(0, 3), nullptr, QStringLiteral("0"), nullptr).ok());
+    inspection::DocumentRecord incomplete = record;
+    incomplete.posixPath.clear();
+    EXPECT_FALSE(host.processColors(incomplete, nullptr, QStringLiteral("0"), nullptr).ok());
     EXPECT_EQ(scripts.calls().size(), sent);
 }

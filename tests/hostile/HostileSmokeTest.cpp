@@ -8,8 +8,8 @@
 #include "app/RegularFile.h"
 #include "app/XmlFile.h"
 #include "fileinspect/FileFacts.h"
-#include "preflight/IdmlCreator.h"
 #include "host/OfflineIdmlHost.h"
+#include "preflight/IdmlCreator.h"
 #include "results/Presets.h"
 
 #include <QDir>
@@ -94,13 +94,12 @@ TEST(HostileInput, ArchivesOpenOrFailNamingTheDocument)
         host.setWorkFolder(work.path());
         ASSERT_TRUE(host.openDocument(path, true).ok()) << c.what.toStdString();
         expectValueOrNamedError(host.pathsAndNameOfDocument(host::DocumentReference::active()), path, c.what);
-        app::ScriptedAlertSink alerts;
-        preflight::QNIDMLCreator creator(host, alerts);
+        preflight::QNIDMLCreator creator(host);
         creator.setWorkFolder(work.path());
-        const QString unpacked = creator.processInDesignFileAtPath(path);
-        if (unpacked.isEmpty()) {
-            EXPECT_TRUE(creator.lastError().text().contains(QFileInfo(path).fileName()))
-                << c.what.toStdString() << ": " << creator.lastError().text().toStdString();
+        const auto unpacked = creator.processInDesignFileAtPath(path);
+        if (!unpacked) {
+            EXPECT_TRUE(unpacked.error().text().contains(QFileInfo(path).fileName()))
+                << c.what.toStdString() << ": " << unpacked.error().text().toStdString();
         }
         // Nothing lands outside the work folder, whatever the entry names said.
         EXPECT_FALSE(QFileInfo::exists(folder.path() + QStringLiteral("/escaped.xml"))) << c.what.toStdString();

@@ -7,10 +7,11 @@
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "host/AppleScriptHost.h"
+#include "host/OfflineIdmlHost.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/ControlCenter.h"
 #include "preflight/DocumentWarnings.h"
-#include "host/OfflineIdmlHost.h"
+#include "preflight/PreflightReporting.h"
 #include "preflight/PreflightResultsSink.h"
 #include "support/RecordingScriptRunner.h"
 #include "support/TestSupport.h"
@@ -66,18 +67,19 @@ private:
     QStringList m_lines;
 };
 
-// Records what the driver hands over; the data files are read to prove they were in place.
+// Records what the driver hands over.
 class RecordingResults : public PreflightResultsSink {
 public:
     void clearAllResults() override { calls << QStringLiteral("clear"); }
     void showDocument(const QString& name, const QString&) override { calls << QStringLiteral("show ") + name; }
-    QString registrationInTextFlag() override { return QStringLiteral("1"); }
-    void setItems(const QString& dataFolder, QVariantMap linkData) override
+    JudgingInputs judgingInputs() override { return {{{QStringLiteral("Name"), QStringLiteral("Strict")}}, true}; }
+    void setItems(const PreflightOutcome& outcome) override
     {
         calls << QStringLiteral("setItems");
-        linkDataAtLoad = QFileInfo::exists(QDir(dataFolder).filePath(app::kLinkDataFileName));
-        handedOver = linkData;
+        handedOver = outcome.linkData;
+        presetHandedOver = outcome.judging.preset.value(QStringLiteral("Name")).toString();
     }
+    void setItemsFromDataFiles(const QString&) override { calls << QStringLiteral("setItemsFromDataFiles"); }
     void populateSummaryAndDocInfo(QNDocInfo& docInfo) override
     {
         calls << QStringLiteral("summary ") + docInfo.docName();
@@ -92,30 +94,33 @@ public:
     void presetsPopup(const QString& title) override { calls << QStringLiteral("preset ") + title; }
 
     QStringList calls;
-    bool linkDataAtLoad = false;
     QVariantMap handedOver;
+    QString presetHandedOver;
 };
 
 // The offline host with the record and the inspections under the test's control.
 class FakeHost : public OfflineIdmlHost {
 public:
-    app::Result<QStringList> pathsAndNameOfDocument(const DocumentReference& document) override
+    app::Result<inspection::DocumentRecord> pathsAndNameOfDocument(const DocumentReference& document) override
     {
-        app::Result<QStringList> record = OfflineIdmlHost::pathsAndNameOfDocument(document);
+        app::Result<inspection::DocumentRecord> record = OfflineIdmlHost::pathsAndNameOfDocument(document);
         if (record && linkCount)
-            (*record)[inspection::kRecordLinkCount] = *linkCount;
+            record->linkCount = *linkCount;
         return record;
     }
-    app::Result<inspection::Inspected<QVariantList>> processFonts(const QStringList& record, const idml::IdmlDocument*,
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
+                                                                  const idml::IdmlDocument* document,
                                                                   const app::CancelFlag*) override
     {
-        inspections << QStringLiteral("fonts ") + record.value(inspection::kRecordFileName);
+        inspections << QStringLiteral("fonts ") + record.fileName;
+        documentOfInspection = document;
         return inspection::Inspected<QVariantList>{{}, {kSkippedStory, kSkippedStory}};
     }
-    app::Result<inspection::Inspected<inspection::ColorInspection>> processColors(const QStringList& record, const idml::IdmlDocument*,
-                                                          const QString& registrationInTextFlag, const app::CancelFlag*) override
+    app::Result<inspection::Inspected<inspection::ColorInspection>>
+    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument*,
+                  const QString& registrationInTextFlag, const app::CancelFlag*) override
     {
-        inspections << QStringLiteral("colors %1 %2").arg(record.value(inspection::kRecordFileName), registrationInTextFlag);
+        inspections << QStringLiteral("colors %1 %2").arg(record.fileName, registrationInTextFlag);
         return app::makeError(QStringLiteral("the swatches could not be read"), QStringLiteral("Graphic.xml"));
     }
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName, const idml::IdmlDocument*) override
@@ -128,14 +133,15 @@ public:
 
     std::optional<QString> linkCount;
     QStringList inspections;
+    const idml::IdmlDocument* documentOfInspection = nullptr;
 };
 
 class RecordingBatch : public BatchPreflight {
 public:
     std::optional<QueuedDocument> nextDocument() override { return queued; }
-    void setBatchPreflightProgressValueToStage(const QString& stage) override
+    void setBatchPreflightProgressValueToStage(ProgressStage stage) override
     {
-        calls << QStringLiteral("stage ") + stage;
+        calls << QStringLiteral("stage ") + stageName(stage);
     }
     void incrementBatchProgressBy(double amount, const QString& status) override
     {
@@ -204,7 +210,8 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
     ASSERT_TRUE(center->preflightActiveDoc());
     center->waitUntilPreflightIsDone();
 
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    const PreflightOutcome& outcome = center->outcome();
+    EXPECT_EQ(outcome.ended, PreflightEnding::Completed);
     EXPECT_TRUE(m_alerts.requests().empty());
     EXPECT_EQ(m_progress.stages(),
               (QStringList{QStringLiteral("stage links Preflighting links..."),
@@ -217,18 +224,23 @@ TEST_F(ControlCenterTest, APreflightRunsTheStagesInOrderAndLeavesTheDataFiles)
               (QStringList{QStringLiteral("stage stop"), QStringLiteral("value 0"), QStringLiteral("finished")}));
     EXPECT_EQ(m_results.calls, (QStringList{QStringLiteral("clear"), QStringLiteral("show Brochure.idml"),
                                             QStringLiteral("setItems"), QStringLiteral("summary Brochure.idml")}));
-    EXPECT_TRUE(m_results.linkDataAtLoad);
-    EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc}); // and handed over, not read again
+    EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc});
+    EXPECT_EQ(m_results.presetHandedOver, QStringLiteral("Strict")); // the preset read as it started
 
     // The inspections got the document record and the unpacked IDML; a failed one is a warning, and
     // so is each part skipped, named once.
     EXPECT_EQ(host.inspections,
               (QStringList{QStringLiteral("fonts Brochure.idml"), QStringLiteral("colors Brochure.idml 1")}));
-    EXPECT_EQ(warningTexts(center->warnings()),
+    // The preflight hands its one parsed export to the inspections.
+    EXPECT_NE(host.documentOfInspection, nullptr);
+    EXPECT_EQ(warningTexts(outcome.warnings),
               (QStringList{QStringLiteral("Stories/Story_u1a.xml: not readable XML at byte 14"),
                            QStringLiteral("The colors could not be inspected: Graphic.xml: the swatches could not be "
                                           "read")}));
 
+    EXPECT_EQ(outcome.record.fileName, QStringLiteral("Brochure.idml"));
+    EXPECT_TRUE(outcome.fonts.has_value() && outcome.fonts->isEmpty());
+    EXPECT_FALSE(outcome.colors.has_value()); // its inspection failed
     EXPECT_EQ(center->currDocInfo().horizMeasurementUnits(), QStringLiteral("Points"));
     EXPECT_EQ(center->currDocInfo().pageSizeStr(), QStringLiteral("612 x 792 pt"));
     EXPECT_TRUE(center->currDocInfo().hasPreflightErrors());
@@ -257,7 +269,7 @@ TEST_F(ControlCenterTest, NoDocumentGivesOneCriticalAlertAndNoStages)
     EXPECT_TRUE(alert.critical);
     EXPECT_TRUE(m_progress.lines().isEmpty()); // the bar never showed
     EXPECT_EQ(m_results.calls, QStringList{QStringLiteral("clear")});
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::NoDocument);
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::NoDocument);
     EXPECT_TRUE(dataFiles().isEmpty());
     EXPECT_TRUE(center->dataFilesWereDeleted());
 
@@ -296,8 +308,9 @@ TEST_F(ControlCenterTest, AFailedExportCancelsLoadsNothingAndHidesTheBar)
 
     EXPECT_TRUE(center->doCancel());
     EXPECT_FALSE(analysed);
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Cancelled);
-    EXPECT_EQ(center->lastExportError().message, QStringLiteral("Disk full."));
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::Cancelled);
+    ASSERT_TRUE(center->outcome().exportError.has_value());
+    EXPECT_EQ(center->outcome().exportError->message, QStringLiteral("Disk full."));
     ASSERT_EQ(m_alerts.requests().size(), 1U);
     EXPECT_EQ(m_alerts.requests().front().title, QStringLiteral("Cannot initiate preflighting"));
     // No stage but the last one shows, which hides the bar; the lists stay empty.
@@ -325,7 +338,8 @@ TEST_F(ControlCenterTest, CancelBetweenStagesEndsTheRestAndKeepsTheWorkFolder)
                            QStringLiteral("stage fonts Preflighting fonts..."), QStringLiteral("stage stop")}));
     EXPECT_EQ(m_progress.lines().constLast(), QStringLiteral("finished"));
     EXPECT_FALSE(m_results.calls.contains(QStringLiteral("setItems")));
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Cancelled);
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::Cancelled);
+    EXPECT_FALSE(center->outcome().fonts.has_value());
     EXPECT_FALSE(QDir(m_folders.workFolder).isEmpty()); // kept until the next successful run
     EXPECT_EQ(dataFiles(), QStringList{app::kLinkDataFileName});
 
@@ -339,7 +353,7 @@ TEST_F(ControlCenterTest, CancelBetweenStagesEndsTheRestAndKeepsTheWorkFolder)
     });
     ASSERT_TRUE(center->preflightActiveDoc());
     center->waitUntilPreflightIsDone();
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::Completed);
     EXPECT_EQ(linksInDoc, 0);
     EXPECT_EQ(host.inspections.size(), 2);
     EXPECT_TRUE(QDir(m_folders.workFolder).isEmpty());
@@ -361,7 +375,11 @@ TEST_F(ControlCenterTest, AnExceptionInTheLinkAnalysisIsReportedAndTheRestRuns)
     EXPECT_EQ(alert.title, QStringLiteral("Error preflighting links"));
     EXPECT_EQ(center->lastAlertButtonReturn(), app::kAlertFirstButton);
     EXPECT_EQ(host.inspections.size(), 2);
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::Completed);
+    // The outcome keeps what the user was alerted to, as a user reads it.
+    ASSERT_EQ(center->outcome().alerts.size(), 1);
+    EXPECT_TRUE(center->outcome().alerts.front().message.startsWith(
+        QStringLiteral("Error preflighting links: Unexpected error occurred when preflighting links:\n\nspread 7")));
 }
 
 TEST_F(ControlCenterTest, ABatchAsksForTheNextDocumentAndReportsToTheBatch)
@@ -485,8 +503,8 @@ TEST_F(ControlCenterTest, ALinkDataFileThatCannotBeWrittenIsAWarning)
     ASSERT_TRUE(center->preflightActiveDoc());
     center->waitUntilPreflightIsDone();
 
-    EXPECT_EQ(center->lastOutcome(), QNControlCenter::Outcome::Completed);
-    const QStringList all = warningTexts(center->warnings());
+    EXPECT_EQ(center->outcome().ended, PreflightEnding::Completed);
+    const QStringList all = warningTexts(center->outcome().warnings);
     EXPECT_EQ(all.filter(QStringLiteral("The link data could not be written")).size(), 1)
         << all.join(u'\n').toStdString();
     EXPECT_EQ(m_results.handedOver.keys(), QStringList{m_doc}); // the lists still get the records

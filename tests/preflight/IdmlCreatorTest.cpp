@@ -2,9 +2,11 @@
 #include "support/QtPrinters.h"
 
 #include "host/AppleScriptHost.h"
-#include "preflight/IdmlCreator.h"
 #include "host/OfflineIdmlHost.h"
+#include "idml/IdmlDocument.h"
 #include "host/PdfIdmlController.h"
+#include "preflight/IdmlCreator.h"
+#include "preflight/PreflightReporting.h"
 #include "support/RecordingScriptRunner.h"
 
 #include "app/Alerts.h"
@@ -70,23 +72,22 @@ TEST_F(IdmlCreatorTest, ScriptHostExportUsesTheHfsPathAndEscapesTheName)
 {
     RecordingScriptRunner scripts;
     AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
-    app::ScriptedAlertSink alerts;
-    QNIDMLCreator creator(host, alerts);
+    QNIDMLCreator creator(host);
 
     const QString idmlPath = workFolder() + QStringLiteral("/Say \"hi\".idml");
     scripts.pushResult(QStringLiteral("Macintosh HD:tmp:Quillon:Say \"hi\".idml"));
     scripts.pushResult(QString()); // the export, which writes nothing here
-    EXPECT_EQ(creator.processInDesignFileAtPath(QStringLiteral("/Jobs/Say \"hi\".indd")), QString());
+    UnpackStep failed = UnpackStep::Export;
+    const auto unpacked = creator.processInDesignFileAtPath(QStringLiteral("/Jobs/Say \"hi\".indd"), &failed);
 
     const QStringList sources = scripts.sources();
     ASSERT_EQ(sources.size(), 2);
     EXPECT_TRUE(sources[1].contains(QStringLiteral("document \"Say \\\"hi\\\".indd\" format InDesign markup to "
                                                    "\"Macintosh HD:tmp:Quillon:Say \\\"hi\\\".idml\"")));
-    // Nothing was exported, so the unpacking failed with its own alert naming the document.
-    const auto requests = alerts.requests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].title, kCannotPreflightAlertTitle);
-    EXPECT_EQ(requests[0].message,
+    // Nothing was exported, so the unpacking failed, naming the document.
+    ASSERT_FALSE(unpacked);
+    EXPECT_EQ(failed, UnpackStep::Unpack);
+    EXPECT_EQ(unpacked.error().text(),
               QStringLiteral("/Jobs/Say \"hi\".indd: the export left no IDML file at %1").arg(idmlPath));
 }
 
@@ -94,11 +95,10 @@ TEST_F(IdmlCreatorTest, FailedHfsConversionFallsBackToThePosixPath)
 {
     RecordingScriptRunner scripts;
     AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
-    app::ScriptedAlertSink alerts;
-    QNIDMLCreator creator(host, alerts);
+    QNIDMLCreator creator(host);
     scripts.pushError(QStringLiteral("Can't make it into a file."));
     scripts.pushError(QStringLiteral("Cannot export."));
-    creator.processInDesignFileAtPath(QStringLiteral("/Jobs/a.indd"));
+    EXPECT_FALSE(creator.processInDesignFileAtPath(QStringLiteral("/Jobs/a.indd")));
     ASSERT_EQ(scripts.calls().size(), 2u);
     EXPECT_TRUE(scripts.lastSource().contains(QStringLiteral("markup to \"%1/a.idml\" without").arg(workFolder())));
 }
@@ -109,15 +109,17 @@ TEST_F(IdmlCreatorTest, ExportFailuresShowTheirAlertsWithTheSupportContact)
     AppleScriptHost host(scripts, QStringLiteral("Adobe InDesign 2024"));
     app::ScriptedAlertSink alerts({app::kAlertSecondButton});
     Controller controller;
-    QNIDMLCreator creator(host, alerts, &controller);
+    QNIDMLCreator creator(host);
 
-    scripts.pushError(QStringLiteral("Cannot handle the request because a modal dialog or alert is active."), 30476);
-    EXPECT_FALSE(creator.exportDoc1ToIDMLAtPath(QStringLiteral("HD:a.idml"), QStringLiteral("/a.idml"),
-                                                QStringLiteral("a.indd")));
-    EXPECT_EQ(controller.lastAlertButtonReturn, app::kAlertSecondButton); // the main-thread alert's answer slot
-    scripts.pushError(QStringLiteral("The document is damaged."));
-    EXPECT_FALSE(creator.exportDoc1ToIDMLAtPath(QStringLiteral("HD:a.idml"), QStringLiteral("/a.idml"),
-                                                QStringLiteral("a.indd")));
+    for (const char* refusal :
+         {"Cannot handle the request because a modal dialog or alert is active.", "The document is damaged."}) {
+        scripts.pushError(QString::fromUtf8(refusal));
+        const app::Status exported = creator.exportDoc1ToIDMLAtPath(
+            QStringLiteral("HD:a.idml"), QStringLiteral("/a.idml"), QStringLiteral("a.indd"));
+        ASSERT_FALSE(exported);
+        alertUnpackFailure(UnpackStep::Export, exported.error(), alerts, &controller);
+    }
+    EXPECT_EQ(controller.lastAlertButtonReturn, app::kAlertFirstButton); // the main-thread alert's answer slot
 
     const auto requests = alerts.requests();
     ASSERT_EQ(requests.size(), 2u);
@@ -126,27 +128,33 @@ TEST_F(IdmlCreatorTest, ExportFailuresShowTheirAlertsWithTheSupportContact)
     EXPECT_EQ(requests[1].message, app::withSupportContact(QStringLiteral("The document is damaged.")));
 }
 
-TEST_F(IdmlCreatorTest, OfflineHostExportsAndUnpacksAgainIntoANewFolder)
+TEST_F(IdmlCreatorTest, OfflineHostExportsACopyAndHandsOverThePartsItRead)
 {
     const QString doc = m_docs.filePath(QStringLiteral("Brochure.idml"));
     QFile::copy(test::samplePath(QStringLiteral("idml/parser.idml")), doc);
     OfflineIdmlHost host;
     ASSERT_TRUE(host.openDocument(doc, true).ok());
-    app::ScriptedAlertSink alerts;
+    QNIDMLCreator creator(host);
 
-    const QString first = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(doc, host, alerts);
-    ASSERT_FALSE(first.isEmpty()) << alerts.requests().at(0).message.toStdString();
-    EXPECT_TRUE(first.startsWith(workFolder() + QStringLiteral("/Brochure.idml.folder")));
-    EXPECT_TRUE(QFileInfo::exists(first + QStringLiteral("/Resources/Preferences.xml")));
+    // Without a record read first, the export is opened from the copy.
+    const auto unpacked = creator.processInDesignFileAtPath(doc);
+    ASSERT_TRUE(unpacked) << unpacked.error().text().toStdString();
+    EXPECT_EQ(unpacked->idmlPath, workFolder() + QStringLiteral("/Brochure.idml"));
+    EXPECT_FALSE(unpacked->repaired);
+    ASSERT_TRUE(unpacked->parts);
+    EXPECT_FALSE(unpacked->parts->preferences().isEmpty());
     EXPECT_EQ(test::readAll(workFolder() + QStringLiteral("/Brochure.idml")), test::readAll(doc));
+    EXPECT_TRUE(QDir(workFolder()).entryList({QStringLiteral("*.folder*")}, QDir::Dirs).isEmpty());
 
-    // The earlier run's files are still there: a new folder, the IDML copy replaced.
+    // After the record, the parts it read are handed over, not read again; a stale copy of an
+    // earlier run is replaced.
+    ASSERT_TRUE(host.pathsAndNameOfDocument(DocumentReference::active()).ok());
     test::writeAll(workFolder() + QStringLiteral("/Brochure.idml"), "stale");
-    const QString second = QNIDMLCreator::createIDMLFolderFromInDesignFileAtPath(doc, host, alerts);
-    ASSERT_FALSE(second.isEmpty());
-    EXPECT_NE(first, second);
+    const auto second = creator.processInDesignFileAtPath(doc);
+    ASSERT_TRUE(second);
+    EXPECT_EQ(second->parts.get(), host.idmlDocument(second->idmlPath).get());
+    EXPECT_NE(second->parts, unpacked->parts);
     EXPECT_EQ(test::readAll(workFolder() + QStringLiteral("/Brochure.idml")), test::readAll(doc));
-    EXPECT_TRUE(alerts.requests().empty());
 }
 
 TEST_F(IdmlCreatorTest, UnpackingFailuresShowTheirStageAndNameTheDocument)
@@ -158,10 +166,13 @@ TEST_F(IdmlCreatorTest, UnpackingFailuresShowTheirStageAndNameTheDocument)
     const QString garbage = m_docs.filePath(QStringLiteral("garbage.idml"));
     test::writeAll(garbage, QByteArray(5000, 'g'));
     ASSERT_TRUE(host.openDocument(garbage, true).ok());
-    QNIDMLCreator noRepair(host, alerts);
+    QNIDMLCreator noRepair(host);
     noRepair.setZipTool(m_docs.filePath(QStringLiteral("missing/zip")));
-    EXPECT_EQ(noRepair.processInDesignFileAtPath(garbage), QString());
-    EXPECT_EQ(noRepair.lastError().file, garbage);
+    UnpackStep failed = UnpackStep::Export;
+    const auto unrepaired = noRepair.processInDesignFileAtPath(garbage, &failed);
+    ASSERT_FALSE(unrepaired);
+    EXPECT_EQ(unrepaired.error().file, garbage);
+    alertUnpackFailure(failed, unrepaired.error(), alerts, nullptr);
 
     // An archive with an entry that climbs out of its folder.
     const QString hostile = m_docs.filePath(QStringLiteral("hostile.idml"));
@@ -169,9 +180,11 @@ TEST_F(IdmlCreatorTest, UnpackingFailuresShowTheirStageAndNameTheDocument)
     entries.emplace_back(QStringLiteral("../../../escaped.xml"), "<x/>");
     test::writeIdml(hostile, entries);
     ASSERT_TRUE(host.openDocument(hostile, true).ok());
-    QNIDMLCreator creator(host, alerts);
-    EXPECT_EQ(creator.processInDesignFileAtPath(hostile), QString());
-    EXPECT_EQ(creator.lastError().where, QStringLiteral("../../../escaped.xml"));
+    QNIDMLCreator creator(host);
+    const auto escaping = creator.processInDesignFileAtPath(hostile, &failed);
+    ASSERT_FALSE(escaping);
+    EXPECT_EQ(escaping.error().where, QStringLiteral("../../../escaped.xml"));
+    alertUnpackFailure(failed, escaping.error(), alerts, nullptr);
 
     const auto requests = alerts.requests();
     ASSERT_EQ(requests.size(), 2u);

@@ -1,8 +1,8 @@
 #include "reports/PreflightResults.h"
 
-#include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
+#include "preflight/PreflightReporting.h"
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 #include "support/TestSupport.h"
@@ -12,101 +12,111 @@
 
 #include <gtest/gtest.h>
 
-using namespace Qt::StringLiterals;
-
 using namespace quillon;
 using namespace quillon::reports;
 
 namespace {
 
-const QString kDocPath = u"/Jobs/Brochure.idml"_s;
+const QString kDocPath = QStringLiteral("/Jobs/Brochure.idml");
 
 QVariantMap dataFile(const QVariantList& records)
 {
-    return {{kDocPath, QVariantMap{{app::kGroupNameKey, u"Brochure.idml"_s},
+    return {{kDocPath, QVariantMap{{app::kGroupNameKey, QStringLiteral("Brochure.idml")},
                                    {app::kGroupIsDockKey, true},
                                    {app::kGroupChildrenKey, records}}}};
 }
 
 QVariantMap missingRule()
 {
-    return {{u"attribute"_s, u"Status"_s},
-            {u"attributeKey"_s, u"status"_s},
-            {u"condition"_s, u"is"_s},
-            {u"value"_s, u"Missing"_s}};
+    return {{QStringLiteral("attribute"), QStringLiteral("Status")},
+            {QStringLiteral("attributeKey"), QStringLiteral("status")},
+            {QStringLiteral("condition"), QStringLiteral("is")},
+            {QStringLiteral("value"), QStringLiteral("Missing")}};
 }
 
 QVariantMap strictPreset()
 {
-    return {{results::kPresetNameKey, u"Strict"_s},
-            {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-            {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
-            {results::kPresetColorsKey, QVariantMap{{u"RGB"_s, 1}, {u"regAppliedToText"_s, 1}}}};
+    return {
+        {results::kPresetNameKey, QStringLiteral("Strict")},
+        {results::kPresetFontsKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+        {results::kPresetLinksKey, QVariantMap{{results::kConditionsKey, QVariantList{missingRule()}}}},
+        {results::kPresetColorsKey, QVariantMap{{QStringLiteral("RGB"), 1}, {QStringLiteral("regAppliedToText"), 1}}}};
 }
 
 class PreflightResultsTest : public ::testing::Test {
 protected:
-    void SetUp() override
+    void SetUp() override { ASSERT_TRUE(m_dir.isValid()); }
+
+    QString settingsFile() const { return m_dir.filePath(QStringLiteral("settings.ini")); }
+
+    static inspection::DocumentRecord record()
     {
-        ASSERT_TRUE(m_dir.isValid());
-        const QDir dir(m_dir.path());
-        ASSERT_TRUE(app::writePropertyListFile(dataFile({QVariantMap{{u"name"_s, u"Lost.tif"_s},
-                                                                     {u"path"_s, u"/Jobs/Links/Lost.tif"_s},
-                                                                     {u"status"_s, u"Missing"_s},
-                                                                     {u"sizebytes"_s, 0}}}),
-                                               dir.filePath(app::kLinkDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(
-            dataFile({QVariantMap{
-                {u"name"_s, u"Minion Pro Regular"_s}, {u"type"_s, u"OpenType CFF"_s}, {u"status"_s, u"missing"_s}}}),
-            dir.filePath(app::kFontDataFileName)));
-        ASSERT_TRUE(app::writePropertyListFile(dataFile({QVariantMap{{u"name"_s, u"Web Blue"_s},
-                                                                     {u"spot"_s, u"process"_s},
-                                                                     {u"space"_s, u"RGB"_s},
-                                                                     {u"colValuesList"_s, QVariantList{0, 102, 204}},
-                                                                     {u"used"_s, u"√"_s}}}),
-                                               dir.filePath(app::kColorDataFileName)));
+        return {QString(),
+                kDocPath,
+                QStringLiteral("Brochure.idml"),
+                QStringLiteral("4"),
+                QStringLiteral("0"),
+                QStringLiteral("20.0")};
     }
 
-    QString settingsFile() const { return m_dir.filePath(u"settings.ini"_s); }
-
-    inspection::QNDocInfo docInfo() const
+    // A preflight's outcome: a missing link, a missing font and an RGB colour.
+    static preflight::PreflightOutcome outcome(const preflight::JudgingInputs& judging)
     {
-        return inspection::QNDocInfo::docInfoWithRecord(
-            {QString(), kDocPath, u"Brochure.idml"_s, u"4"_s, u"0"_s, u"20.0"_s});
+        preflight::PreflightOutcome outcome;
+        outcome.record = record();
+        outcome.judging = judging;
+        outcome.linkData = dataFile({QVariantMap{{QStringLiteral("name"), QStringLiteral("Lost.tif")},
+                                                 {QStringLiteral("path"), QStringLiteral("/Jobs/Links/Lost.tif")},
+                                                 {QStringLiteral("status"), QStringLiteral("Missing")},
+                                                 {QStringLiteral("sizebytes"), 0}}});
+        outcome.fonts = QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Minion Pro Regular")},
+                                                 {QStringLiteral("type"), QStringLiteral("OpenType CFF")},
+                                                 {QStringLiteral("status"), QStringLiteral("missing")}}};
+        outcome.colors =
+            inspection::ColorInspection{{QVariantMap{{QStringLiteral("name"), QStringLiteral("Web Blue")},
+                                                     {QStringLiteral("spot"), QStringLiteral("process")},
+                                                     {QStringLiteral("space"), QStringLiteral("RGB")},
+                                                     {QStringLiteral("colValuesList"), QVariantList{0, 102, 204}},
+                                                     {QStringLiteral("used"), QStringLiteral("\u221A")}}},
+                                        {},
+                                        0};
+        return outcome;
     }
+
+    inspection::QNDocInfo docInfo() const { return inspection::QNDocInfo::docInfoWithRecord(record()); }
 
     QTemporaryDir m_dir;
 };
 
 } // namespace
 
-TEST_F(PreflightResultsTest, LoadsTheDataFilesJudgesThemAndCountsTheAlerts)
+TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
 {
     int presetReads = 0;
     PreflightResults results([&presetReads] {
         ++presetReads;
         return std::optional<QVariantMap>(strictPreset());
     });
-    EXPECT_EQ(results.registrationInTextFlag(), u"1"_s);
-
-    results.setItems(m_dir.path());
-    EXPECT_EQ(presetReads, 1); // a preflight reads its preset once, as it starts
-    results.setItems(m_dir.path());
-    EXPECT_EQ(presetReads, 2); // a load of its own reads it afresh
+    const preflight::JudgingInputs judging = results.judgingInputs();
+    EXPECT_TRUE(judging.registrationInText);
+    results.setItems(outcome(judging));
+    EXPECT_EQ(presetReads, 1); // read once, as the preflight started
     ASSERT_EQ(results.linkItems().size(), 1);
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
 
     inspection::QNDocInfo info = docInfo();
     results.populateSummaryAndDocInfo(info);
-    EXPECT_EQ(results.status().text, u"3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"_s);
+    EXPECT_EQ(results.status().text, QStringLiteral("3 errors found: Fonts: 1 \u2022 Colors: 1 \u2022 Links: 1"));
     EXPECT_TRUE(info.hasPreflightErrors());
     const QVariantMap summary = results.summary().toVariantMap();
-    EXPECT_EQ(summary.value(u"Links"_s).toMap().value(u"Missing"_s).toString(), u"1"_s);
+    EXPECT_EQ(summary.value(QStringLiteral("Links")).toMap().value(QStringLiteral("Missing")).toString(),
+              QStringLiteral("1"));
 
     // Without a preset nothing is judged.
     PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
-    unjudged.setItems(m_dir.path());
+    EXPECT_FALSE(unjudged.judgingInputs().registrationInText);
+    unjudged.setItems(outcome({}));
     unjudged.populateSummaryAndDocInfo(info);
     EXPECT_EQ(unjudged.status().total, 0);
     EXPECT_FALSE(info.hasPreflightErrors());
@@ -124,8 +134,9 @@ TEST_F(PreflightResultsTest, ChangingThePresetWithEmptyListsOnlyStoresIt)
         return std::optional<QVariantMap>(strictPreset());
     });
     results.setSettingsFile(settingsFile());
-    results.presetsPopup(u"Print"_s);
-    EXPECT_EQ(app::Settings(settingsFile()).value(u"selectedPreset"_s).toString(), u"Print"_s);
+    results.presetsPopup(QStringLiteral("Print"));
+    EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(),
+              QStringLiteral("Print"));
     EXPECT_EQ(presetReads, 0);
     EXPECT_TRUE(results.linkItems().isEmpty());
 }
@@ -135,11 +146,15 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
     QVariantMap current = strictPreset();
     PreflightResults results([&current] { return std::optional<QVariantMap>(current); });
     results.setSettingsFile(settingsFile());
-    results.setItems(m_dir.path());
+    // A batch document's results come back through the data files the preflight wrote.
+    EXPECT_TRUE(preflight::writeDataFiles(m_dir.path(), outcome({})).isEmpty());
+    results.setItemsFromDataFiles(m_dir.path());
     EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
+    EXPECT_TRUE(results::hasAlerts(results.colorItems().front().toMap()));
+    ASSERT_TRUE(QDir(m_dir.path()).remove(app::kLinkDataFileName)); // judged again without reading it back
 
-    current = QVariantMap{{results::kPresetNameKey, u"Lenient"_s}};
-    results.presetsPopup(u"Lenient"_s);
+    current = QVariantMap{{results::kPresetNameKey, QStringLiteral("Lenient")}};
+    results.presetsPopup(QStringLiteral("Lenient"));
     EXPECT_FALSE(results::hasAlerts(results.linkItems().front().toMap()));
     EXPECT_FALSE(results::hasAlerts(results.colorItems().front().toMap()));
 }
@@ -149,33 +164,33 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     PreflightResults results(PreflightResults::fixedPreset(strictPreset()));
     const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
     results.setClock([when] { return when; });
-    results.setItems(m_dir.path());
+    results.setItems(outcome(PreflightResults::judgingInputsFor(strictPreset())));
     const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
-    const QString out = m_dir.filePath(u"out"_s);
+    const QString out = m_dir.filePath(QStringLiteral("out"));
     QDir().mkpath(out);
     app::Result<QString> regular = results.createTextReport(out, QString(), info);
     ASSERT_TRUE(regular) << regular.error().text().toStdString();
-    EXPECT_EQ(*regular, out + u"/Brochure.idml_Quillon_Report.txt"_s);
+    EXPECT_EQ(*regular, out + QStringLiteral("/Brochure.idml_Quillon_Report.txt"));
     EXPECT_EQ(QString::fromUtf8(test::readAll(*regular)), results.textReport(TextReportType::Regular, QString(), info));
     EXPECT_TRUE(QString::fromUtf8(test::readAll(*regular)).contains(QLatin1String("\nStatus: Missing\n")));
 
     results.setTextReportType(TextReportType::TabDelimited);
-    app::Result<QString> tab = results.createTextReport(out, u"Body: 3 paragraphs"_s, info);
+    app::Result<QString> tab = results.createTextReport(out, QStringLiteral("Body: 3 paragraphs"), info);
     ASSERT_TRUE(tab);
     const QString text = QString::fromUtf8(test::readAll(*tab));
-    EXPECT_EQ(text, results.textReport(TextReportType::TabDelimited, u"Body: 3 paragraphs"_s, info));
+    EXPECT_EQ(text, results.textReport(TextReportType::TabDelimited, QStringLiteral("Body: 3 paragraphs"), info));
     EXPECT_TRUE(text.contains(QLatin1String("\tPDF Embedding\n")));
-    EXPECT_TRUE(text.contains(u"Report date: %1\n"_s.arg(QLocale().toString(when, QLocale::ShortFormat))));
+    EXPECT_TRUE(text.contains(QStringLiteral("Report date: %1\n").arg(QLocale().toString(when, QLocale::ShortFormat))));
 }
 
 TEST(TextReportType, TheSavePanelRemembersTheChosenLayout)
 {
     QTemporaryDir dir;
-    app::Settings settings(dir.filePath(u"s.ini"_s));
-    EXPECT_EQ(preselectedTextReportTypeTitle(settings), u"Regular"_s);
-    rememberTextReportTypeTitle(settings, u"Tab-delimited"_s);
-    EXPECT_EQ(preselectedTextReportTypeTitle(settings), u"Tab-delimited"_s);
-    EXPECT_EQ(textReportTypeForTitle(u"Regular (one per line)"_s), TextReportType::Regular);
+    app::Settings settings(dir.filePath(QStringLiteral("s.ini")));
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Regular"));
+    rememberTextReportTypeTitle(settings, QStringLiteral("Tab-delimited"));
+    EXPECT_EQ(preselectedTextReportTypeTitle(settings), QStringLiteral("Tab-delimited"));
+    EXPECT_EQ(textReportTypeForTitle(QStringLiteral("Regular (one per line)")), TextReportType::Regular);
 }
