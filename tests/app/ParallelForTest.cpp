@@ -1,15 +1,16 @@
 #include "app/ParallelFor.h"
 #include "app/Progress.h"
 
-#include <QMutex>
-
 #include <atomic>
-#include <set>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace quillon::app;
 
@@ -62,16 +63,33 @@ TEST(ParallelFor, NestedFanOutsShareOneBudget)
     }));
     EXPECT_LE(peak.load(), 3);
     EXPECT_EQ(parallelThreadsInUse(), 0);
+}
 
-    // With no budget at all everything runs on the caller.
-    setParallelThreadBudget(0);
-    const auto caller = std::this_thread::get_id();
-    std::atomic<bool> elsewhere{false};
-    parallelFor(100, {.maxThreads = 4}, [&](int, qsizetype) {
-        if (std::this_thread::get_id() != caller)
-            elsewhere = true;
-    });
-    EXPECT_FALSE(elsewhere.load());
+TEST(ParallelFor, AThreadTheSystemRefusesLeavesTheWorkToTheThreadsThere)
+{
+    BudgetGuard guard;
+    setParallelThreadBudget(4);
+    // In a child that may start no thread at all: the process limit, which root is not held to
+    // and nobody is.
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const rlimit none{0, 0};
+        if ((getuid() == 0 && setuid(65534) != 0) || setrlimit(RLIMIT_NPROC, &none) != 0)
+            _exit(10);
+        const auto caller = std::this_thread::get_id();
+        std::atomic<int> ran{0};
+        std::atomic<bool> elsewhere{false};
+        const bool done = parallelFor(1000, {.maxThreads = 4}, [&](int, qsizetype) {
+            ran.fetch_add(1);
+            elsewhere = elsewhere || std::this_thread::get_id() != caller;
+        });
+        _exit(done && ran == 1000 && !elsewhere && parallelThreadsInUse() == 0 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST(ParallelFor, CancelStopsTakingItemsAndAFailureIsRethrown)
