@@ -3,6 +3,8 @@
 #include "cli/Commands.h"
 
 #include "app/FilePaths.h"
+#include "app/ParallelFor.h"
+#include "app/Progress.h"
 #include "app/PropertyList.h"
 #include "app/RegularFile.h"
 #include "app/Settings.h"
@@ -23,14 +25,11 @@
 #include <QFileInfo>
 #include <QSet>
 
-#include <algorithm>
-#include <atomic>
-#include <condition_variable>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quillon::cli {
@@ -179,58 +178,48 @@ int runPreflight(const PreflightOptions& options)
     for (const std::string& document : options.documents)
         paths << q(document);
     const QStringList reportNames = reportFileNames(paths);
-    const qsizetype jobs = std::clamp<qsizetype>(
-        options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1, paths.size());
+    // --jobs N runs N documents at once and never sets more than N times the cores to work: the
+    // documents and the fan-outs inside each of them draw their threads from one budget. Without
+    // it, a document a core, sharing the budget the program starts with.
+    const int cores = app::coreCount();
+    if (options.jobs > 0)
+        app::setParallelThreadBudget(options.jobs * cores - 1);
+    const int jobs = options.jobs > 0 ? options.jobs : cores;
 
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
     OrderedPrinter printer(format, preset->name, progress, paths.size());
     RunningCenters running;
-    std::atomic<qsizetype> nextDocument{0};
-    std::atomic<qsizetype> workersLeft{jobs};
-    std::mutex doneMutex;
-    std::condition_variable allDone;
-
-    auto work = [&] {
-        for (;;) {
-            const qsizetype index = nextDocument++;
-            if (index >= paths.size() || Interruption::requested())
-                break;
-            const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
-            QDir().mkpath(runFolder);
-            const QString name = QFileInfo(paths.at(index)).fileName();
-            PreflightedDocument document = preflightDocument(
-                paths.at(index), jobOptions, runFolder,
-                [&running](preflight::QNControlCenter* center, bool on) { running.watch(center, on); },
-                [&progress, &name](const QString& status) { progress.status(name, status); });
-            if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
-                const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
-                    document.reportText.toUtf8(), reportDir, reportNames.at(index),
-                    options.overwrite ? reports::QNTextReport::ExistingFile::Replace
-                                      : reports::QNTextReport::ExistingFile::Number);
-                if (!saved)
-                    document.outputError = saved.error().text();
-            }
-            QDir(runFolder).removeRecursively();
-            if (Interruption::requested() && !document.preflighted)
-                break; // a document cut short is not reported
-            progress.documentDone();
-            printer.deliver(index, renderDocument(std::move(document), format, preset->name));
+    // The document threads wait on their drivers; Ctrl-C reaches the drivers from the watch.
+    const Interruption::CancelOnRequest cancelRunning([&running] { running.cancelAll(); });
+    app::CancelFlag interrupted;
+    app::parallelFor(paths.size(), {.maxThreads = jobs, .cancel = &interrupted}, [&](int, qsizetype index) {
+        if (Interruption::requested()) {
+            interrupted.cancel();
+            return;
         }
-        std::lock_guard lock(doneMutex);
-        --workersLeft;
-        allDone.notify_all();
-    };
-    std::vector<std::thread> workers;
-    for (qsizetype i = 0; i < jobs; ++i)
-        workers.emplace_back(work);
-    {
-        std::unique_lock lock(doneMutex);
-        while (!allDone.wait_for(lock, std::chrono::milliseconds(50), [&] { return workersLeft == 0; }))
-            if (Interruption::requested())
-                running.cancelAll();
-    }
-    for (std::thread& worker : workers)
-        worker.join();
+        const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
+        QDir().mkpath(runFolder);
+        const QString name = QFileInfo(paths.at(index)).fileName();
+        PreflightedDocument document = preflightDocument(
+            paths.at(index), jobOptions, runFolder,
+            [&running](preflight::QNControlCenter* center, bool on) { running.watch(center, on); },
+            [&progress, &name](const QString& status) { progress.status(name, status); });
+        if (document.preflighted && !reportDir.isEmpty() && !document.reportFilePath.isEmpty()) {
+            const app::Result<QString> saved =
+                reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
+                                                      options.overwrite ? reports::QNTextReport::ExistingFile::Replace
+                                                                        : reports::QNTextReport::ExistingFile::Number);
+            if (!saved)
+                document.outputError = saved.error().text();
+        }
+        QDir(runFolder).removeRecursively();
+        if (Interruption::requested() && !document.preflighted) {
+            interrupted.cancel(); // a document cut short is not reported
+            return;
+        }
+        progress.documentDone();
+        printer.deliver(index, renderDocument(std::move(document), format, preset->name));
+    });
     progress.clear();
     printer.finish(paths);
     if (Interruption::requested()) {

@@ -1,7 +1,11 @@
 #include "CliRunner.h"
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QProcessEnvironment>
+
+#include <algorithm>
 
 namespace quillon::test {
 
@@ -24,10 +28,17 @@ CliRun runQuillon(const QStringList& arguments, const QStringList& environment, 
         process.setStandardOutputFile(standardOutputFile, QIODevice::Append);
     process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
     CliRun run;
-    if (!process.waitForFinished(timeoutMs)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
+    const QString threads = QStringLiteral("/proc/%1/task").arg(process.processId());
+    QElapsedTimer clock;
+    clock.start();
+    while (!process.waitForFinished(1)) {
+        if (process.state() == QProcess::NotRunning || clock.elapsed() > timeoutMs) {
+            process.kill();
+            process.waitForFinished();
+            return run;
+        }
+        run.peakThreads =
+            std::max(run.peakThreads, int(QDir(threads).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size()));
     }
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     run.out = process.readAllStandardOutput();

@@ -9,6 +9,7 @@ struct CliRun {
     int exitCode = -1;
     QByteArray out;
     QByteArray err;
+    int peakThreads = 0; // the most threads the command had at once, looked at every millisecond
 };
 
 // Runs the built `quillon` with the arguments, from the repository root, with a private

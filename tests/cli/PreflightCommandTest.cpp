@@ -281,12 +281,11 @@ TEST_F(PreflightCommand, CtrlCCancelsAndLeavesNothingBehind)
     const QByteArray err = process.readAllStandardError();
     EXPECT_EQ(process.exitCode(), 130) << err.toStdString();
     // The run stops at its next step and still writes what it has; on a loaded machine the step may
-    // outlast the grace, and the forced end says so instead. Either way nothing is left behind.
-    const QByteArray out = process.readAllStandardOutput();
-    if (out.isEmpty()) {
-        EXPECT_TRUE(err.contains("quillon: stopped")) << err.toStdString();
+    // outlast the grace, and the forced end says so instead, its output cut where it was. Either
+    // way nothing is left behind.
+    if (err.contains("quillon: stopped"))
         return;
-    }
+    const QByteArray out = process.readAllStandardOutput();
     const QJsonArray documents = QJsonDocument::fromJson(out).object().value(QStringLiteral("documents")).toArray();
     EXPECT_EQ(documents.size(), 60);
     EXPECT_EQ(documents.last().toObject().value(QStringLiteral("error")).toString(),
