@@ -22,6 +22,12 @@ struct BudgetGuard {
     ~BudgetGuard() { setParallelThreadBudget(saved); }
 };
 
+void raise(std::atomic<int>& highest, int value)
+{
+    for (int seen = highest.load(); value > seen && !highest.compare_exchange_weak(seen, value);) {
+    }
+}
+
 } // namespace
 
 TEST(ParallelFor, EveryIndexRunsOnceOnWorkersWithinTheLimit)
@@ -33,9 +39,7 @@ TEST(ParallelFor, EveryIndexRunsOnceOnWorkersWithinTheLimit)
         std::atomic<int> highestWorker{0};
         ASSERT_TRUE(parallelFor(count, {.maxThreads = 3}, [&](int worker, qsizetype index) {
             runs[static_cast<size_t>(index)].fetch_add(1);
-            int seen = highestWorker.load();
-            while (worker > seen && !highestWorker.compare_exchange_weak(seen, worker)) {
-            }
+            raise(highestWorker, worker);
         }));
         for (const auto& run : runs)
             ASSERT_EQ(run.load(), 1) << count;
@@ -49,15 +53,9 @@ TEST(ParallelFor, NestedFanOutsShareOneBudget)
     BudgetGuard guard;
     setParallelThreadBudget(3);
     std::atomic<int> peak{0};
-    auto notePeak = [&] {
-        int seen = peak.load();
-        const int now = parallelThreadsInUse();
-        while (now > seen && !peak.compare_exchange_weak(seen, now)) {
-        }
-    };
     ASSERT_TRUE(parallelFor(8, {.maxThreads = 4}, [&](int, qsizetype) {
         parallelFor(50, {.maxThreads = 4}, [&](int, qsizetype) {
-            notePeak();
+            raise(peak, parallelThreadsInUse());
             std::this_thread::sleep_for(std::chrono::microseconds(200));
         });
     }));
@@ -77,14 +75,13 @@ TEST(ParallelFor, AThreadTheSystemRefusesLeavesTheWorkToTheThreadsThere)
         const rlimit none{0, 0};
         if ((getuid() == 0 && setuid(65534) != 0) || setrlimit(RLIMIT_NPROC, &none) != 0)
             _exit(10);
-        const auto caller = std::this_thread::get_id();
         std::atomic<int> ran{0};
-        std::atomic<bool> elsewhere{false};
-        const bool done = parallelFor(1000, {.maxThreads = 4}, [&](int, qsizetype) {
+        std::atomic<int> highestWorker{0};
+        const bool done = parallelFor(1000, {.maxThreads = 4}, [&](int worker, qsizetype) {
             ran.fetch_add(1);
-            elsewhere = elsewhere || std::this_thread::get_id() != caller;
+            raise(highestWorker, worker);
         });
-        _exit(done && ran == 1000 && !elsewhere && parallelThreadsInUse() == 0 ? 0 : 1);
+        _exit(done && ran == 1000 && highestWorker == 0 && parallelThreadsInUse() == 0 ? 0 : 1);
     }
     int status = -1;
     ASSERT_EQ(waitpid(child, &status, 0), child);

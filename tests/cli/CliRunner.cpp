@@ -1,11 +1,16 @@
 #include "CliRunner.h"
 
+#include "support/TestSupport.h"
+
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
-#include <QProcess>
+#include <QFileInfo>
 #include <QProcessEnvironment>
 
 #include <algorithm>
+
+#include <gtest/gtest.h>
 
 namespace quillon::test {
 
@@ -14,19 +19,25 @@ CliRun runQuillon(const QStringList& arguments, int timeoutMs)
     return runQuillon(arguments, {}, timeoutMs);
 }
 
-CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs,
-                  const QString& standardOutputFile)
+void startQuillon(QProcess& process, const QStringList& arguments, const QStringList& environment,
+                  const QString& program)
 {
-    QProcess process;
     process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QUILLON_SUPPORT_DIR"), qEnvironmentVariable("QUILLON_SUPPORT_DIR"));
     for (const QString& variable : environment)
         env.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process.setProcessEnvironment(env);
+    process.start(program, arguments);
+}
+
+CliRun runQuillon(const QStringList& arguments, const QStringList& environment, int timeoutMs,
+                  const QString& standardOutputFile)
+{
+    QProcess process;
     if (!standardOutputFile.isEmpty())
         process.setStandardOutputFile(standardOutputFile, QIODevice::Append);
-    process.start(QStringLiteral(QUILLON_CLI_PATH), arguments);
+    startQuillon(process, arguments, environment);
     CliRun run;
     const QString threads = QStringLiteral("/proc/%1/task").arg(process.processId());
     QElapsedTimer clock;
@@ -44,6 +55,39 @@ CliRun runQuillon(const QStringList& arguments, const QStringList& environment, 
     run.out = process.readAllStandardOutput();
     run.err = process.readAllStandardError();
     return run;
+}
+
+QString rewritten(const QTemporaryDir& dir, const QString& sample, const QStringList& replacements)
+{
+    const QString path = dir.filePath(QFileInfo(sample).fileName());
+    QProcess python;
+    python.start(QStringLiteral("python3"),
+                 QStringList{QStringLiteral("-c"),
+                             QStringLiteral("import sys, zipfile\n"
+                                            "new = dict(zip(sys.argv[3::2], sys.argv[4::2]))\n"
+                                            "src = zipfile.ZipFile(sys.argv[1])\n"
+                                            "out = zipfile.ZipFile(sys.argv[2], 'w', zipfile.ZIP_DEFLATED)\n"
+                                            "for item in src.infolist():\n"
+                                            "    out.writestr(item.filename, new.pop(item.filename, None) or "
+                                            "src.read(item.filename))\n"
+                                            "for name, text in new.items():\n"
+                                            "    out.writestr(name, text)\n"
+                                            "out.close()\n"),
+                             samplePath(sample), path} +
+                     replacements);
+    EXPECT_TRUE(python.waitForFinished());
+    EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    return path;
+}
+
+QStringList everythingBelow(const QString& folder)
+{
+    QStringList found;
+    QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        found << it.next();
+    found.sort();
+    return found;
 }
 
 } // namespace quillon::test
