@@ -91,12 +91,15 @@ TEST(ParallelFor, AThreadTheSystemRefusesLeavesTheWorkToTheThreadsThere)
 
 TEST(ParallelFor, CancelStopsTakingItemsAndAFailureIsRethrown)
 {
+    // Items slow enough that no thread gets through all the others before the stop is seen.
+    auto slowly = [] { std::this_thread::sleep_for(std::chrono::microseconds(50)); };
     CancelFlag cancel;
     std::atomic<int> ran{0};
     EXPECT_FALSE(parallelFor(10000, {.maxThreads = 2, .cancel = &cancel}, [&](int, qsizetype index) {
         ran.fetch_add(1);
         if (index == 10)
             cancel.cancel();
+        slowly();
     }));
     EXPECT_LT(ran.load(), 10000);
 
@@ -105,6 +108,7 @@ TEST(ParallelFor, CancelStopsTakingItemsAndAFailureIsRethrown)
                              [&](int, qsizetype index) {
                                  if (index == 3)
                                      throw std::runtime_error("bad item");
+                                 slowly();
                                  after.fetch_add(1);
                              }),
                  std::runtime_error);
