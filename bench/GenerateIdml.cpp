@@ -1,5 +1,7 @@
 // Writes a large generated IDML for trying the program by hand:
 //   GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]
+// or the documents the preflight figures are taken on (bench/preflight-figures.sh):
+//   GenerateIdml --preflight-set FOLDER
 #include "IdmlGenerator.h"
 
 #include <QCoreApplication>
@@ -11,9 +13,20 @@ int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() < 2) {
-        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]\n";
+    if (args.size() < 2 || (args.at(1) == QLatin1String("--preflight-set") && args.size() != 3)) {
+        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]\n"
+                     "       GenerateIdml --preflight-set FOLDER\n";
         return 2;
+    }
+    if (args.at(1) == QLatin1String("--preflight-set")) {
+        const quillon::bench::PreflightDocuments written = quillon::bench::writePreflightDocuments(args.at(2));
+        if (written.small.isEmpty()) {
+            std::cerr << "GenerateIdml: could not write the documents into " << args.at(2).toStdString() << '\n';
+            return 2;
+        }
+        std::cout << written.largeFacts.entries << " entries and " << written.largeFacts.linkedFiles
+                  << " linked files in the large document, " << written.small.size() << " small documents\n";
+        return 0;
     }
     quillon::bench::IdmlShape shape;
     if (args.size() > 2)

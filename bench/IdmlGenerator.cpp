@@ -370,4 +370,43 @@ GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
     return result;
 }
 
+namespace {
+
+IdmlShape styledShape(int spreads, int linksPerSpread, int paragraphs, const QString& linksFolder)
+{
+    IdmlShape shape;
+    shape.spreads = spreads;
+    shape.linksPerSpread = linksPerSpread;
+    shape.paragraphsPerStory = paragraphs;
+    shape.paragraphStyles = 40;
+    shape.characterStyles = 15;
+    shape.swatches = 60;
+    shape.linkedFilesFolder = linksFolder;
+    return shape;
+}
+
+} // namespace
+
+PreflightDocuments writePreflightDocuments(const QString& folder)
+{
+    const QDir root(folder);
+    PreflightDocuments documents;
+    documents.large = root.filePath(QStringLiteral("large/Catalogue.idml"));
+    QDir().mkpath(QFileInfo(documents.large).path());
+    documents.largeFacts =
+        writeGeneratedIdml(documents.large, styledShape(1000, 10, 90, root.filePath(QStringLiteral("large/Links"))));
+    if (documents.largeFacts.entries == 0)
+        return documents;
+    QDir().mkpath(root.filePath(QStringLiteral("small")));
+    for (int i = 0; i < 100; ++i) {
+        const QString path = root.filePath(QStringLiteral("small/Leaflet %1.idml").arg(i));
+        IdmlShape shape = styledShape(4, 4, 20, root.filePath(QStringLiteral("small/Links")));
+        shape.seed = static_cast<unsigned>(i + 1);
+        if (writeGeneratedIdml(path, shape).entries == 0)
+            return {documents.large, {}, {}};
+        documents.small << path;
+    }
+    return documents;
+}
+
 } // namespace quillon::bench

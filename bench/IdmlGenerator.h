@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace quillon::bench {
 
@@ -37,5 +38,17 @@ struct GeneratedIdml {
 // Writes the IDML package at `path` (replacing it). Coordinates and words vary, so the XML
 // compresses about as well as a real document's. Returns nothing on failure.
 GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape);
+
+// The documents the preflight figures are taken on, written into one folder: a 1,000-spread
+// catalogue with ten links a spread ("large/Catalogue.idml", its files in "large/Links") and 100
+// small leaflets of four spreads ("small/Leaflet N.idml", their files in "small/Links"), all
+// with styles, fonts and swatches. `small` is empty and `largeFacts.entries` 0 when one could
+// not be written.
+struct PreflightDocuments {
+    QString large;
+    GeneratedIdml largeFacts;
+    QStringList small;
+};
+PreflightDocuments writePreflightDocuments(const QString& folder);
 
 } // namespace quillon::bench

@@ -15,7 +15,6 @@
 #include "results/Presets.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -34,19 +33,6 @@ using namespace quillon;
 using namespace quillon::host;
 using namespace quillon::preflight;
 
-bench::IdmlShape styledShape(int spreads, int linksPerSpread, int paragraphs, const QString& linksFolder)
-{
-    bench::IdmlShape shape;
-    shape.spreads = spreads;
-    shape.linksPerSpread = linksPerSpread;
-    shape.paragraphsPerStory = paragraphs;
-    shape.paragraphStyles = 40;
-    shape.characterStyles = 15;
-    shape.swatches = 60;
-    shape.linkedFilesFolder = linksFolder;
-    return shape;
-}
-
 struct Documents {
     QTemporaryDir dir;
     QString large;
@@ -54,20 +40,11 @@ struct Documents {
 
     Documents()
     {
-        large = dir.filePath(QStringLiteral("large/Catalogue.idml"));
-        QDir().mkpath(QFileInfo(large).path());
-        const bench::GeneratedIdml facts =
-            bench::writeGeneratedIdml(large, styledShape(1000, 10, 90, dir.filePath(QStringLiteral("large/Links"))));
-        std::cerr << "large: " << facts.entries << " entries, " << facts.xmlBytes / 1e6 << " MB of XML, "
-                  << facts.linkedFiles << " linked files\n";
-        QDir().mkpath(dir.filePath(QStringLiteral("small")));
-        for (int i = 0; i < 100; ++i) {
-            const QString path = dir.filePath(QStringLiteral("small/Leaflet %1.idml").arg(i));
-            bench::IdmlShape shape = styledShape(4, 4, 20, dir.filePath(QStringLiteral("small/Links")));
-            shape.seed = static_cast<unsigned>(i + 1);
-            if (bench::writeGeneratedIdml(path, shape).entries > 0)
-                small << path;
-        }
+        const bench::PreflightDocuments written = bench::writePreflightDocuments(dir.path());
+        large = written.large;
+        small = written.small;
+        std::cerr << "large: " << written.largeFacts.entries << " entries, " << written.largeFacts.xmlBytes / 1e6
+                  << " MB of XML, " << written.largeFacts.linkedFiles << " linked files\n";
     }
 };
 

@@ -13,12 +13,12 @@
 
 namespace quillon::app {
 
-namespace {
-
 int coreCount()
 {
     return static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
 }
+
+namespace {
 
 std::atomic<int> g_budget{coreCount() - 1};
 std::atomic<int> g_inUse{0};
@@ -96,10 +96,7 @@ bool parallelFor(qsizetype count, const ParallelOptions& options,
     threads.reserve(static_cast<size_t>(wanted - 1));
     for (int worker = 1; worker < wanted && takeThread(); ++worker) {
         try {
-            threads.emplace_back([&run, worker] {
-                run(worker);
-                returnThread();
-            });
+            threads.emplace_back(run, worker);
         } catch (const std::system_error& e) {
             returnThread();
             logFailure(QStringLiteral("start a worker thread: %1").arg(QString::fromLocal8Bit(e.what())));
@@ -107,8 +104,11 @@ bool parallelFor(qsizetype count, const ParallelOptions& options,
         }
     }
     run(0);
-    for (std::thread& thread : threads)
+    // A thread goes back to the budget once it has ended, not while it is still alive.
+    for (std::thread& thread : threads) {
         thread.join();
+        returnThread();
+    }
     if (failure)
         std::rethrow_exception(failure);
     return done.load() == count;

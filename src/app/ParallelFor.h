@@ -10,8 +10,8 @@ class CancelFlag;
 
 // How a fan-out may spread.
 struct ParallelOptions {
-    int maxThreads = 0;              // threads working at once, the caller's included; 0: one per core
-    qsizetype itemsPerThread = 1;    // below this many items per thread another thread costs more than it saves
+    int maxThreads = 0;                 // threads working at once, the caller's included; 0: one per core
+    qsizetype itemsPerThread = 1;       // below this many items per thread another thread costs more than it saves
     const CancelFlag* cancel = nullptr; // checked before each item: a cancelled run takes no new item
 };
 
@@ -25,6 +25,9 @@ struct ParallelOptions {
 // every thread has ended. Returns false when cancelled before every item was done.
 bool parallelFor(qsizetype count, const ParallelOptions& options,
                  const std::function<void(int worker, qsizetype index)>& work);
+
+// The processor cores of the machine, at least 1.
+int coreCount();
 
 // The most threads a fan-out asking for `maxThreads` (0: one per core) would use.
 int parallelThreadLimit(int maxThreads);

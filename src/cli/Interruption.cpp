@@ -13,6 +13,7 @@
 #include <mutex>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include <cerrno>
 #include <cstdlib>
@@ -53,6 +54,7 @@ struct Watch {
     std::mutex mutex;
     std::condition_variable finished;
     QStringList folders;
+    std::function<void()> cancel; // run at the first signal
     bool done = false;
     std::thread thread;
 };
@@ -153,10 +155,14 @@ void watchForSignals(Watch& watch)
         watch.finished.wait_for(lock, milliseconds(20));
     if (watch.done)
         return;
-    // The command has its grace to stop on its own; a second signal cuts it short.
+    // The command has its grace to stop on its own; a second signal cuts it short. Work that
+    // starts meanwhile is cancelled too.
     const auto deadline = steady_clock::now() + milliseconds(Interruption::kGraceMilliseconds);
-    while (!watch.done && g_received.load() < 2 && steady_clock::now() < deadline)
+    while (!watch.done && g_received.load() < 2 && steady_clock::now() < deadline) {
+        if (watch.cancel)
+            watch.cancel();
         watch.finished.wait_for(lock, milliseconds(10));
+    }
     if (watch.done)
         return;
     lock.unlock();
@@ -213,6 +219,22 @@ void Interruption::removeOnForcedExit(const QString& folder)
         return;
     std::lock_guard lock(g_watch->mutex);
     g_watch->folders.append(folder);
+}
+
+Interruption::CancelOnRequest::CancelOnRequest(std::function<void()> cancel)
+{
+    if (!g_watch)
+        return;
+    std::lock_guard lock(g_watch->mutex);
+    g_watch->cancel = std::move(cancel);
+}
+
+Interruption::CancelOnRequest::~CancelOnRequest()
+{
+    if (!g_watch)
+        return;
+    std::lock_guard lock(g_watch->mutex);
+    g_watch->cancel = nullptr;
 }
 
 void Interruption::forget(const QString& folder)

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace quillon::cli {
 
 // The signals that end a command: SIGINT (Ctrl-C), SIGTERM, SIGHUP (the terminal went away) and
@@ -27,6 +29,17 @@ public:
     static void forget(const QString& folder);
 
     static constexpr int kGraceMilliseconds = 400;
+
+    // While one lives, `cancel` runs on the watch's own thread from the first signal on, every
+    // few milliseconds until the command returns, so that work the command waits on (and work
+    // that starts meanwhile) is cancelled without the command polling for it.
+    class CancelOnRequest {
+    public:
+        explicit CancelOnRequest(std::function<void()> cancel);
+        ~CancelOnRequest();
+        CancelOnRequest(const CancelOnRequest&) = delete;
+        CancelOnRequest& operator=(const CancelOnRequest&) = delete;
+    };
 };
 
 // The exit status of a command stopped by Ctrl-C (128 + SIGINT).

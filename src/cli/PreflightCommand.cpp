@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 
 #include "app/FilePaths.h"
+#include "app/ParallelFor.h"
 #include "app/Progress.h"
 #include "app/PropertyList.h"
 #include "app/RegularFile.h"
@@ -23,14 +24,11 @@
 #include <QFileInfo>
 #include <QSet>
 
-#include <algorithm>
-#include <atomic>
-#include <condition_variable>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quillon::cli {
@@ -157,57 +155,42 @@ int runPreflight(const PreflightOptions& options)
     for (const std::string& document : options.documents)
         paths << q(document);
     const QStringList reportNames = reportFileNames(paths);
-    const qsizetype jobs = std::clamp<qsizetype>(
-        options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency()), 1, paths.size());
+    // --jobs N runs N documents at once and never sets more than N times the cores to work: the
+    // documents and the fan-outs inside each of them draw their threads from one budget. Without
+    // it, a document a core, sharing the budget the program starts with.
+    const int cores = app::coreCount();
+    if (options.jobs > 0)
+        app::setParallelThreadBudget(options.jobs * cores - 1);
+    const int jobs = options.jobs > 0 ? options.jobs : cores;
 
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
     OrderedPrinter printer(format, preset->name, progress, paths.size());
     app::CancelFlag cancel; // every document's preflight stops when it is set
-    std::atomic<qsizetype> nextDocument{0};
-    std::atomic<qsizetype> workersLeft{jobs};
-    std::mutex doneMutex;
-    std::condition_variable allDone;
-
-    auto work = [&] {
-        for (;;) {
-            const qsizetype index = nextDocument++;
-            if (index >= paths.size() || Interruption::requested())
-                break;
-            const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
-            QDir().mkpath(runFolder);
-            const QString name = QFileInfo(paths.at(index)).fileName();
-            PreflightedDocument document =
-                preflightDocument(paths.at(index), jobOptions, runFolder, cancel,
-                                  [&progress, &name](const QString& status) { progress.status(name, status); });
-            if (document.preflighted && !reportDir.isEmpty()) {
-                const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
-                    document.reportText.toUtf8(), reportDir, reportNames.at(index),
-                    options.overwrite ? reports::QNTextReport::ExistingFile::Replace
-                                      : reports::QNTextReport::ExistingFile::Number);
-                if (!saved)
-                    document.outputError = saved.error().text();
-            }
-            QDir(runFolder).removeRecursively();
-            if (Interruption::requested() && !document.preflighted)
-                break; // a document cut short is not reported
-            progress.documentDone();
-            printer.deliver(index, renderDocument(std::move(document), format, preset->name));
+    // Ctrl-C reaches the running preflights from the signal watch.
+    const Interruption::CancelOnRequest cancelRunning([&cancel] { cancel.cancel(); });
+    app::parallelFor(paths.size(), {.maxThreads = jobs, .cancel = &cancel}, [&](int, qsizetype index) {
+        if (Interruption::requested())
+            return;
+        const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
+        QDir().mkpath(runFolder);
+        const QString name = QFileInfo(paths.at(index)).fileName();
+        PreflightedDocument document =
+            preflightDocument(paths.at(index), jobOptions, runFolder, cancel,
+                              [&progress, &name](const QString& status) { progress.status(name, status); });
+        if (document.preflighted && !reportDir.isEmpty()) {
+            const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
+                document.reportText.toUtf8(), reportDir, reportNames.at(index),
+                options.overwrite ? reports::QNTextReport::ExistingFile::Replace
+                                  : reports::QNTextReport::ExistingFile::Number);
+            if (!saved)
+                document.outputError = saved.error().text();
         }
-        std::lock_guard lock(doneMutex);
-        --workersLeft;
-        allDone.notify_all();
-    };
-    std::vector<std::thread> workers;
-    for (qsizetype i = 0; i < jobs; ++i)
-        workers.emplace_back(work);
-    {
-        std::unique_lock lock(doneMutex);
-        while (!allDone.wait_for(lock, std::chrono::milliseconds(50), [&] { return workersLeft == 0; }))
-            if (Interruption::requested())
-                cancel.cancel();
-    }
-    for (std::thread& worker : workers)
-        worker.join();
+        QDir(runFolder).removeRecursively();
+        if (Interruption::requested() && !document.preflighted)
+            return; // a document cut short is not reported
+        progress.documentDone();
+        printer.deliver(index, renderDocument(std::move(document), format, preset->name));
+    });
     progress.clear();
     printer.finish(paths);
     if (Interruption::requested()) {

@@ -2,6 +2,7 @@
 
 #include "app/Numbers.h"
 #include "app/NumericText.h"
+#include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 #include "fileinspect/ByteSource.h"
 #include "fileinspect/IccProfile.h"
@@ -13,13 +14,41 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <atomic>
-#include <thread>
-#include <vector>
-
 namespace quillon::fileinspect {
 
 namespace {
+
+struct KindTexts {
+    QString name;
+    // Why a file named as this kind is not one: the signature its content lacks.
+    QString missingSignature;
+};
+
+KindTexts kindTexts(FileKind kind)
+{
+    switch (kind) {
+    case FileKind::Photoshop:
+        return {QStringLiteral("Photoshop"), QStringLiteral("not a Photoshop file (no 8BPS signature)")};
+    case FileKind::EPS:
+        return {QStringLiteral("EPS"), QStringLiteral("not an EPS file (no %!PS-Adobe or DOS EPS signature)")};
+    case FileKind::Illustrator:
+        return {QStringLiteral("Illustrator"),
+                QStringLiteral("not an Illustrator file (no %!PS-Adobe or %PDF- signature)")};
+    case FileKind::TIFF:
+        return {QStringLiteral("TIFF"), QStringLiteral("not a TIFF file (no II* or MM* signature)")};
+    case FileKind::JPEG:
+        return {QStringLiteral("JPEG"), QStringLiteral("not a JPEG file (no FF D8 FF signature)")};
+    case FileKind::PNG:
+        return {QStringLiteral("PNG"), QStringLiteral("not a PNG file (no PNG signature)")};
+    case FileKind::PDF:
+        return {QStringLiteral("PDF"), QStringLiteral("not a PDF file (no %PDF- header in its first 1024 bytes)")};
+    case FileKind::IccProfile:
+        return {QStringLiteral("ICC profile"), QStringLiteral("not an ICC profile (no acsp signature)")};
+    case FileKind::Unknown:
+        break;
+    }
+    return {QStringLiteral("?"), {}};
+}
 
 FileKind kindByExtension(const QString& path)
 {
@@ -70,32 +99,6 @@ FileKind detectKind(const ByteSource& file)
 {
     const FileKind bySignature = signatureKind(file);
     return bySignature != FileKind::Unknown ? bySignature : kindByExtension(file.path());
-}
-
-// Why a file named as `kind` is not one: the signature its content lacks.
-QString missingSignature(FileKind kind)
-{
-    switch (kind) {
-    case FileKind::Photoshop:
-        return QStringLiteral("not a Photoshop file (no 8BPS signature)");
-    case FileKind::EPS:
-        return QStringLiteral("not an EPS file (no %!PS-Adobe or DOS EPS signature)");
-    case FileKind::Illustrator:
-        return QStringLiteral("not an Illustrator file (no %!PS-Adobe or %PDF- signature)");
-    case FileKind::TIFF:
-        return QStringLiteral("not a TIFF file (no II* or MM* signature)");
-    case FileKind::JPEG:
-        return QStringLiteral("not a JPEG file (no FF D8 FF signature)");
-    case FileKind::PNG:
-        return QStringLiteral("not a PNG file (no PNG signature)");
-    case FileKind::PDF:
-        return QStringLiteral("not a PDF file (no %PDF- header in its first 1024 bytes)");
-    case FileKind::IccProfile:
-        return QStringLiteral("not an ICC profile (no acsp signature)");
-    case FileKind::Unknown:
-        break;
-    }
-    return {};
 }
 
 // The parts of a list the readers separate by carriage returns or line feeds.
@@ -253,27 +256,7 @@ void inspectPdf(FileFacts& facts)
 
 QString fileKindName(FileKind kind)
 {
-    switch (kind) {
-    case FileKind::Photoshop:
-        return QStringLiteral("Photoshop");
-    case FileKind::EPS:
-        return QStringLiteral("EPS");
-    case FileKind::Illustrator:
-        return QStringLiteral("Illustrator");
-    case FileKind::TIFF:
-        return QStringLiteral("TIFF");
-    case FileKind::JPEG:
-        return QStringLiteral("JPEG");
-    case FileKind::PNG:
-        return QStringLiteral("PNG");
-    case FileKind::PDF:
-        return QStringLiteral("PDF");
-    case FileKind::IccProfile:
-        return QStringLiteral("ICC profile");
-    case FileKind::Unknown:
-        break;
-    }
-    return QStringLiteral("?");
+    return kindTexts(kind).name;
 }
 
 FileKind detectFileKind(const QString& path)
@@ -293,7 +276,7 @@ FileFacts inspectFile(const QString& path, FileKind kind)
     }
     // The kind comes from the content: a name alone ("empty.psd") proves nothing.
     if (kind == FileKind::Unknown && signatureKind(file) == FileKind::Unknown && facts.kind != FileKind::Unknown) {
-        facts.error = missingSignature(facts.kind);
+        facts.error = kindTexts(facts.kind).missingSignature;
         return facts;
     }
     QNPreflightMethods reader;
@@ -327,21 +310,11 @@ FileFacts inspectFile(const QString& path, FileKind kind)
 
 QList<FileFacts> inspectFiles(const QStringList& paths, int threads)
 {
-    std::vector<FileFacts> facts(size_t(paths.size()));
-    std::atomic<qsizetype> next{0};
-    auto work = [&] {
-        for (qsizetype i = next++; i < paths.size(); i = next++)
-            facts[size_t(i)] = inspectFile(paths[i]);
-    };
-    if (threads <= 0)
-        threads = int(std::max(1u, std::thread::hardware_concurrency()));
-    std::vector<std::thread> workers;
-    for (int t = 1; t < std::min<qsizetype>(threads, paths.size()); ++t)
-        workers.emplace_back(work);
-    work();
-    for (std::thread& worker : workers)
-        worker.join();
-    return QList<FileFacts>(facts.begin(), facts.end());
+    QList<FileFacts> facts(paths.size());
+    FileFacts* const slots = facts.data(); // detached once, before the threads write into it
+    app::parallelFor(paths.size(), {.maxThreads = threads},
+                     [&](int, qsizetype index) { slots[index] = inspectFile(paths.at(index)); });
+    return facts;
 }
 
 QVariantMap factsRecord(const FileFacts& facts)

@@ -63,8 +63,8 @@ struct FileFacts {
 // be read gives facts with `error` set. Thread-safe: calls share nothing.
 FileFacts inspectFile(const QString& path, FileKind kind = FileKind::Unknown);
 
-// The facts of many files, in their order, read by `threads` threads at once (0: one per
-// processor core).
+// The facts of many files, in their order, read by up to `threads` threads at once (0: one per
+// processor core) as far as the program's thread budget allows.
 QList<FileFacts> inspectFiles(const QStringList& paths, int threads = 0);
 
 // The facts as a record with the keys below; facts that are not known are left out.

@@ -1,12 +1,12 @@
 #include "results/LinkResults.h"
 
 #include "app/NumericText.h"
+#include "app/ParallelFor.h"
 #include "app/PathComponents.h"
 #include "app/RecordKeys.h"
 #include "app/Settings.h"
 #include "links/LinkRecordKeys.h"
 #include "results/LinkRuleTable.h"
-#include "results/ParallelRanges.h"
 #include "results/PresetKeys.h"
 #include "results/ResultKeys.h"
 
@@ -270,24 +270,23 @@ QVariantList QNLinksOutline::applyCurrPresetToArray(QVariantList records, const 
         return records;
     const LinkChecks checks(linksIt->toMap());
 
-    // Each record is judged in place of its input, on as many threads as the list is worth.
+    // Each record is judged in place of its input, on as many threads as the list is worth: below
+    // 2,000 records a thread costs more than it saves.
     QVariant* rows = records.data();
-    auto judgeRange = [&checks, rows](qsizetype begin, qsizetype end) {
-        QString storage;
-        for (qsizetype i = begin; i < end; ++i) {
-            QVariantMap record = takeMap(rows[i]);
-            const QVariantMap alerts = checks.judge(record);
-            const bool alerted = !alerts.isEmpty();
-            record.insert(kIconKey, iconForLink(textOf(record, lk::kLinkPathKey, storage)));
-            record.insert(kStatusImgKey, statusImage(textOf(record, lk::kLinkStatusKey, storage)));
-            record.insert(kBadFolderKey, kImageBlank);
-            record.insert(kAlertsKey, alerts);
-            record.insert(kAlertKey, alerted ? kImageWarning : kImageBlank);
-            record.insert(kAlertNameKey, alerted ? kImageWarning : QString());
-            rows[i] = std::move(record);
-        }
-    };
-    runInParallel(records.size(), judgeRange);
+    std::vector<QString> storage(static_cast<size_t>(app::parallelThreadLimit(0)));
+    app::parallelFor(records.size(), {.itemsPerThread = 2000}, [&](int worker, qsizetype i) {
+        QString& text = storage[static_cast<size_t>(worker)];
+        QVariantMap record = takeMap(rows[i]);
+        const QVariantMap alerts = checks.judge(record);
+        const bool alerted = !alerts.isEmpty();
+        record.insert(kIconKey, iconForLink(textOf(record, lk::kLinkPathKey, text)));
+        record.insert(kStatusImgKey, statusImage(textOf(record, lk::kLinkStatusKey, text)));
+        record.insert(kBadFolderKey, kImageBlank);
+        record.insert(kAlertsKey, alerts);
+        record.insert(kAlertKey, alerted ? kImageWarning : kImageBlank);
+        record.insert(kAlertNameKey, alerted ? kImageWarning : QString());
+        rows[i] = std::move(record);
+    });
     return records;
 }
 

@@ -6,39 +6,15 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+using quillon::test::rewritten;
 using quillon::test::runQuillon;
 using quillon::test::samplePath;
 
 namespace {
-
-// A copy of a sample with some parts replaced (or added) by the given bytes.
-QString rewritten(const QTemporaryDir& dir, const QString& sample, const QStringList& replacements)
-{
-    const QString path = dir.filePath(QFileInfo(sample).fileName());
-    QProcess python;
-    python.start(QStringLiteral("python3"),
-                 QStringList{QStringLiteral("-c"),
-                             QStringLiteral("import sys, zipfile\n"
-                                            "new = dict(zip(sys.argv[3::2], sys.argv[4::2]))\n"
-                                            "src = zipfile.ZipFile(sys.argv[1])\n"
-                                            "out = zipfile.ZipFile(sys.argv[2], 'w', zipfile.ZIP_DEFLATED)\n"
-                                            "for item in src.infolist():\n"
-                                            "    out.writestr(item.filename, new.pop(item.filename, None) or "
-                                            "src.read(item.filename))\n"
-                                            "for name, text in new.items():\n"
-                                            "    out.writestr(name, text)\n"
-                                            "out.close()\n"),
-                             samplePath(sample), path} +
-                     replacements);
-    EXPECT_TRUE(python.waitForFinished());
-    EXPECT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
-    return path;
-}
 
 QJsonArray jsonOf(const QByteArray& out, const QString& key = {})
 {

@@ -3,7 +3,6 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,22 +12,9 @@
 
 #include <gtest/gtest.h>
 
+using quillon::test::everythingBelow;
 using quillon::test::runQuillon;
 using quillon::test::samplePath;
-
-namespace {
-
-QStringList everythingBelow(const QString& folder)
-{
-    QStringList found;
-    QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext())
-        found << it.next();
-    found.sort();
-    return found;
-}
-
-} // namespace
 
 TEST(InfoCommand, PrintsTheDocumentInformationAsTextAndJson)
 {
@@ -67,8 +53,10 @@ TEST(InfoCommand, BrokenFilesFailWithTheirNameAndWriteNothingOutsideTheWorkFolde
     const QString empty = docs.filePath(QStringLiteral("empty.idml"));
     quillon::test::writeAll(empty, {});
     const QString missing = docs.filePath(QStringLiteral("missing.idml"));
-    const QString climbing = docs.filePath(QStringLiteral("climbing.idml"));
-    ASSERT_TRUE(quillon::test::writeClimbingIdml(climbing));
+    // An archive with an entry that would land outside the folder it is unpacked into.
+    const QString climbing =
+        quillon::test::rewritten(docs, QStringLiteral("idml/helloworld-1.idml"),
+                                 {QStringLiteral("../../../../escaped.txt"), QStringLiteral("outside")});
     const QStringList docsBefore = everythingBelow(docs.path());
 
     for (const QString& path : {truncated, notZip, empty, missing, climbing}) {
@@ -103,16 +91,12 @@ TEST(InfoCommand, RefusesPathsThatAreNotIdmlFiles)
     // A name that is not UTF-8 is refused as such, with its bytes shown, and no work copy is left.
     QTemporaryDir tmp;
     QProcess process;
-    process.setProcessEnvironment([&] {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TMPDIR"), tmp.path());
-        return env;
-    }());
-    process.start(QStringLiteral("bash"),
-                  {QStringLiteral("-c"),
-                   QStringLiteral("f=\"$2/caf$(printf '\\351').idml\"; cp \"$1\" \"$f\"; \"$0\" info \"$f\""),
-                   QStringLiteral(QUILLON_CLI_PATH), samplePath(QStringLiteral("idml/helloworld-1.idml")),
-                   docs.path()});
+    quillon::test::startQuillon(
+        process,
+        {QStringLiteral("-c"),
+         QStringLiteral("f=\"$2/caf$(printf '\\351').idml\"; cp \"$1\" \"$f\"; \"$0\" info \"$f\""),
+         QStringLiteral(QUILLON_CLI_PATH), samplePath(QStringLiteral("idml/helloworld-1.idml")), docs.path()},
+        {QStringLiteral("TMPDIR=") + tmp.path()}, QStringLiteral("bash"));
     ASSERT_TRUE(process.waitForFinished(60000));
     EXPECT_EQ(process.exitCode(), 2);
     EXPECT_TRUE(process.readAllStandardError().contains("caf\\xE9.idml: the path is not valid UTF-8"));

@@ -4,8 +4,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -15,7 +13,9 @@
 
 namespace {
 
+using quillon::test::everythingBelow;
 using quillon::test::samplePath;
+using quillon::test::startQuillon;
 
 // A command's arguments over the largest sample many times, so that it is still at work when
 // the signal comes.
@@ -25,11 +25,6 @@ QStringList longRun(const char* command)
     for (int i = 0; i < 40; ++i)
         arguments << samplePath(QStringLiteral("idml/manual_template_test2.idml"));
     return arguments;
-}
-
-QStringList leftIn(const QTemporaryDir& tmp)
-{
-    return QDir(tmp.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
 }
 
 TEST(CliSignals, HangUpAndTerminateLeaveNoTemporaryFolder)
@@ -43,15 +38,11 @@ TEST(CliSignals, HangUpAndTerminateLeaveNoTemporaryFolder)
         SCOPED_TRACE(c.command);
         QTemporaryDir tmp;
         QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TMPDIR"), tmp.path());
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
-        process.start(QStringLiteral(QUILLON_CLI_PATH), longRun(c.command));
+        startQuillon(process, longRun(c.command), {QStringLiteral("TMPDIR=") + tmp.path()});
         ASSERT_TRUE(process.waitForStarted());
         QElapsedTimer waited;
         waited.start();
-        while (leftIn(tmp).isEmpty() && waited.elapsed() < 30000)
+        while (everythingBelow(tmp.path()).isEmpty() && waited.elapsed() < 30000)
             QThread::msleep(2);
         QThread::msleep(200); // well into a document
         ::kill(static_cast<pid_t>(process.processId()), c.signal);
@@ -61,7 +52,7 @@ TEST(CliSignals, HangUpAndTerminateLeaveNoTemporaryFolder)
         EXPECT_LT(stopping.elapsed(), 5000) << "a cancel takes effect at once";
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(process.exitCode(), c.status) << process.readAllStandardError().toStdString();
-        EXPECT_TRUE(leftIn(tmp).isEmpty()) << leftIn(tmp).join(u' ').toStdString();
+        EXPECT_TRUE(everythingBelow(tmp.path()).isEmpty()) << everythingBelow(tmp.path()).join(u' ').toStdString();
     }
 }
 
@@ -76,15 +67,11 @@ TEST(CliSignals, AReaderThatGoesAwayEndsTheRunCleanlyWithStatus2)
                         QStringLiteral(QUILLON_CLI_PATH)} +
             longRun(command);
         QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TMPDIR"), tmp.path());
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(QStringLiteral(QUILLON_SOURCE_DIR));
-        process.start(QStringLiteral("bash"), arguments);
+        startQuillon(process, arguments, {QStringLiteral("TMPDIR=") + tmp.path()}, QStringLiteral("bash"));
         ASSERT_TRUE(process.waitForFinished(60000));
         EXPECT_EQ(process.exitCode(), 2);
         EXPECT_TRUE(process.readAllStandardError().contains("quillon: cannot write standard output: Broken pipe"));
-        EXPECT_TRUE(leftIn(tmp).isEmpty()) << leftIn(tmp).join(u' ').toStdString();
+        EXPECT_TRUE(everythingBelow(tmp.path()).isEmpty()) << everythingBelow(tmp.path()).join(u' ').toStdString();
     }
 }
 
@@ -94,19 +81,18 @@ TEST(CliSignals, AFileSizeLimitFailsTheWriteInsteadOfKillingTheRun)
     // without removing its work folder; the command reports the write instead.
     QTemporaryDir tmp;
     QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("TMPDIR"), tmp.path());
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral("bash"), {QStringLiteral("-c"), QStringLiteral("ulimit -f 100; exec \"$0\" \"$@\""),
-                                           QStringLiteral(QUILLON_CLI_PATH), QStringLiteral("preflight"),
-                                           samplePath(QStringLiteral("idml/tripple.idml"))});
+    startQuillon(process,
+                 {QStringLiteral("-c"), QStringLiteral("ulimit -f 100; exec \"$0\" \"$@\""),
+                  QStringLiteral(QUILLON_CLI_PATH), QStringLiteral("preflight"),
+                  samplePath(QStringLiteral("idml/tripple.idml"))},
+                 {QStringLiteral("TMPDIR=") + tmp.path()}, QStringLiteral("bash"));
     ASSERT_TRUE(process.waitForFinished(60000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     const QByteArray err = process.readAllStandardError();
     EXPECT_EQ(process.exitCode(), 2) << err.toStdString();
     // The copy's own reason, not the library's "Input/output error".
     EXPECT_TRUE(err.contains("tripple.idml") && err.toLower().contains("file too large")) << err.toStdString();
-    EXPECT_TRUE(leftIn(tmp).isEmpty()) << leftIn(tmp).join(u' ').toStdString();
+    EXPECT_TRUE(everythingBelow(tmp.path()).isEmpty()) << everythingBelow(tmp.path()).join(u' ').toStdString();
 }
 
 } // namespace
