@@ -169,9 +169,7 @@ void BM_AnalyseLargeDocument(benchmark::State& state)
         state.SkipWithError("the generated document could not be written");
         return;
     }
-    QTemporaryDir dataFolder;
     links::LinksController controller;
-    controller.dataFileFolder = dataFolder.path();
     controller.numberOfLinksInDoc = doc.links;
     controller.fileThreads = static_cast<int>(state.range(0));
     qsizetype records = 0;
