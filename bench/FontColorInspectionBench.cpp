@@ -83,8 +83,8 @@ void paragraphStyles(benchmark::State& state)
     const Fixture& f = fixture();
     for (auto _ : state) {
         auto parts = f.parts();
-        auto report = parts ? host::paraReportFromIdml(*parts) : app::Result<inspection::Inspected<QString>>(
-                                                                     app::makeError(QStringLiteral("unreadable")));
+        auto report = parts ? host::paraReportFromIdml(*parts)
+                            : app::Result<inspection::Inspected<QString>>(app::makeError(QStringLiteral("unreadable")));
         if (!report.ok())
             state.SkipWithError("paragraph styles failed");
         benchmark::DoNotOptimize(report);

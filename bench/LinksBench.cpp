@@ -5,8 +5,8 @@
 
 #include "IdmlGenerator.h"
 
-#include "links/QNIDMLLinksProcessor.h"
 #include "idml/IdmlArchive.h"
+#include "links/QNIDMLLinksProcessor.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 // Unpacking a large IDML in process, against the system's unzip on the same file.
 #include "IdmlGenerator.h"
 
-#include "idml/IdmlArchive.h"
 #include "host/OfflineIdmlHost.h"
+#include "idml/IdmlArchive.h"
 
 #include <QCoreApplication>
 #include <QDir>

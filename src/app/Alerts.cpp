@@ -11,17 +11,16 @@ namespace {
 const QString kDefaultAnswerProperty = QStringLiteral("lastAlertButtonReturn");
 }
 
-int runAlert(AlertSink& sink, const QString& title, const QString& message,
-             const std::optional<QStringList>& buttons, bool asCritical)
+int runAlert(AlertSink& sink, const QString& title, const QString& message, const std::optional<QStringList>& buttons,
+             bool asCritical)
 {
     logLine(QStringLiteral("> runAlert: %1").arg(title));
     AlertRequest request{title, message, buttons.value_or(QStringList{QStringLiteral("OK")}), asCritical};
     return sink.ask(request);
 }
 
-QVariantMap alertRequestDict(const QString& title, const QString& message,
-                             const std::optional<QStringList>& buttons, bool asCritical,
-                             const QString& propertyName)
+QVariantMap alertRequestDict(const QString& title, const QString& message, const std::optional<QStringList>& buttons,
+                             bool asCritical, const QString& propertyName)
 {
     return QVariantMap{
         {QStringLiteral("alert"), title},
@@ -34,10 +33,9 @@ QVariantMap alertRequestDict(const QString& title, const QString& message,
 
 int showAlertWithDict(AlertSink& sink, QObject* receiver, const QVariantMap& dict)
 {
-    const int answer = runAlert(sink, dict.value(QStringLiteral("alert")).toString(),
-                                dict.value(QStringLiteral("message")).toString(),
-                                dict.value(QStringLiteral("buttons")).toStringList(),
-                                dict.value(QStringLiteral("asCritical")).toBool());
+    const int answer = runAlert(
+        sink, dict.value(QStringLiteral("alert")).toString(), dict.value(QStringLiteral("message")).toString(),
+        dict.value(QStringLiteral("buttons")).toStringList(), dict.value(QStringLiteral("asCritical")).toBool());
     logLine(QStringLiteral("lastAlertReturn: %1").arg(answer));
     const QString propertyName = dict.value(QStringLiteral("propertyNameForAlertReturn")).toString();
     const QByteArray name = propertyName.toUtf8();

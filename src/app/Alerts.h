@@ -38,14 +38,13 @@ public:
 
 // The title, the message ("" when none) and the button titles, or one "OK" when none are given.
 // Logs "> runAlert: <title>".
-int runAlert(AlertSink& sink, const QString& title, const QString& message,
-             const std::optional<QStringList>& buttons, bool asCritical);
+int runAlert(AlertSink& sink, const QString& title, const QString& message, const std::optional<QStringList>& buttons,
+             bool asCritical);
 
 // The alert request dictionary read by showAlertWithDict: "alert", "message", "buttons" (an
 // empty array when none), "asCritical", "propertyNameForAlertReturn".
-QVariantMap alertRequestDict(const QString& title, const QString& message,
-                             const std::optional<QStringList>& buttons, bool asCritical,
-                             const QString& propertyName = {});
+QVariantMap alertRequestDict(const QString& title, const QString& message, const std::optional<QStringList>& buttons,
+                             bool asCritical, const QString& propertyName = {});
 
 // Runs the alert of the dictionary and stores the answer as an integer in the receiver's Qt
 // property of the dictionary's name. A receiver without that property loses the answer (logged

@@ -16,10 +16,25 @@ void setDebugLogging(bool enabled);
 bool debugLoggingEnabled();
 
 void logLine(const QString& line);
-inline void logEntry(const char* method) { logLine(QStringLiteral("> ") + QLatin1String(method)); }
-inline void logUserAction(const char* method) { logLine(QStringLiteral("-*> ") + QLatin1String(method)); }
-inline void logException(const QString& what) { logLine(QStringLiteral("--> ") + what); }
-inline void logFailure(const QString& what) { logLine(QStringLiteral("-> can't ") + what); }
-inline void logError(const QString& what) { logLine(QStringLiteral("-> ERR ") + what); }
+inline void logEntry(const char* method)
+{
+    logLine(QStringLiteral("> ") + QLatin1String(method));
+}
+inline void logUserAction(const char* method)
+{
+    logLine(QStringLiteral("-*> ") + QLatin1String(method));
+}
+inline void logException(const QString& what)
+{
+    logLine(QStringLiteral("--> ") + what);
+}
+inline void logFailure(const QString& what)
+{
+    logLine(QStringLiteral("-> can't ") + what);
+}
+inline void logError(const QString& what)
+{
+    logLine(QStringLiteral("-> ERR ") + what);
+}
 
 } // namespace quillon::app

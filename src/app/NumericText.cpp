@@ -83,8 +83,7 @@ std::string leadingNumber(QStringView text)
 }
 
 // from_chars, not strtod: the process locale may use a decimal comma.
-template <typename Real>
-Real parseLeadingNumber(QStringView text)
+template <typename Real> Real parseLeadingNumber(QStringView text)
 {
     const std::string number = leadingNumber(text);
     if (number.empty())

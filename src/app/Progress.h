@@ -13,7 +13,11 @@ class ProgressSink {
 public:
     virtual ~ProgressSink() = default;
     // A named stage begins ("links", "fonts", ...); `text` is what the user reads.
-    virtual void stage(const QString& name, const QString& text) { (void)name; (void)text; }
+    virtual void stage(const QString& name, const QString& text)
+    {
+        (void)name;
+        (void)text;
+    }
     virtual void setMaximum(double maximum) { (void)maximum; }
     virtual void setValue(double value) { (void)value; }
     virtual void increment(double by) { (void)by; }

@@ -42,12 +42,15 @@ public:
         const size_t trailerAt = m_size - kTrailerSize;
         if (m_offsetSize < 1 || m_offsetSize > 8 || m_refSize < 1 || m_refSize > 8)
             return error(trailerAt, QStringLiteral("the trailer gives impossible offset or reference sizes (%1, %2); "
-                                                   "the file is damaged or truncated").arg(m_offsetSize).arg(m_refSize));
+                                                   "the file is damaged or truncated")
+                                        .arg(m_offsetSize)
+                                        .arg(m_refSize));
         if (objectCount == 0 || topObject >= objectCount)
             return error(trailerAt, QStringLiteral("the trailer's object count or top object is wrong; the file is "
                                                    "damaged or truncated"));
         if (tableOffset < 8 || tableOffset > trailerAt || objectCount > (trailerAt - tableOffset) / m_offsetSize)
-            return error(trailerAt, QStringLiteral("the offset table lies outside the file; the file is damaged or truncated"));
+            return error(trailerAt,
+                         QStringLiteral("the offset table lies outside the file; the file is damaged or truncated"));
         m_tableOffset = static_cast<size_t>(tableOffset);
         m_objectCount = static_cast<size_t>(objectCount);
         m_objectsEnd = m_tableOffset;
@@ -78,7 +81,8 @@ private:
             return error(0, QStringLiteral("values nested more than %1 deep").arg(kMaxDepth));
         if (m_cache[index])
             return *m_cache[index];
-        const size_t offset = static_cast<size_t>(bigEndian(m_data + m_tableOffset + index * m_offsetSize, m_offsetSize));
+        const size_t offset =
+            static_cast<size_t>(bigEndian(m_data + m_tableOffset + index * m_offsetSize, m_offsetSize));
         if (offset < 8 || offset >= m_objectsEnd)
             return error(m_tableOffset + index * m_offsetSize,
                          QStringLiteral("object %1 starts outside the object area").arg(index));
@@ -231,7 +235,8 @@ private:
         for (size_t i = 0; i < refs.size(); ++i) {
             const quint64 ref = bigEndian(m_data + at + i * m_refSize, m_refSize);
             if (ref >= m_objectCount)
-                return error(at + i * m_refSize, QStringLiteral("a reference to object %1, which does not exist").arg(ref));
+                return error(at + i * m_refSize,
+                             QStringLiteral("a reference to object %1, which does not exist").arg(ref));
             refs[i] = static_cast<size_t>(ref);
         }
         return refs;

@@ -9,9 +9,10 @@ namespace quillon::app {
 // document group row without "docPath"; a result list shows one group row per document when a
 // data file holds several documents.
 
-inline const QString kGroupDocPathKey = QStringLiteral("docPath");   // text: the document's POSIX path (the data file's key)
-inline const QString kGroupNameKey = QStringLiteral("name");         // text: the document's file name
-inline const QString kGroupIsDockKey = QStringLiteral("isDock");     // number 1 or true; spelled so in the format, keep it
+inline const QString kGroupDocPathKey =
+    QStringLiteral("docPath");                               // text: the document's POSIX path (the data file's key)
+inline const QString kGroupNameKey = QStringLiteral("name"); // text: the document's file name
+inline const QString kGroupIsDockKey = QStringLiteral("isDock"); // number 1 or true; spelled so in the format, keep it
 inline const QString kGroupChildrenKey = QStringLiteral("children"); // array: the document's records
 
 // The data files, at the top of the temporary folder; deleted at the start of every preflight.

@@ -21,8 +21,7 @@ struct Error {
 
 // A value or an Error. No exceptions cross module boundaries; third-party exceptions are
 // caught at the call and turned into one of these.
-template <typename T>
-class [[nodiscard]] Result {
+template <typename T> class [[nodiscard]] Result {
 public:
     Result(T value) : m_data(std::move(value)) {}
     Result(Error error) : m_data(std::move(error)) {}

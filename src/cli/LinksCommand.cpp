@@ -3,8 +3,8 @@
 #include "app/RegularFile.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
-#include "idml/IdmlDocument.h"
 #include "cli/TerminalText.h"
+#include "idml/IdmlDocument.h"
 
 #include "host/InDesignHost.h"
 #include "links/LinkRecordKeys.h"

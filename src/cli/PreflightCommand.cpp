@@ -178,10 +178,10 @@ int runPreflight(const PreflightOptions& options)
             preflightDocument(paths.at(index), jobOptions, runFolder, cancel,
                               [&progress, &name](const QString& status) { progress.status(name, status); });
         if (document.preflighted && !reportDir.isEmpty()) {
-            const app::Result<QString> saved = reports::QNTextReport::saveReportFile(
-                document.reportText.toUtf8(), reportDir, reportNames.at(index),
-                options.overwrite ? reports::QNTextReport::ExistingFile::Replace
-                                  : reports::QNTextReport::ExistingFile::Number);
+            const app::Result<QString> saved =
+                reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
+                                                      options.overwrite ? reports::QNTextReport::ExistingFile::Replace
+                                                                        : reports::QNTextReport::ExistingFile::Number);
             if (!saved)
                 document.outputError = saved.error().text();
         }

@@ -1,7 +1,7 @@
 #include "host/ColorScript.h"
 
-#include "inspection/ColorRecordKeys.h"
 #include "host/FontColorScripts.h"
+#include "inspection/ColorRecordKeys.h"
 
 #include <QSet>
 

@@ -79,8 +79,8 @@ inspection::DocumentRecord idmlDocumentRecord(const IdmlDocument& document, cons
             });
         }
     }
-    return inspection::DocumentRecord{QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links),
-                       version};
+    return inspection::DocumentRecord{
+        QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links), version};
 }
 
 Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder,
@@ -304,9 +304,9 @@ Result<QString> OfflineIdmlHost::pageNameForLinkID(const QString& docName, const
                      docName);
 }
 
-Result<inspection::Inspected<QVariantList>>
-OfflineIdmlHost::processFonts(const inspection::DocumentRecord& record, const IdmlDocument* document,
-                              const app::CancelFlag* cancel)
+Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const inspection::DocumentRecord& record,
+                                                                          const IdmlDocument* document,
+                                                                          const app::CancelFlag* cancel)
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();

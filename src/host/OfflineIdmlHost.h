@@ -45,12 +45,12 @@ public:
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
     // The export of a preflight is a copy of the document: what the record read is handed over.
     std::shared_ptr<const idml::IdmlDocument> idmlDocument(const QString& idmlPath) override;
-    app::Result<inspection::Inspected<QVariantList>>
-    processFonts(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
-                 const app::CancelFlag* cancel) override;
+    app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
+                                                                  const idml::IdmlDocument* document,
+                                                                  const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<inspection::ColorInspection>>
-    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document, const QString& registrationInTextFlag,
-                  const app::CancelFlag* cancel) override;
+    processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
+                  const QString& registrationInTextFlag, const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
                                                            const idml::IdmlDocument* document) override;
 
@@ -93,10 +93,10 @@ private:
 // and stories, the DOM version. Parts that cannot be read are left out of the counts and, with
 // `warnings`, named there.
 inspection::DocumentRecord idmlDocumentRecord(const idml::IdmlDocument& document, const QString& idmlPath,
-                               QList<app::Error>* warnings = nullptr);
+                                              QList<app::Error>* warnings = nullptr);
 // The same read from the file (a copy repaired in `workFolder`, the system's work folder when
 // empty, when it is damaged).
 app::Result<inspection::DocumentRecord> idmlDocumentRecord(const QString& idmlPath, const QString& workFolder = {},
-                                            QList<app::Error>* warnings = nullptr);
+                                                           QList<app::Error>* warnings = nullptr);
 
 } // namespace quillon::host

@@ -10,12 +10,16 @@ namespace quillon::inspection {
 // into "qnf_tmpFontData.plist" and judged by the font results. Values are text unless stated.
 // Document group rows use the keys of app/RecordKeys.h.
 
-inline const QString kFontNameKey = QStringLiteral("name");     // family and style as shown
-inline const QString kFontTypeKey = QStringLiteral("type");     // "OpenType..." (any text containing it), "type 1", "TrueType", "bitmap", other
-inline const QString kFontStatusKey = QStringLiteral("status"); // "installed", "missing", "fauxed", "substituted", "unknown"
+inline const QString kFontNameKey = QStringLiteral("name"); // family and style as shown
+inline const QString kFontTypeKey =
+    QStringLiteral("type"); // "OpenType..." (any text containing it), "type 1", "TrueType", "bitmap", other
+inline const QString kFontStatusKey =
+    QStringLiteral("status"); // "installed", "missing", "fauxed", "substituted", "unknown"
 inline const QString kFontPsFontKey = QStringLiteral("psfont"); // PostScript name; may be empty
-inline const QString kFontPathKey = QStringLiteral("path");     // font file; "?" or "" when unknown; holds "from Adobe Fonts" for those
-inline const QString kFontEmbedKey = QStringLiteral("embed");   // text or number: PDF embedding allowed ("Yes"/"1" true, "No"/"0" false)
+inline const QString kFontPathKey =
+    QStringLiteral("path"); // font file; "?" or "" when unknown; holds "from Adobe Fonts" for those
+inline const QString kFontEmbedKey =
+    QStringLiteral("embed"); // text or number: PDF embedding allowed ("Yes"/"1" true, "No"/"0" false)
 
 // Values the readers of the record test for.
 inline const QString kFontStatusInstalled = QStringLiteral("installed");

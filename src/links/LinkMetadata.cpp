@@ -4,12 +4,12 @@
 #include "app/Numbers.h"
 #include "app/PathComponents.h"
 #include "fileinspect/QNPreflightMethods.h"
+#include "idml/TextFields.h"
+#include "idml/XmlPath.h"
 #include "links/LinkPaths.h"
 #include "links/LinkRecordKeys.h"
 #include "links/LinkValues.h"
 #include "links/LinkedFileReader.h"
-#include "idml/TextFields.h"
-#include "idml/XmlPath.h"
 
 #include <QFileInfo>
 #include <QUrl>

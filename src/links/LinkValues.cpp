@@ -3,8 +3,8 @@
 #include "app/Log.h"
 #include "app/Numbers.h"
 #include "app/PathComponents.h"
-#include "links/LinkRecordKeys.h"
 #include "idml/TextFields.h"
+#include "links/LinkRecordKeys.h"
 
 #include <QHash>
 

@@ -2,9 +2,9 @@
 
 #include "app/Log.h"
 #include "app/Numbers.h"
-#include "links/LinkRecordKeys.h"
 #include "idml/TextFields.h"
 #include "idml/XmlPath.h"
+#include "links/LinkRecordKeys.h"
 
 #include <algorithm>
 #include <climits>

@@ -131,21 +131,20 @@ void takeInspection(PreflightContext& context, const QString& what,
 // Stages 5 and 7: the inspections, of the export's parts the link analysis parsed already.
 void processFonts(PreflightContext& context)
 {
-    takeInspection(context, QStringLiteral("fonts"),
-                   context.request.host.processFonts(context.outcome.record, context.unpacked.parts.get(),
-                                                     context.cancel),
-                   context.outcome.fonts);
+    takeInspection(
+        context, QStringLiteral("fonts"),
+        context.request.host.processFonts(context.outcome.record, context.unpacked.parts.get(), context.cancel),
+        context.outcome.fonts);
 }
 
 void processColors(PreflightContext& context)
 {
     const QString registrationInTextFlag =
         context.request.judging.registrationInText ? QStringLiteral("1") : QStringLiteral("0");
-    takeInspection(
-        context, QStringLiteral("colors"),
-        context.request.host.processColors(context.outcome.record, context.unpacked.parts.get(),
-                                           registrationInTextFlag, context.cancel),
-        context.outcome.colors);
+    takeInspection(context, QStringLiteral("colors"),
+                   context.request.host.processColors(context.outcome.record, context.unpacked.parts.get(),
+                                                      registrationInTextFlag, context.cancel),
+                   context.outcome.colors);
     // Nothing reads the parts after this: their memory goes back before the results are judged.
     context.unpacked.parts.reset();
 }

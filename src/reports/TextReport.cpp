@@ -4,9 +4,9 @@
 #include "app/Company.h"
 #include "app/Log.h"
 #include "app/RecordKeys.h"
-#include "links/LinkRecordKeys.h"
 #include "inspection/ColorRecordKeys.h"
 #include "inspection/FontRecordKeys.h"
+#include "links/LinkRecordKeys.h"
 
 #include "app/FilePaths.h"
 

@@ -15,7 +15,6 @@ using namespace quillon::inspection;
 
 namespace quillon::results {
 
-
 void QNColorsOutlineController::startup()
 {
     clear();
@@ -86,8 +85,10 @@ QVariantList QNColorsOutlineController::prepareColorsArr(const QVariantList& rec
     QVariantList prepared = records;
     prepareColorValuesAndInsertAlertsDict(prepared);
     processNonePaperRegistration(prepared);
-    assignUnusedStatusUsingUnusedNames(prepared, documentDict.value(inspection::kColorDocUnusedNamesKey).toStringList());
-    setRegistrationIssueCount(prepared, documentDict.value(inspection::kColorDocRegistrationInTextCountKey).toLongLong(),
+    assignUnusedStatusUsingUnusedNames(prepared,
+                                       documentDict.value(inspection::kColorDocUnusedNamesKey).toStringList());
+    setRegistrationIssueCount(prepared,
+                              documentDict.value(inspection::kColorDocRegistrationInTextCountKey).toLongLong(),
                               QStringLiteral("[Registration] applied to text"));
     return prepared;
 }

@@ -14,7 +14,6 @@ using namespace quillon::inspection;
 
 namespace quillon::results {
 
-
 void QNFontsOutlineController::setItems(const QVariantMap& dataFile, const QVariantMap& preset)
 {
     m_dataFile = dataFile;
@@ -57,7 +56,8 @@ QVariantList QNFontsOutlineController::applyCurrPresetToArray(QVariantList recor
         const QString status = record.value(inspection::kFontStatusKey).toString();
         record.insert(kTypeIconKey, iconForFontType(record.value(inspection::kFontTypeKey).toString()));
         if (status != inspection::kFontStatusInstalled)
-            record.insert(inspection::kFontNameKey, cleanMissingFontName(record.value(inspection::kFontNameKey).toString()));
+            record.insert(inspection::kFontNameKey,
+                          cleanMissingFontName(record.value(inspection::kFontNameKey).toString()));
         record.insert(kStatusIconKey, iconForFontStatus(status));
 
         QVariantMap alerts;

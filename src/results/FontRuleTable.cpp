@@ -7,7 +7,6 @@ using namespace quillon::inspection;
 
 namespace quillon::results {
 
-
 const QList<FontAttribute>& fontAttributes()
 {
     static const QList<FontAttribute> attributes{
@@ -17,8 +16,8 @@ const QList<FontAttribute>& fontAttributes()
          FontRuleValueEntry::TextField, kConditionContains, QString()},
         {FontAttributeId::Location, QStringLiteral("Location"), inspection::kFontPathKey, FontRuleValueEntry::TextField,
          kConditionContains, QString()},
-        {FontAttributeId::Type, QStringLiteral("Type"), inspection::kFontTypeKey, FontRuleValueEntry::TypeMenu, kConditionIs,
-         QStringLiteral("TrueType")},
+        {FontAttributeId::Type, QStringLiteral("Type"), inspection::kFontTypeKey, FontRuleValueEntry::TypeMenu,
+         kConditionIs, QStringLiteral("TrueType")},
         {FontAttributeId::Status, QStringLiteral("Status"), inspection::kFontStatusKey, FontRuleValueEntry::StatusMenu,
          kConditionIs, QStringLiteral("Missing")},
     };

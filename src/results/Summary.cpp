@@ -1,8 +1,8 @@
 #include "results/Summary.h"
 
-#include "links/LinkRecordKeys.h"
 #include "inspection/ColorRecordKeys.h"
 #include "inspection/FontRecordKeys.h"
+#include "links/LinkRecordKeys.h"
 #include "results/ResultKeys.h"
 
 #include <QSet>
@@ -152,8 +152,8 @@ void QNSummaryOutlineController::loadFontsSummary(const QVariantList& fonts)
 void QNSummaryOutlineController::loadColorsSummary(const QVariantList& colors)
 {
     setValue(kColorsSection, kTotal, count(colors.size()));
-    const auto models =
-        countDictsWhoseValueForKey(inspection::kColorModelKey, {QStringLiteral("process"), QStringLiteral("spot")}, colors);
+    const auto models = countDictsWhoseValueForKey(inspection::kColorModelKey,
+                                                   {QStringLiteral("process"), QStringLiteral("spot")}, colors);
     setValue(kColorsSection, QStringLiteral("Process"), count(models.value(QStringLiteral("process"))));
     setValue(kColorsSection, QStringLiteral("Spot"), count(models.value(QStringLiteral("spot"))));
     const auto spaces =
