@@ -1,8 +1,8 @@
-#include "support/QtPrinters.h"
 #include "host/AppleEventPermission.h"
 #include "host/HfsPath.h"
 #include "host/HostEnvironment.h"
 #include "host/InDesignVersion.h"
+#include "support/QtPrinters.h"
 #include "support/RecordingScriptRunner.h"
 
 #include "app/Alerts.h"
@@ -80,21 +80,15 @@ TEST(InDesignVersion, NamesAreMatchedInTableOrder)
     EXPECT_EQ(defaultInDesignVersion(), QStringLiteral("Adobe InDesign 2023"));
 }
 
-TEST(InDesignVersion, InstallationInsideAnInDesignFolderWinsOverTheRunningOne)
-{
-    FakeEnvironment environment;
-    environment.resources = QStringLiteral("/Applications/Adobe InDesign 2022/Scripts/Quillon.app/Contents/Resources");
-    environment.running = {kInDesign2024};
-    app::ScriptedAlertSink alerts;
-    EXPECT_EQ(InDesignVersionForStartup(environment, alerts), QStringLiteral("Adobe InDesign 2022"));
-    EXPECT_TRUE(alerts.requests().empty());
-}
-
-TEST(InDesignVersion, RunningInDesignsDecideOtherwise)
+TEST(InDesignVersion, AnInstallationInsideAnInDesignFolderWinsThenTheRunningOnesDecide)
 {
     FakeEnvironment environment;
     app::ScriptedAlertSink alerts;
     EXPECT_EQ(InDesignVersionForStartup(environment, alerts), defaultInDesignVersion());
+    environment.resources = QStringLiteral("/Applications/Adobe InDesign 2022/Scripts/Quillon.app/Contents/Resources");
+    environment.running = {kInDesign2024};
+    EXPECT_EQ(InDesignVersionForStartup(environment, alerts), QStringLiteral("Adobe InDesign 2022"));
+    environment.resources = FakeEnvironment().resources;
 
     environment.running = {QStringLiteral("/System/Applications/Mail.app"), kInDesign2024};
     EXPECT_EQ(InDesignVersionForStartup(environment, alerts), QStringLiteral("Adobe InDesign 2024"));

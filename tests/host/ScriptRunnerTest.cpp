@@ -1,6 +1,6 @@
-#include "support/QtPrinters.h"
 #include "host/AppleScriptValue.h"
 #include "host/OsaScriptRunner.h"
+#include "support/QtPrinters.h"
 #include "support/RecordingScriptRunner.h"
 
 #include "support/TestSupport.h"
@@ -54,7 +54,6 @@ TEST(ScriptRunner, SuccessIsJudgedByTheErrorCountAndResultsReadAsDescriptors)
     EXPECT_TRUE(scriptSucceeded(ok));
     EXPECT_EQ(scriptResultStrings(ok),
               (QStringList{QStringLiteral("a"), QStringLiteral("3"), QStringLiteral("true"), QStringLiteral("2.5")}));
-    EXPECT_EQ(scriptResultString(scriptSuccessOutcome(QStringLiteral("x"))), QStringLiteral("x"));
 
     // A failed outcome that still carries a result is a failure.
     QVariantMap failed = scriptErrorOutcome(QStringLiteral("long"), QStringLiteral("brief"), -1728);
@@ -66,10 +65,8 @@ TEST(ScriptRunner, SuccessIsJudgedByTheErrorCountAndResultsReadAsDescriptors)
 
 TEST(ScriptRunner, SourceFormValuesAreRead)
 {
-    EXPECT_EQ(parseAppleScriptValue(QStringLiteral("\"Mac HD:Docs:Ann \\\"Q\\\".indd\"")),
-              QVariant(QStringLiteral("Mac HD:Docs:Ann \"Q\".indd")));
-    EXPECT_EQ(parseAppleScriptValue(QStringLiteral("{\"a, b\", \"}\", 12, -3.5, true, missing value}")),
-              QVariant(QVariantList{QStringLiteral("a, b"), QStringLiteral("}"), 12LL, -3.5, true, QVariant()}));
+    // Quoted text, whole numbers, flags and lists are read back in the random round trips.
+    EXPECT_EQ(parseAppleScriptValue(QStringLiteral("{-3.5, missing value}")), QVariant(QVariantList{-3.5, QVariant()}));
     EXPECT_EQ(
         parseAppleScriptValue(QStringLiteral("{name:\"Doc\", |page count|:4}")),
         QVariant(QVariantMap{{QStringLiteral("name"), QStringLiteral("Doc")}, {QStringLiteral("page count"), 4LL}}));

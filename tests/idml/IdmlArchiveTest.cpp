@@ -218,29 +218,6 @@ TEST(IdmlPackage, BrokenFilesGiveMessagesNamingTheFile)
     expectError(badXml, QStringLiteral("not readable XML"));
 }
 
-TEST(IdmlPackage, ADamagedButCompleteArchiveIsReadFromARepairedCopy)
-{
-    QTemporaryDir dir;
-    // Trailing junk after the end record hides the central directory from a strict reader but
-    // loses no entry.
-    const QByteArray whole = test::readAll(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
-    const QString damaged = dir.filePath(QStringLiteral("damaged.idml"));
-    test::writeAll(damaged, whole.left(whole.size() - 10));
-    const QString repaired = dir.filePath(QStringLiteral("damaged.idml_tmp.zip"));
-    bool wasRepaired = false;
-    const auto opened = openIdmlPackage(damaged, repaired, &wasRepaired);
-    ASSERT_TRUE(opened.ok()) << opened.error().text().toStdString();
-    EXPECT_TRUE(wasRepaired);
-    EXPECT_EQ(opened->entries().size(),
-              IdmlArchive::open(test::samplePath(QStringLiteral("idml/helloworld-1.idml")))->entries().size());
-
-    // Without the zip tool there is no repair, and the message says so.
-    const auto noTool = openIdmlPackage(damaged, repaired, nullptr, dir.filePath(QStringLiteral("no/zip")));
-    ASSERT_FALSE(noTool.ok());
-    EXPECT_TRUE(noTool.error().message.contains(QStringLiteral("repairing it failed")));
-    EXPECT_FALSE(QFileInfo::exists(repaired));
-}
-
 TEST(IdmlPackage, EveryPrefixOfARealIdmlOpensOrFailsCleanly)
 {
     QTemporaryDir dir;
@@ -293,20 +270,32 @@ TEST(IdmlArchive, ADamagedEntryAmongManyIsNamed)
     EXPECT_TRUE(unpacked.error().message.contains(QStringLiteral("damaged")));
 }
 
-TEST(IdmlPackage, OnlyACopyInTheWorkFolderIsRepairedAndARepairCanBeStopped)
+TEST(IdmlPackage, ADamagedArchiveIsReadFromARepairedCopyInTheWorkFolderAndARepairCanBeStopped)
 {
     QTemporaryDir docs; // the user's folder
     QTemporaryDir work;
-    const QByteArray whole = test::readAll(test::samplePath(QStringLiteral("idml/helloworld-1.idml")));
+    // Trailing junk after the end record hides the central directory from a strict reader but
+    // loses no entry.
+    const QString sample = test::samplePath(QStringLiteral("idml/helloworld-1.idml"));
+    const QByteArray whole = test::readAll(sample);
     const QString damaged = docs.filePath(QStringLiteral("damaged.idml"));
     test::writeAll(damaged, whole.left(whole.size() - 10));
     ArchiveRepair repair;
     repair.repairedPath = work.filePath(QStringLiteral("damaged.idml_tmp.zip"));
     bool wasRepaired = false;
-    ASSERT_TRUE(openIdmlPackage(damaged, repair, &wasRepaired).ok());
+    const auto opened = openIdmlPackage(damaged, repair, &wasRepaired);
+    ASSERT_TRUE(opened.ok()) << opened.error().text().toStdString();
     EXPECT_TRUE(wasRepaired);
+    EXPECT_EQ(opened->entries().size(), IdmlArchive::open(sample)->entries().size());
     EXPECT_EQ(filesBelow(docs.path()), QStringList{QStringLiteral("damaged.idml")});
     EXPECT_EQ(filesBelow(work.path()), QStringList{QStringLiteral("damaged.idml_tmp.zip")});
+
+    // Without the zip tool there is no repair, and the message says so.
+    const auto noTool = openIdmlPackage(damaged, repair.repairedPath + QStringLiteral("2"), nullptr,
+                                        work.filePath(QStringLiteral("no/zip")));
+    ASSERT_FALSE(noTool.ok());
+    EXPECT_TRUE(noTool.error().message.contains(QStringLiteral("repairing it failed")));
+    EXPECT_FALSE(QFileInfo::exists(repair.repairedPath + QStringLiteral("2")));
 
     // A large file that is no zip archive at all fails at once, with nothing copied.
     const QString huge = docs.filePath(QStringLiteral("huge.idml"));

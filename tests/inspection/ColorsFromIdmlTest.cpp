@@ -2,10 +2,9 @@
 
 #include "inspection/ColorRecordKeys.h"
 
-#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
-#include "support/UnpackForTest.h"
 
 #include <gtest/gtest.h>
 
@@ -175,7 +174,8 @@ TEST(ColorsFromIdml, CountsTextSetInTheRegistrationSwatchWhenAsked)
     // By character style, a tint as stroke, set on the paragraph; not the copy named
     // "Registration 2", not the empty range.
     EXPECT_EQ(counted->found.registrationInTextCount, 3);
-    EXPECT_EQ(colorInspectionFromIdml(*test::readPackage(folder), QStringLiteral("yes"))->found.registrationInTextCount, 0);
+    EXPECT_EQ(colorInspectionFromIdml(*test::readPackage(folder), QStringLiteral("yes"))->found.registrationInTextCount,
+              0);
 }
 
 TEST(ColorsFromIdml, MixedInksUseTheirSpotInksHoweverListed)
@@ -226,16 +226,13 @@ TEST(ColorsFromIdml, RealDocuments)
         {"idml/tripple.idml", "Burgunder", "process", "CMYK", "-"},
         {"idml/freshers.idml", "Arts", "process", "CMYK", "\u221A"},
     };
-    QString unpackedSample;
-    std::unique_ptr<QTemporaryDir> unpacked;
+    QString readSample;
     ColorInspection colors;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.swatch);
-        if (unpackedSample != QLatin1String(c.sample)) {
-            unpackedSample = QLatin1String(c.sample);
-            unpacked = test::unpackForTest(test::samplePath(unpackedSample));
-            ASSERT_TRUE(unpacked);
-            auto read = colorInspectionFromIdml(*test::readPackage(unpacked->path()), QStringLiteral("1"));
+        if (readSample != QLatin1String(c.sample)) {
+            readSample = QLatin1String(c.sample);
+            auto read = colorInspectionFromIdml(*test::readPackage(test::samplePath(readSample)), QStringLiteral("1"));
             ASSERT_TRUE(read.ok());
             colors = read->found;
         }

@@ -4,7 +4,6 @@
 
 #include "inspection/DocInfo.h"
 #include "inspection/PageSizes.h"
-#include "links/PageGeometry.h"
 
 #include "support/TestSupport.h"
 
@@ -15,7 +14,6 @@
 
 using namespace quillon;
 using namespace quillon::inspection;
-using namespace quillon::links;
 
 namespace {
 
@@ -38,16 +36,6 @@ PageSizesDict sizes(std::initializer_list<std::pair<const char*, const char*>> k
 }
 
 } // namespace
-
-TEST(DocInfo, UnitTableIsUsedAsWritten)
-{
-    const auto inches = conversionFactorsFromPointsAndAbbrForUnits(QStringLiteral("Inches"));
-    ASSERT_TRUE(inches.has_value());
-    EXPECT_EQ(inches->abbreviation, QStringLiteral("in"));
-    for (const char* other : {"Points", "Picas", "Ciceros", "Agates", "millimeters", ""})
-        EXPECT_FALSE(conversionFactorsFromPointsAndAbbrForUnits(QLatin1String(other)).has_value()) << other;
-    EXPECT_EQ(conversionOrPoints(QStringLiteral("Picas")).abbreviation, QStringLiteral("pt"));
-}
 
 TEST(DocInfo, BleedAndSlugTexts)
 {
@@ -107,15 +95,6 @@ TEST(DocInfo, NumbersAndFlagsAreReadLikeTheirAttributes)
     EXPECT_TRUE(stringBoolValue(QStringLiteral(" 01")));
     EXPECT_FALSE(stringBoolValue(QStringLiteral("0")));
     EXPECT_FALSE(stringBoolValue(QString()));
-}
-
-TEST(DocInfo, PageSizeKeysFromBounds)
-{
-    EXPECT_EQ(links::pageSizeKeyFromGeometricBounds("10 20 802 632"),
-              (QStringList{QStringLiteral("612"), QStringLiteral("792")}));
-    EXPECT_EQ(links::pageSizeKeyFromGeometricBounds("0 0 841.889763778 595.275590551"),
-              (QStringList{QStringLiteral("595.2756"), QStringLiteral("841.8898")}));
-    EXPECT_TRUE(links::pageSizeKeyFromGeometricBounds("0 0 792").isEmpty());
 }
 
 TEST(DocInfo, PreferencesAndPageSizesOfAnUnpackedFolder)

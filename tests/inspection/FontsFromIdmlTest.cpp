@@ -3,10 +3,9 @@
 #include "inspection/FontFiles.h"
 #include "inspection/FontRecordKeys.h"
 
-#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
-#include "support/UnpackForTest.h"
 
 #include <QDir>
 
@@ -185,19 +184,11 @@ TEST(FontsFromIdml, StatusIsJudgedOnThisMachine)
     EXPECT_EQ(cloud.value(kFontTypeKey), QStringLiteral("bitmap"));
 }
 
-TEST(FontsFromIdml, FontTypesKeepOpenTypeAndSpellTheOthersAsTheFontListDoes)
-{
-    EXPECT_EQ(fontTypeFromIdml(QStringLiteral("OpenTypeCID")), QStringLiteral("OpenType CID"));
-    EXPECT_EQ(fontTypeFromIdml(QStringLiteral("Unknown")), QStringLiteral("Unknown"));
-}
-
 TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
 {
     const QString path = test::samplePath(QStringLiteral("idml/tripple.idml"));
-    const auto unpacked = test::unpackForTest(path);
-    ASSERT_TRUE(unpacked);
     FontFileFinder finder(path);
-    const auto fonts = fontRecordsFromIdml(*test::readPackage(unpacked->path()), finder);
+    const auto fonts = fontRecordsFromIdml(*test::readPackage(path), finder);
     ASSERT_TRUE(fonts.ok());
     // Fonts.xml lists 250 faces of the families; the text uses eight.
     EXPECT_EQ(names(fonts->found),
@@ -212,10 +203,8 @@ TEST(FontsFromIdml, RealDocumentsListOnlyTheFacesTheirTextUses)
 
     // Fonts activated from Adobe Fonts say so in their path.
     const QString parser = test::samplePath(QStringLiteral("idml/parser.idml"));
-    const auto parserUnpacked = test::unpackForTest(parser);
-    ASSERT_TRUE(parserUnpacked);
     FontFileFinder parserFinder(parser);
-    const auto parserFonts = fontRecordsFromIdml(*test::readPackage(parserUnpacked->path()), parserFinder);
+    const auto parserFonts = fontRecordsFromIdml(*test::readPackage(parser), parserFinder);
     ASSERT_TRUE(parserFonts.ok());
     ASSERT_EQ(parserFonts->found.size(), 3);
     for (const QVariant& record : parserFonts->found)

@@ -1,10 +1,9 @@
 #include "inspection/ParaStylesFromIdml.h"
 #include "inspection/ParaStylesReport.h"
 
-#include "support/IdmlFixtures.h"
 #include "support/FontColorFragment.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
-#include "support/UnpackForTest.h"
 
 #include <gtest/gtest.h>
 
@@ -147,9 +146,8 @@ TEST(ParaStyles, ReportListsUsedStylesWithCountsThenTheUnused)
 
 TEST(ParaStyles, RealDocument)
 {
-    const auto unpacked = test::unpackForTest(test::samplePath(QStringLiteral("idml/sample-with-table-more.idml")));
-    ASSERT_TRUE(unpacked);
-    const auto uses = paraStyleUsesFromIdml(*test::readPackage(unpacked->path()));
+    const auto uses =
+        paraStyleUsesFromIdml(*test::readPackage(test::samplePath(QStringLiteral("idml/sample-with-table-more.idml"))));
     ASSERT_TRUE(uses.ok());
     const QHash<QString, int> found = counts(uses->found);
     // Body text, table cells (two of them graphic cells), a footnote and an endnote story.

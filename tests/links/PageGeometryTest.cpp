@@ -149,6 +149,7 @@ TEST(PageGeometry, PageSizesGroupPageNamesByTheirFormattedSize)
               (QList<QStringList>{{QStringLiteral("612"), QStringLiteral("792")},
                                   {QStringLiteral("595.2756"), QStringLiteral("841.8898")}}));
     EXPECT_EQ(*geometry.sortOrderForPageName(QStringLiteral("3")), 900.0);
+    EXPECT_TRUE(pageSizeKeyFromGeometricBounds("0 0 792").isEmpty());
 }
 
 TEST(PageGeometry, BrokenSpreadsLeaveNoPagesAndNoCrash)
