@@ -48,6 +48,10 @@ struct IdmlDocument::Slot {
     std::mutex mutex;
     std::shared_ptr<const XmlPart> part;
     std::optional<app::Error> error;
+    // Where the part stands in the document's kept list (guarded by the document's kept mutex).
+    bool kept = false;
+    qint64 keptBytes = 0;
+    std::list<Slot*>::iterator keptAt;
 };
 
 namespace {
@@ -207,18 +211,59 @@ Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) c
     Slot* found = slot(name);
     if (!found)
         return makeError(QStringLiteral("not listed in designmap.xml"), name);
-    const std::lock_guard lock(found->mutex);
-    if (!found->part && !found->error) {
+    std::shared_ptr<const XmlPart> parsed;
+    {
+        const std::lock_guard lock(found->mutex);
+        if (found->error)
+            return *found->error;
+        if (found->part)
+            return found->part;
         auto part = std::make_shared<XmlPart>();
         ++m_parses;
-        if (Status parsed = m_source->parse(*part, name); !parsed)
-            found->error = parsed.error();
-        else
-            found->part = std::move(part);
+        if (Status read = m_source->parse(*part, name); !read) {
+            found->error = read.error();
+            return *found->error;
+        }
+        found->part = parsed = std::move(part);
     }
-    if (found->error)
-        return *found->error;
-    return found->part;
+    keep(found, parsed->textSize());
+    return parsed;
+}
+
+void IdmlDocument::keep(Slot* slot, qint64 bytes) const
+{
+    std::vector<Slot*> letGo;
+    {
+        const std::lock_guard lock(m_keptMutex);
+        if (slot->kept)
+            return;
+        slot->kept = true;
+        slot->keptBytes = bytes;
+        slot->keptAt = m_kept.insert(m_kept.end(), slot);
+        m_keptBytes += bytes;
+        while (m_keptBytes > m_keptLimit && m_kept.front() != slot) {
+            Slot* oldest = m_kept.front();
+            m_kept.pop_front();
+            oldest->kept = false;
+            m_keptBytes -= oldest->keptBytes;
+            letGo.push_back(oldest);
+        }
+    }
+    // Outside the list's lock: a slot's own lock is never taken while it is held.
+    for (Slot* oldest : letGo) {
+        const std::lock_guard lock(oldest->mutex);
+        oldest->part.reset();
+    }
+}
+
+void IdmlDocument::forget(Slot* slot) const
+{
+    const std::lock_guard lock(m_keptMutex);
+    if (!slot->kept)
+        return;
+    m_kept.erase(slot->keptAt);
+    slot->kept = false;
+    m_keptBytes -= slot->keptBytes;
 }
 
 void IdmlDocument::parseAhead(const QStringList& names, const app::CancelFlag* cancel) const
@@ -233,6 +278,7 @@ void IdmlDocument::release(const QStringList& names) const
 {
     for (const QString& name : names)
         if (Slot* found = slot(name)) {
+            forget(found);
             const std::lock_guard lock(found->mutex);
             found->part.reset();
             found->error.reset();

@@ -43,6 +43,8 @@ public:
     const pugi::xml_document& document() const { return m_document; }
     pugi::xml_document& document() { return m_document; }
     pugi::xml_node root() const { return m_document.document_element(); }
+    // The part's text as read; its element tree takes some three times as much again.
+    qint64 textSize() const { return m_bytes.size(); }
 
 private:
     QByteArray m_bytes; // the document's text lives here, so it goes after the document

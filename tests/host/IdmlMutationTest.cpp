@@ -1,8 +1,8 @@
 #include "support/QtPrinters.h"
 
 #include "host/AppleScriptValue.h"
-#include "idml/IdmlPackage.h"
 #include "host/OfflineIdmlHost.h"
+#include "idml/IdmlPackage.h"
 
 #include "app/AppPaths.h"
 #include "support/TestSupport.h"

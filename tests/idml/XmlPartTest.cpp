@@ -80,4 +80,20 @@ TEST(IdmlDocument, EachPartIsParsedOnceHoweverManyReadersAskAndABrokenOneIsNamed
     (*document)->release({parts[1]});
     EXPECT_TRUE((*document)->part(parts[1]).ok());
     EXPECT_EQ((*document)->parseCount(), 4);
+
+    // Past the kept-text limit the part kept longest is let go (a reader holding it keeps it)
+    // and parsed again when asked for; the newest one stays.
+    (*document)->setKeptTextLimit(1);
+    const auto held = (*document)->part(parts[0]);
+    ASSERT_TRUE(held.ok());
+    EXPECT_TRUE((*document)->part(parts[1]).ok());
+    EXPECT_EQ((*document)->parseCount(), 4);
+    (*document)->release(parts);
+    ASSERT_TRUE((*document)->part(parts[0]).ok());
+    ASSERT_TRUE((*document)->part(parts[1]).ok());
+    EXPECT_TRUE((*held)->root());
+    const int parses = (*document)->parseCount();
+    EXPECT_TRUE((*document)->part(parts[1]).ok());
+    EXPECT_TRUE((*document)->part(parts[0]).ok());
+    EXPECT_EQ((*document)->parseCount(), parses + 1);
 }
