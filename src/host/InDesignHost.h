@@ -88,7 +88,8 @@ public:
 
     // The parts of the preflight's IDML export at `idmlPath` when this host has read that very
     // document already (making the record reads every spread and story), so that the preflight
-    // does not read them again; none otherwise, and the preflight opens the export itself.
+    // does not read them again (handed over once); none otherwise, and the preflight opens the
+    // export itself.
     virtual std::shared_ptr<const idml::IdmlDocument> idmlDocument(const QString& idmlPath);
 
     // The font and colour inspections of a preflighted document: the font records, and the

@@ -175,9 +175,12 @@ Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::documentAt(const QS
 
 std::shared_ptr<const IdmlDocument> OfflineIdmlHost::idmlDocument(const QString& idmlPath)
 {
-    if (m_lastExport && isSameFile(m_lastExport->copy, idmlPath) && isLastReadOf(m_lastExport->source))
-        return m_lastRead->document;
-    return nullptr;
+    if (!m_lastExport || !isSameFile(m_lastExport->copy, idmlPath) || !isLastReadOf(m_lastExport->source))
+        return nullptr;
+    // Handed over, not shared: the preflight lets the parts go when its last stage is done with them.
+    std::shared_ptr<const IdmlDocument> document = std::move(m_lastRead->document);
+    m_lastRead.reset();
+    return document;
 }
 
 QList<app::Error> OfflineIdmlHost::documentWarnings() const

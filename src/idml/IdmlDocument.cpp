@@ -48,10 +48,9 @@ struct IdmlDocument::Slot {
     std::mutex mutex;
     std::shared_ptr<const XmlPart> part;
     std::optional<app::Error> error;
-    // Where the part stands in the document's kept list (guarded by the document's kept mutex).
+    // Whether the part counts against the kept-text limit (guarded by the document's kept mutex).
     bool kept = false;
     qint64 keptBytes = 0;
-    std::list<Slot*>::iterator keptAt;
 };
 
 namespace {
@@ -211,49 +210,31 @@ Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) c
     Slot* found = slot(name);
     if (!found)
         return makeError(QStringLiteral("not listed in designmap.xml"), name);
-    std::shared_ptr<const XmlPart> parsed;
-    {
-        const std::lock_guard lock(found->mutex);
-        if (found->error)
-            return *found->error;
-        if (found->part)
-            return found->part;
-        auto part = std::make_shared<XmlPart>();
-        ++m_parses;
-        if (Status read = m_source->parse(*part, name); !read) {
-            found->error = read.error();
-            return *found->error;
-        }
-        found->part = parsed = std::move(part);
+    const std::lock_guard lock(found->mutex);
+    if (found->error)
+        return *found->error;
+    if (found->part)
+        return found->part;
+    auto part = std::make_shared<XmlPart>();
+    ++m_parses;
+    if (Status read = m_source->parse(*part, name); !read) {
+        found->error = read.error();
+        return *found->error;
     }
-    keep(found, parsed->textSize());
-    return parsed;
+    if (keep(found, part->textSize()))
+        found->part = part;
+    return std::shared_ptr<const XmlPart>(std::move(part));
 }
 
-void IdmlDocument::keep(Slot* slot, qint64 bytes) const
+bool IdmlDocument::keep(Slot* slot, qint64 bytes) const
 {
-    std::vector<Slot*> letGo;
-    {
-        const std::lock_guard lock(m_keptMutex);
-        if (slot->kept)
-            return;
-        slot->kept = true;
-        slot->keptBytes = bytes;
-        slot->keptAt = m_kept.insert(m_kept.end(), slot);
-        m_keptBytes += bytes;
-        while (m_keptBytes > m_keptLimit && m_kept.front() != slot) {
-            Slot* oldest = m_kept.front();
-            m_kept.pop_front();
-            oldest->kept = false;
-            m_keptBytes -= oldest->keptBytes;
-            letGo.push_back(oldest);
-        }
-    }
-    // Outside the list's lock: a slot's own lock is never taken while it is held.
-    for (Slot* oldest : letGo) {
-        const std::lock_guard lock(oldest->mutex);
-        oldest->part.reset();
-    }
+    const std::lock_guard lock(m_keptMutex);
+    if (m_keptBytes + bytes > m_keptLimit)
+        return false;
+    slot->kept = true;
+    slot->keptBytes = bytes;
+    m_keptBytes += bytes;
+    return true;
 }
 
 void IdmlDocument::forget(Slot* slot) const
@@ -261,7 +242,6 @@ void IdmlDocument::forget(Slot* slot) const
     const std::lock_guard lock(m_keptMutex);
     if (!slot->kept)
         return;
-    m_kept.erase(slot->keptAt);
     slot->kept = false;
     m_keptBytes -= slot->keptBytes;
 }

@@ -7,7 +7,6 @@
 #include <QStringList>
 
 #include <atomic>
-#include <list>
 #include <mutex>
 #include <memory>
 #include <vector>
@@ -71,9 +70,9 @@ public:
     void parseAhead(const QStringList& names, const app::CancelFlag* cancel = nullptr) const;
     // Frees the parsed parts; asked again, they are parsed again.
     void release(const QStringList& names) const;
-    // How much part text the document keeps parsed for the next reader. Beyond it the parts kept
-    // longest are let go (readers holding one keep it as long as they need it) and parsed again
-    // when asked for: a document of ordinary size is parsed once, a huge one in bounded memory.
+    // How much part text the document keeps parsed for the next reader. A part parsed once that
+    // limit is reached is not kept: its reader holds it as long as it needs it, and the next one
+    // parses it again. A document of ordinary size is parsed once, a huge one in bounded memory.
     void setKeptTextLimit(qint64 bytes) { m_keptLimit = bytes; }
     static constexpr qint64 kDefaultKeptTextLimit = qint64(160) << 20;
     // How many times parts were parsed, all parts together.
@@ -104,11 +103,10 @@ private:
     QString m_preferences;
     std::vector<std::unique_ptr<Slot>> m_slots;
     mutable std::atomic<int> m_parses{0};
-    // The parsed parts kept, oldest first, and the size of their text.
-    void keep(Slot* slot, qint64 bytes) const;
+    // The size of the kept parts' text: a part is kept when it fits.
+    bool keep(Slot* slot, qint64 bytes) const;
     void forget(Slot* slot) const;
     mutable std::mutex m_keptMutex;
-    mutable std::list<Slot*> m_kept;
     mutable qint64 m_keptBytes = 0;
     qint64 m_keptLimit = kDefaultKeptTextLimit;
 };
