@@ -7,8 +7,8 @@
 #include <QStringList>
 
 #include <atomic>
-#include <mutex>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include <pugixml.hpp>
