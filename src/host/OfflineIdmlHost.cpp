@@ -162,9 +162,11 @@ bool OfflineIdmlHost::isLastReadOf(const QString& path) const
            m_lastRead->modified == file.lastModified();
 }
 
-Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::documentAt(const QString& path,
+Result<std::shared_ptr<const IdmlDocument>> OfflineIdmlHost::documentAt(const QString& path, const IdmlDocument* given,
                                                                         const app::CancelFlag* cancel)
 {
+    if (given)
+        return std::shared_ptr<const IdmlDocument>(std::shared_ptr<const IdmlDocument>(), given); // not owned
     if (isLastReadOf(path))
         return m_lastRead->document;
     Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(path, workFolderOr(m_workFolder), cancel);
@@ -313,13 +315,10 @@ Result<inspection::Inspected<QVariantList>> OfflineIdmlHost::processFonts(const 
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    const QString path = record.posixPath;
-    if (document)
-        return processFontsFromIdml(*document, path, cancel);
-    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(path, cancel);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record.posixPath, document, cancel);
     if (!read)
         return read.error();
-    return processFontsFromIdml(**read, path, cancel);
+    return processFontsFromIdml(**read, record.posixPath, cancel);
 }
 
 Result<inspection::Inspected<inspection::ColorInspection>>
@@ -328,9 +327,7 @@ OfflineIdmlHost::processColors(const inspection::DocumentRecord& record, const I
 {
     if (Status checked = checkRecord(record); !checked)
         return checked.error();
-    if (document)
-        return processColorsFromIdml(*document, registrationInTextFlag, cancel);
-    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record.posixPath, cancel);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(record.posixPath, document, cancel);
     if (!read)
         return read.error();
     return processColorsFromIdml(**read, registrationInTextFlag, cancel);
@@ -344,7 +341,7 @@ Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString
     Result<QString> path = documentPath(DocumentReference::named(docName));
     if (!path)
         return path.error();
-    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(*path);
+    Result<std::shared_ptr<const IdmlDocument>> read = documentAt(*path, nullptr);
     if (!read)
         return read.error();
     return paraReportFromIdml(**read);

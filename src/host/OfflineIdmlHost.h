@@ -62,9 +62,10 @@ public:
 private:
     app::Result<QString> documentPath(const DocumentReference& document) const;
     app::Status copyDocument(const QString& docName, const QString& targetPosix);
-    // The parts of the document at `path`: those the last record read when the file is unchanged.
-    app::Result<std::shared_ptr<const idml::IdmlDocument>> documentAt(const QString& path,
-                                                                      const app::CancelFlag* cancel = nullptr);
+    // The parts an inspection reads: `given` when there are any, else those of the document at
+    // `path` (the ones the last record read when the file is unchanged).
+    app::Result<std::shared_ptr<const idml::IdmlDocument>>
+    documentAt(const QString& path, const idml::IdmlDocument* given, const app::CancelFlag* cancel = nullptr);
 
     QStringList m_documents; // absolute paths, the active one first
     QString m_workFolder;

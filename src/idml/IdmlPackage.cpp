@@ -119,13 +119,13 @@ Result<QString> repairArchiveWithZip(const QString& path, const QString& repaire
     return QString::fromUtf8(run.output);
 }
 
-Status checkIdmlStructure(const IdmlArchive& archive)
+Status checkIdmlStructure(const IdmlArchive& archive, const UnpackLimits& limits)
 {
     const QString& documentPath = archive.name();
     if (archive.entries().empty())
         return makeError(QStringLiteral("is not an IDML file: nothing in it could be read as part of a zip archive"),
                          documentPath);
-    if (Status safe = archive.checkEntriesAreSafe(); !safe)
+    if (Status safe = archive.checkEntriesAreSafe(limits); !safe)
         return safe;
     if (!archive.contains(QStringLiteral("designmap.xml")))
         return makeError(QStringLiteral("is not a whole IDML file: it holds no designmap.xml (the file may be "

@@ -33,7 +33,7 @@ app::Result<QString> repairArchiveWithZip(const QString& path, const QString& re
 // designmap.xml must be there and readable, and every part it lists (spreads, stories,
 // resources) must be in the archive. A truncated package that was salvaged by a repair fails
 // here. Errors name the archive's reported name.
-app::Status checkIdmlStructure(const IdmlArchive& archive);
+app::Status checkIdmlStructure(const IdmlArchive& archive, const UnpackLimits& limits = {});
 
 // How a damaged archive is to be repaired.
 struct ArchiveRepair {

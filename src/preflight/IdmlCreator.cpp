@@ -120,12 +120,10 @@ app::Result<UnpackedDocument> QNIDMLCreator::unzipIDMLAtPath(const QString& idml
     app::Result<IdmlArchive> archive = openArchiveRepairingIt(idmlPath, repair, &document.repaired);
     if (!archive)
         return fail(UnpackStep::Repair, archive.error());
-    if (const app::Status whole = checkIdmlStructure(*archive); !whole)
+    if (const app::Status whole = checkIdmlStructure(*archive, m_limits); !whole)
         return fail(UnpackStep::Unpack, whole.error());
 
     // The parts are read from the archive in memory, each parsed once for every stage.
-    if (const app::Status safe = archive->checkEntriesAreSafe(m_limits); !safe)
-        return fail(UnpackStep::Unpack, safe.error());
     app::Result<std::shared_ptr<IdmlDocument>> parts = IdmlDocument::fromArchive(std::move(*archive));
     if (!parts)
         return fail(UnpackStep::Unpack, parts.error());

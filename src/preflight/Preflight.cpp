@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
+#include "app/ParallelFor.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
@@ -14,7 +15,6 @@
 #include <QFileInfo>
 
 #include <exception>
-#include <future>
 #include <typeinfo>
 
 namespace quillon::preflight {
@@ -157,14 +157,15 @@ void populatePreflightResults(PreflightContext& context)
     outcome.alerts = context.alerts.errors();
     const bool cancelled = context.cancelled();
     outcome.ended = cancelled ? PreflightEnding::Cancelled : PreflightEnding::Completed;
-    // The data files are written while the results are judged: both only read the outcome. (Run
-    // in place when no thread can be had.)
-    std::future<QList<app::Error>> written = std::async(std::launch::async | std::launch::deferred, [&context] {
-        return writeDataFiles(context.request.folders.dataFolder, context.outcome);
+    // The data files are written while the results are judged: both only read the outcome.
+    QList<app::Error> written;
+    app::parallelFor(2, {.maxThreads = 2}, [&](int, qsizetype task) {
+        if (task == 0)
+            written = writeDataFiles(context.request.folders.dataFolder, outcome);
+        else if (!cancelled && context.sinks.results)
+            context.sinks.results->setItems(outcome);
     });
-    if (!cancelled && context.sinks.results)
-        context.sinks.results->setItems(outcome);
-    context.addWarnings(written.get());
+    context.addWarnings(written);
     showProgressStage(ProgressStage::Stop, context.sinks);
     if (cancelled)
         return;

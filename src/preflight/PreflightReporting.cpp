@@ -2,6 +2,7 @@
 
 #include "app/Company.h"
 #include "app/Log.h"
+#include "app/ParallelFor.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "preflight/BatchPreflight.h"
@@ -11,7 +12,7 @@
 
 #include <QDir>
 
-#include <future>
+#include <array>
 
 namespace quillon::preflight {
 
@@ -105,31 +106,31 @@ void alertLinkAnalysisFailure(const QString& failure, app::AlertSink& alerts, QO
 
 QList<app::Error> writeDataFiles(const QString& dataFolder, const PreflightOutcome& outcome)
 {
-    // The link file is the big one: it is written while the other two are.
-    std::future<app::Status> linksWritten;
-    if (!outcome.linkData.isEmpty()) {
-        app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
-        const QString file = QDir(dataFolder).filePath(app::kLinkDataFileName);
-        linksWritten = std::async(std::launch::async | std::launch::deferred,
-                                  [&outcome, file] { return app::writePropertyListFile(outcome.linkData, file); });
-    }
-    QList<app::Error> warnings;
-    if (outcome.fonts)
-        if (const app::Status written = writeFontDataFile(dataFolder, outcome.record.posixPath, *outcome.fonts);
-            !written)
-            warnings << app::makeError(
-                QStringLiteral("The fonts could not be inspected: %1").arg(written.error().text()));
-    if (outcome.colors)
-        if (const app::Status written = writeColorDataFile(dataFolder, outcome.record.posixPath, *outcome.colors);
-            !written)
-            warnings << app::makeError(
-                QStringLiteral("The colors could not be inspected: %1").arg(written.error().text()));
-    if (linksWritten.valid())
-        if (const app::Status written = linksWritten.get(); !written) {
-            app::logFailure(QStringLiteral("write the link data: %1").arg(written.error().text()));
-            warnings.prepend(
-                app::makeError(QStringLiteral("The link data could not be written: %1").arg(written.error().text())));
+    // The three files are written side by side: the link file is the big one.
+    std::array<app::Status, 3> written;
+    app::parallelFor(3, {.maxThreads = 3}, [&](int, qsizetype file) {
+        if (file == 0 && !outcome.linkData.isEmpty()) {
+            app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
+            written[0] =
+                app::writePropertyListFile(outcome.linkData, QDir(dataFolder).filePath(app::kLinkDataFileName));
+        } else if (file == 1 && outcome.fonts) {
+            written[1] = writeFontDataFile(dataFolder, outcome.record.posixPath, *outcome.fonts);
+        } else if (file == 2 && outcome.colors) {
+            written[2] = writeColorDataFile(dataFolder, outcome.record.posixPath, *outcome.colors);
         }
+    });
+    QList<app::Error> warnings;
+    if (!written[0]) {
+        app::logFailure(QStringLiteral("write the link data: %1").arg(written[0].error().text()));
+        warnings << app::makeError(
+            QStringLiteral("The link data could not be written: %1").arg(written[0].error().text()));
+    }
+    if (!written[1])
+        warnings << app::makeError(
+            QStringLiteral("The fonts could not be inspected: %1").arg(written[1].error().text()));
+    if (!written[2])
+        warnings << app::makeError(
+            QStringLiteral("The colors could not be inspected: %1").arg(written[2].error().text()));
     return warnings;
 }
 
