@@ -1,0 +1,229 @@
+#include "package/FileCopy.h"
+
+#include "package/FileMetadata.h"
+
+#include "app/FilePaths.h"
+#include "app/RegularFile.h"
+
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quillon::package {
+
+namespace {
+
+using app::Error;
+using app::makeError;
+using app::Result;
+
+// A file the copy is writing, removed unless it was put into place.
+class TemporaryCopy {
+public:
+    explicit TemporaryCopy(QByteArray path) : m_path(std::move(path)) {}
+    ~TemporaryCopy()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+        if (!m_placed)
+            ::unlink(m_path.constData());
+    }
+    TemporaryCopy(const TemporaryCopy&) = delete;
+    TemporaryCopy& operator=(const TemporaryCopy&) = delete;
+
+    const QByteArray& path() const { return m_path; }
+    int fd() const { return m_fd; }
+    void setFd(int fd) { m_fd = fd; }
+    // Closes the file; false with errno when the system reports a late write failure.
+    bool close()
+    {
+        const int fd = std::exchange(m_fd, -1);
+        return ::close(fd) == 0;
+    }
+    void placed() { m_placed = true; }
+
+private:
+    QByteArray m_path;
+    int m_fd = -1;
+    bool m_placed = false;
+};
+
+// A name in the destination folder that no one else uses; short, so that a long file name
+// still leaves room for it.
+QByteArray temporaryName(const QString& destination)
+{
+    const QString folder = QFileInfo(destination).path();
+    return app::localBytesOfPath(folder) + "/.quillon-copy-" +
+           QByteArray::number(QRandomGenerator::global()->generate64(), 16);
+}
+
+Error writeError(const QString& destination, int errorNumber)
+{
+    return makeError(QStringLiteral("cannot be written: %1").arg(app::systemErrorText(errorNumber)), destination);
+}
+
+Error cancelled(const QString& source)
+{
+    return makeError(QStringLiteral("copying was cancelled"), source);
+}
+
+bool isCancelled(const FileCopyOptions& options)
+{
+    return options.cancel != nullptr && options.cancel->isCancelled();
+}
+
+bool writeAll(int fd, const char* bytes, ssize_t size)
+{
+    for (ssize_t done = 0; done < size;) {
+        const ssize_t put = ::write(fd, bytes + done, static_cast<size_t>(size - done));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put < 0)
+            return false;
+        done += put;
+    }
+    return true;
+}
+
+// The kernel copies without the data passing through this process where it can; across file
+// systems on older kernels, or on file systems that refuse, plain reads and writes take over
+// from where it stopped. Returns 0, ECANCELED or the failing call's errno.
+int copyData(int in, int out, const FileCopyOptions& options, qint64& copied)
+{
+    bool inKernel = true;
+    std::vector<char> buffer;
+    while (true) {
+        if (isCancelled(options))
+            return ECANCELED;
+        ssize_t got = 0;
+        if (inKernel) {
+            got = ::copy_file_range(in, nullptr, out, nullptr, static_cast<size_t>(options.chunkBytes), 0);
+            // 0 is also what some file systems answer for data they cannot copy: let a read say.
+            if (got == 0 ||
+                (got < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP))) {
+                inKernel = false;
+                continue;
+            }
+        } else {
+            if (buffer.empty())
+                buffer.resize(static_cast<size_t>(std::min<qint64>(options.chunkBytes, 1 << 20)));
+            got = ::read(in, buffer.data(), buffer.size());
+            if (got > 0 && !writeAll(out, buffer.data(), got))
+                return errno;
+        }
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return errno;
+        if (got == 0)
+            return 0;
+        copied += got;
+        if (options.onBytes)
+            options.onBytes(copied);
+    }
+}
+
+Result<CopiedFile> copyRegular(const QString& source, const QString& destination, TemporaryCopy& copy,
+                               const FileCopyOptions& options)
+{
+    Result<app::ReadableFile> in = app::openRegularFile(source);
+    if (!in)
+        return in.error();
+    struct stat info {};
+    if (::fstat(in->descriptor(), &info) != 0)
+        return app::openError(source, errno);
+    copy.setFd(::open(copy.path().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (copy.fd() < 0)
+        return writeError(destination, errno);
+    CopiedFile copied;
+    if (const int failed = copyData(in->descriptor(), copy.fd(), options, copied.bytes); failed != 0) {
+        if (failed == ECANCELED)
+            return cancelled(source);
+        return makeError(QStringLiteral("could not be copied to %1: %2")
+                             .arg(app::displayPath(destination), app::systemErrorText(failed)),
+                         source);
+    }
+    copied.warnings = keepFileMetadata(in->descriptor(), copy.fd(), info);
+    if (!copy.close())
+        return writeError(destination, errno);
+    return copied;
+}
+
+Result<CopiedFile> copyLink(const QString& source, const QString& destination, TemporaryCopy& copy,
+                            const struct stat& info)
+{
+    const QByteArray from = app::localBytesOfPath(source);
+    QByteArray target(static_cast<qsizetype>(info.st_size) + 1, Qt::Uninitialized);
+    const ssize_t length = ::readlink(from.constData(), target.data(), static_cast<size_t>(target.size()));
+    if (length < 0 || length >= target.size())
+        return makeError(
+            QStringLiteral("the link cannot be read: %1").arg(app::systemErrorText(length < 0 ? errno : ENAMETOOLONG)),
+            source);
+    target.truncate(length);
+    if (::symlink(target.constData(), copy.path().constData()) != 0)
+        return writeError(destination, errno);
+    CopiedFile copied;
+    copied.warnings = keepLinkMetadata(from, copy.path(), info);
+    return copied;
+}
+
+// Puts the finished copy at its name. Numbering takes a free name and claims it in the same
+// call that renames, so a file that appears meanwhile is never replaced.
+Result<QString> placeCopy(TemporaryCopy& copy, const QString& destination, ExistingDestination existing)
+{
+    if (existing == ExistingDestination::Replace) {
+        if (::rename(copy.path().constData(), app::localBytesOfPath(destination).constData()) != 0)
+            return writeError(destination, errno);
+        copy.placed();
+        return destination;
+    }
+    const QFileInfo wanted(destination);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const QString candidate = app::finalPathByAppendingNumberToFileName(wanted.fileName(), wanted.path());
+        const QByteArray target = app::localBytesOfPath(candidate);
+        int placed = ::renameat2(AT_FDCWD, copy.path().constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE);
+        // File systems without the no-replace rename get a hard link, which fails on a taken name too.
+        if (placed != 0 && (errno == EINVAL || errno == ENOSYS)) {
+            placed = ::link(copy.path().constData(), target.constData());
+            if (placed == 0)
+                ::unlink(copy.path().constData());
+        }
+        if (placed == 0) {
+            copy.placed();
+            return candidate;
+        }
+        if (errno != EEXIST)
+            return writeError(candidate, errno);
+    }
+    return writeError(destination, EEXIST);
+}
+
+} // namespace
+
+Result<CopiedFile> copyFile(const QString& source, const QString& destination, const FileCopyOptions& options)
+{
+    struct stat info {};
+    if (::lstat(app::localBytesOfPath(source).constData(), &info) != 0)
+        return app::openError(source, errno);
+    if (isCancelled(options))
+        return cancelled(source);
+    TemporaryCopy copy(temporaryName(destination));
+    Result<CopiedFile> copied = S_ISLNK(info.st_mode) ? copyLink(source, destination, copy, info)
+                                                      : copyRegular(source, destination, copy, options);
+    if (!copied)
+        return copied;
+    Result<QString> placed = placeCopy(copy, destination, options.existing);
+    if (!placed)
+        return placed.error();
+    copied->destination = *placed;
+    return copied;
+}
+
+} // namespace quillon::package

@@ -1,0 +1,56 @@
+#include "package/FileCopyOperation.h"
+
+#include "app/Log.h"
+#include "app/RegularFile.h"
+
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
+namespace quillon::package {
+
+std::shared_ptr<FileCopyOperation> FileCopyOperation::create(const QString& source, const QString& destination,
+                                                             FileCopyDelegate* delegate, ExistingDestination existing)
+{
+    return std::shared_ptr<FileCopyOperation>(new FileCopyOperation(source, destination, delegate, existing));
+}
+
+FileCopyOperation::FileCopyOperation(const QString& source, const QString& destination, FileCopyDelegate* delegate,
+                                     ExistingDestination existing)
+    : m_source(source), m_destination(destination), m_name(QFileInfo(source).fileName()), m_delegate(delegate),
+      m_existing(existing)
+{
+    struct stat info {};
+    if (::lstat(app::localBytesOfPath(source).constData(), &info) == 0)
+        m_size = info.st_size;
+}
+
+void FileCopyOperation::main()
+{
+    if (isCancelled()) {
+        m_error = app::makeError(QStringLiteral("copying was cancelled"), m_source);
+        m_state.store(FileCopyState::Failed, std::memory_order_release);
+        return;
+    }
+    const std::shared_ptr<FileCopyOperation> self = shared_from_this();
+    if (m_delegate != nullptr)
+        m_delegate->fileCopyOperationWillStart(self);
+    m_state.store(FileCopyState::Copying, std::memory_order_release);
+    FileCopyOptions options;
+    options.existing = m_existing;
+    options.cancel = &m_cancel;
+    options.onBytes = [this](qint64 copied) { m_written.store(copied, std::memory_order_relaxed); };
+    app::Result<CopiedFile> copied = copyFile(m_source, m_destination, options);
+    if (copied) {
+        m_copiedTo = copied->destination;
+        m_warnings = copied->warnings;
+    } else {
+        m_error = copied.error();
+        app::logError(QStringLiteral("copy failed: %1").arg(copied.error().text()));
+    }
+    m_state.store(copied ? FileCopyState::Finished : FileCopyState::Failed, std::memory_order_release);
+    if (m_delegate != nullptr)
+        m_delegate->fileCopyOperationDidFinished(self);
+}
+
+} // namespace quillon::package
