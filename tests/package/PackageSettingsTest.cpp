@@ -54,7 +54,6 @@ TEST(PackageNames, ReportNameCutAt255Characters)
     const QString cut = reportNameForDocName(longer + u".indd"_s, part);
     EXPECT_EQ(cut.size(), 255);
     EXPECT_EQ(cut, longer.left(233) + u"..."_s + part);
-    EXPECT_EQ(reportNameForDocName(u"Doc.indd"_s, QString(250, u'p')), u"Do..."_s + QString(250, u'p'));
     EXPECT_LE(reportNameForDocName(QString(250, u'é') + u".indd"_s, part).toUtf8().size(), 255);
 }
 
