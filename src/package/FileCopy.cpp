@@ -13,6 +13,8 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -97,6 +99,14 @@ bool writeAll(int fd, const char* bytes, ssize_t size)
 // from where it stopped. Returns 0, ECANCELED or the failing call's errno.
 int copyData(int in, int out, const FileCopyOptions& options, qint64& copied)
 {
+    // A file system that shares blocks between files makes the copy at once.
+    if (struct stat info{}; ::ioctl(out, FICLONE, in) == 0 && ::fstat(out, &info) == 0) {
+        copied = info.st_size;
+        if (options.onBytes)
+            options.onBytes(copied);
+        return 0;
+    }
+    ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     bool inKernel = true;
     std::vector<char> buffer;
     while (true) {
