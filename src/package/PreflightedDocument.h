@@ -1,0 +1,30 @@
+#pragma once
+
+#include "inspection/DocInfo.h"
+#include "package/FileItem.h"
+
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace quillon::package {
+
+// What packaging keeps of one preflighted document: the data as the preflight's data files hold
+// it, the document information and the judged rows of the three lists. Packaging reads its links
+// from here, so a document is not preflighted twice.
+struct PreflightedDocument {
+    TNFileItem docItem;
+    QVariantMap tmpLinkData; // document path -> its group row ("children": the link records)
+    QVariantMap tmpColorData;
+    QVariantMap tmpFontData;
+    inspection::QNDocInfo docInfo;
+    QVariantList finalLinkItems;
+    QVariantList finalColorItems;
+    QVariantList finalFontItems;
+
+    // The link records of the document: tmpLinkData[path]["children"] (none without link data).
+    QVariantList links() const;
+    // The eight-entry record under its keys ("tmpLinkData", ..., "docItem" as the item's path).
+    QVariantMap toRecord() const;
+};
+
+} // namespace quillon::package
