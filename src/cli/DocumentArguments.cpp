@@ -122,7 +122,7 @@ ExpandedDocuments expandDocumentSources(const DocumentSources& sources, const ch
     }
     if (!expanded.paths.isEmpty())
         return expanded;
-    QString message = QStringLiteral("no documents to process");
+    QString message = QStringLiteral("no documents to process: give IDML files, folders or --files-from");
     if (!emptyFolder.isEmpty())
         message = QStringLiteral("%1: no .idml files in the folder%2")
                       .arg(app::displayPath(emptyFolder),
