@@ -1,6 +1,7 @@
 #include "cli/Commands.h"
 
 #include "app/RegularFile.h"
+#include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
@@ -102,8 +103,11 @@ QJsonObject jsonFacts(const DocumentFacts& facts)
     return object;
 }
 
-int runInfo(const std::vector<std::string>& documents, const std::string& format)
+int runInfo(const DocumentSources& sources, const std::string& format)
 {
+    const ExpandedDocuments documents = expandDocumentSources(sources, "info");
+    if (documents.failureStatus != kExitOk)
+        return documents.failureStatus;
     const PrivateWorkFolder workFolder(QStringLiteral("info"));
     if (!workFolder.isValid())
         return kExitFailure;
@@ -112,10 +116,9 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
     QJsonArray array;
     int status = kExitOk;
     bool first = true;
-    for (const std::string& document : documents) {
+    for (const QString& path : documents.paths) {
         if (Interruption::requested())
             break;
-        const QString path = app::pathFromLocalBytes(document);
         app::Result<DocumentFacts> facts = readDocument(path, workFolder.path());
         if (!facts) {
             std::cerr << "quillon info: " << printableText(facts.error().text()) << std::endl;
@@ -151,14 +154,14 @@ int runInfo(const std::vector<std::string>& documents, const std::string& format
 void addInfoCommand(CLI::App& program, std::vector<Command>& commands)
 {
     struct Options {
-        std::vector<std::string> documents;
+        DocumentSources documents;
         std::string format = "text";
     };
     auto options = std::make_shared<Options>();
     CLI::App* info = program.add_subcommand(
         "info", "Print the document record and document information of IDML files (pages, links, version, size, "
                 "dates, units, page size, bleed, slug).");
-    info->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
+    addDocumentSourceOptions(*info, options->documents);
     info->add_option("--format", options->format, "text (the default) or json")->check(CLI::IsMember({"text", "json"}));
     commands.push_back({info, [options] { return runInfo(options->documents, options->format); }});
 }

@@ -1,6 +1,7 @@
 #include "cli/LinksCommand.h"
 
 #include "app/RegularFile.h"
+#include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
@@ -25,8 +26,9 @@ namespace quillon::cli {
 namespace {
 
 struct LinksOptions {
-    std::vector<std::string> documents;
+    DocumentSources documents;
     std::vector<std::string> linkFolders;
+    int searchDepth = 0;
     std::string format = "table";
 };
 
@@ -92,6 +94,9 @@ void printTable(const QString& docPath, const QVariantList& records)
 
 int runLinks(const LinksOptions& options)
 {
+    const ExpandedDocuments documentPaths = expandDocumentSources(options.documents, "links");
+    if (documentPaths.failureStatus != kExitOk)
+        return documentPaths.failureStatus;
     QStringList linkFolders;
     for (const std::string& folder : options.linkFolders)
         linkFolders << app::pathFromLocalBytes(folder);
@@ -101,10 +106,9 @@ int runLinks(const LinksOptions& options)
         return kExitFailure;
     const bool json = options.format == "json";
     QJsonArray documents;
-    for (const std::string& document : options.documents) {
+    for (const QString& path : documentPaths.paths) {
         if (Interruption::requested())
             break;
-        const QString path = app::pathFromLocalBytes(document);
         app::Result<OfflineDocument> unpacked = readOfflineDocument(path, workFolder.path());
         if (!unpacked) {
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
@@ -116,11 +120,14 @@ int runLinks(const LinksOptions& options)
         }
         const QString docPath = unpacked->record.posixPath;
         links::LinksController controller;
-        controller.linkFolders = linkFolders;
+        const LinkSearchFolders jobFolders = jobSubfolders(path, options.searchDepth);
+        controller.linkFolders = jobFolders.folders + linkFolders;
         controller.numberOfLinksInDoc = unpacked->record.numberOfLinks();
         links::QNIDMLLinksProcessor processor(controller);
         const QVariantList records = processor.processLinksInDocument(*unpacked->parts, docPath);
         QList<app::Error> warnings = unpacked->warnings;
+        if (jobFolders.capped)
+            warnings << app::makeError(linkSearchCappedWarning(path));
         preflight::addWarningsOnce(warnings, processor.warnings());
         const QStringList warningLines = preflight::warningTexts(warnings);
         for (const QString& warning : warningLines)
@@ -156,7 +163,8 @@ void addLinksCommand(CLI::App& program, std::vector<Command>& commands)
     auto options = std::make_shared<LinksOptions>();
     CLI::App* links = program.add_subcommand(
         "links", "List the placed files of IDML documents: page, kind, status, colour, resolution, scale, profile.");
-    links->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
+    addDocumentSourceOptions(*links, options->documents);
+    addLinkSearchOption(*links, options->searchDepth);
     links
         ->add_option("--links-dir", options->linkFolders,
                      "Folder searched by file name for links that are not where the document recorded them "

@@ -8,6 +8,7 @@
 #include "app/PropertyList.h"
 #include "app/RegularFile.h"
 #include "app/Settings.h"
+#include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
 #include "cli/PreflightJob.h"
@@ -36,7 +37,8 @@ namespace quillon::cli {
 namespace {
 
 struct PreflightOptions {
-    std::vector<std::string> documents;
+    DocumentSources documents;
+    int searchDepth = 0;
     std::string preset;
     std::string presetFile;
     std::string format = "summary";
@@ -119,6 +121,9 @@ std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool
 
 int runPreflight(const PreflightOptions& options)
 {
+    const ExpandedDocuments documents = expandDocumentSources(options.documents, "preflight");
+    if (documents.failureStatus != kExitOk)
+        return documents.failureStatus;
     const app::Result<ChosenPreset> preset = choosePreset(options);
     if (!preset) {
         printError({}, preset.error().text());
@@ -151,9 +156,7 @@ int runPreflight(const PreflightOptions& options)
     if (!runRoot.isValid())
         return kExitFailure;
 
-    QStringList paths;
-    for (const std::string& document : options.documents)
-        paths << q(document);
+    const QStringList& paths = documents.paths;
     const QStringList reportNames = reportFileNames(paths);
     // --jobs N runs N documents at once and never sets more than N times the cores to work: the
     // documents and the fan-outs inside each of them draw their threads from one budget. Without
@@ -174,9 +177,15 @@ int runPreflight(const PreflightOptions& options)
         const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
         QDir().mkpath(runFolder);
         const QString name = QFileInfo(paths.at(index)).fileName();
+        // The job folder's subfolders come before the --links-dir folders: they belong to this document.
+        const LinkSearchFolders jobFolders = jobSubfolders(paths.at(index), options.searchDepth);
+        PreflightJobOptions documentOptions = jobOptions;
+        documentOptions.linkFolders = jobFolders.folders + jobOptions.linkFolders;
         PreflightedDocument document =
-            preflightDocument(paths.at(index), jobOptions, runFolder, cancel,
+            preflightDocument(paths.at(index), documentOptions, runFolder, cancel,
                               [&progress, &name](const QString& status) { progress.status(name, status); });
+        if (jobFolders.capped)
+            document.warnings << linkSearchCappedWarning(paths.at(index));
         if (document.preflighted && !reportDir.isEmpty()) {
             const app::Result<QString> saved =
                 reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
@@ -208,7 +217,7 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
     CLI::App* preflight = program.add_subcommand(
         "preflight", "Preflight IDML documents: fonts, colors and links judged by a checkup preset, with the "
                      "document information, as a summary, the text report or JSON.");
-    preflight->add_option("documents", options->documents, "IDML files (.idml) exported from InDesign")->required();
+    addDocumentSourceOptions(*preflight, options->documents);
     CLI::Option* presetName =
         preflight->add_option("--preset", options->preset, "Checkup preset by name (default: the current preset)");
     CLI::Option* presetFile = preflight->add_option("--preset-file", options->presetFile,
@@ -229,6 +238,7 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
                      "Folder searched by file name for links missing where the document recorded them "
                      "(may be given several times)")
         ->allow_extra_args(false); // one folder each time, so that documents may follow
+    addLinkSearchOption(*preflight, options->searchDepth);
     preflight
         ->add_flag("--overwrite", options->overwrite,
                    "Replace a report file of the same name in the report folder (without it the new report "

@@ -1,10 +1,11 @@
-// quillon presets: list, show, add, rename, delete, export and import checkup presets.
+// quillon presets: list, show, choose, change, add, rename, delete, export and import checkup presets.
 #include "cli/PresetsCommand.h"
 
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/NumericText.h"
 #include "app/Settings.h"
+#include "cli/PresetEdits.h"
 #include "cli/TerminalText.h"
 #include "results/ColorResults.h"
 #include "results/PresetKeys.h"
@@ -14,6 +15,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <iostream>
 #include <memory>
@@ -94,6 +97,8 @@ struct PresetsOptions {
     std::string from = "[Default]";
     std::string folder;
     std::vector<std::string> files;
+    std::string format = "text";
+    PresetEdits edits;
     bool replace = false;
     bool keepBoth = false;
 
@@ -162,12 +167,24 @@ std::string resolutionRange(const QString& below, const QString& above)
            (high > 0 ? std::to_string(high) : std::string("-")) + " dpi";
 }
 
-int showPreset(const QString& name)
+// The preset as its file holds it, in the envelope of the machine-readable outputs.
+void printPresetJson(const QVariantMap& preset)
+{
+    const QJsonObject envelope{{QStringLiteral("format"), 1},
+                               {QStringLiteral("preset"), QJsonObject::fromVariantMap(preset)}};
+    std::cout << QJsonDocument(envelope).toJson(QJsonDocument::Indented).toStdString();
+}
+
+int showPreset(const QString& name, bool json)
 {
     rs::QNPresetsTable table = loadTable();
     const qsizetype row = findPreset(table, name);
     if (row < 0)
         return kExitFailure;
+    if (json) {
+        printPresetJson(table.items().at(row).toMap());
+        return kExitOk;
+    }
     const rs::PresetEditorState p = table.selectRow(row);
     const QString file = table.presetFilePath(name);
     std::cout << "Preset: " << printableText(name) << "\n"
@@ -204,6 +221,36 @@ void followInSettings(const QString& oldName, const QString& newName)
         settings.setValue(QLatin1String(rs::kSelectedPresetSetting.name), newName);
 }
 
+int usageError(const std::string& command, const QString& message)
+{
+    std::cerr << "quillon presets " << command << ": " << printableText(message) << "; see 'quillon presets " << command
+              << " --help'" << std::endl;
+    return kExitUsage;
+}
+
+// Changes the preset's file the way the presets window would, after every change was found valid.
+int setPreset(const QString& name, const PresetEdits& edits)
+{
+    if (name == rs::kDefaultPresetName)
+        return usageError("set", QStringLiteral("\"%1\" cannot be changed; change a copy of it (quillon presets new)")
+                                     .arg(rs::kDefaultPresetName));
+    if (edits.assignments.empty() && edits.addFontRules.empty() && edits.removeFontRules.empty() &&
+        edits.addLinkRules.empty() && edits.removeLinkRules.empty())
+        return usageError("set", QStringLiteral("nothing to change: give KEY=VALUE or a rule to add or remove"));
+    rs::QNPresetsTable table = loadTable();
+    const qsizetype row = findPreset(table, name);
+    if (row < 0)
+        return kExitFailure;
+    rs::PresetEditorState state = table.selectRow(row);
+    if (const app::Status applied = applyPresetEdits(edits, state); !applied)
+        return usageError("set", applied.error().text());
+    if (const app::Status written = table.writeCurrPreset(state); !written) {
+        std::cerr << "quillon presets set: " << printableText(written.error().text()) << std::endl;
+        return kExitFailure;
+    }
+    return kExitOk;
+}
+
 int transferOutcome(rs::TransferOutcome outcome)
 {
     return outcome == rs::TransferOutcome::Done ? kExitOk : kExitFailure;
@@ -214,13 +261,32 @@ int transferOutcome(rs::TransferOutcome outcome)
 void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
 {
     auto options = std::make_shared<PresetsOptions>();
-    CLI::App* presets =
-        program.add_subcommand("presets", "List, show, add, rename, delete, export and import checkup presets");
+    CLI::App* presets = program.add_subcommand(
+        "presets", "List, show, choose, change, add, rename, delete, export and import checkup presets");
     presets->require_subcommand(1);
 
     CLI::App* list = presets->add_subcommand("list", "List the presets, \"[Default]\" first");
     CLI::App* show = presets->add_subcommand("show", "Show the rules of a preset");
     show->add_option("NAME", options->name, "Preset name")->required();
+    show->add_option("--format", options->format, "text (the default) or json (the preset file's keys and values)")
+        ->check(CLI::IsMember({"text", "json"}));
+    CLI::App* use = presets->add_subcommand("use", "Make a preset the current one, used when no --preset is given");
+    use->add_option("NAME", options->name, "Preset name")->required();
+    CLI::App* set = presets->add_subcommand(
+        "set", "Change a preset's thresholds and check boxes (KEY=VALUE, by the preset file's keys) and add or "
+               "remove font and link rules; \"[Default]\" stays as it is");
+    set->add_option("NAME", options->name, "Preset name")->required();
+    set->add_option(
+        "KEY=VALUE", options->edits.assignments,
+        "Settings: " + presetSettingKeys().join(u' ').toStdString() +
+            ". Sizes and resolutions take a number (empty: off), units KB, MB or GB, check boxes on or off");
+    const auto ruleOption = [set](const char* name, std::vector<std::string>& rules, const char* what) {
+        set->add_option(name, rules, what)->expected(3)->type_name("ATTRIBUTE CONDITION VALUE");
+    };
+    ruleOption("--add-font-rule", options->edits.addFontRules, "Add a font rule, such as: Status is Missing");
+    ruleOption("--remove-font-rule", options->edits.removeFontRules, "Remove a font rule");
+    ruleOption("--add-link-rule", options->edits.addLinkRules, "Add a link rule, such as: Kind contains EPS");
+    ruleOption("--remove-link-rule", options->edits.removeLinkRules, "Remove a link rule");
     CLI::App* add = presets->add_subcommand("new", "Add a copy of a preset named \"New Preset <n>\"");
     add->add_option("--from", options->from, "The preset to copy (default \"[Default]\")");
     CLI::App* rename = presets->add_subcommand("rename", "Rename a preset");
@@ -248,7 +314,17 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
                                 return table.refusedFiles().isEmpty() ? kExitOk : kExitAlerts;
                             }
                             if (show->parsed())
-                                return showPreset(q(options->name));
+                                return showPreset(q(options->name), options->format == "json");
+                            if (use->parsed()) {
+                                rs::QNPresetsTable table = loadTable();
+                                if (findPreset(table, q(options->name)) < 0)
+                                    return kExitFailure;
+                                app::Settings settings;
+                                rs::presetsPopup(settings, q(options->name));
+                                return kExitOk;
+                            }
+                            if (set->parsed())
+                                return setPreset(q(options->name), options->edits);
                             if (add->parsed()) {
                                 rs::QNPresetsTable table = loadTable();
                                 const qsizetype row = findPreset(table, q(options->from));

@@ -61,10 +61,15 @@ std::uint64_t sizeLimitBytes(const QString& fieldText, const QString& unit)
     return static_cast<std::uint64_t>(bytes);
 }
 
-bool acceptNumericField(app::AlertSink& alerts, const QString& text)
+bool isNumericFieldText(const QString& text)
 {
     static const QRegularExpression number(QStringLiteral("^\\s*([0-9]+\\.?[0-9]*|\\.[0-9]+)?\\s*$"));
-    if (number.match(text).hasMatch())
+    return number.match(text).hasMatch();
+}
+
+bool acceptNumericField(app::AlertSink& alerts, const QString& text)
+{
+    if (isNumericFieldText(text))
         return true;
     app::runAlert(alerts, QStringLiteral("Invalid numeric value"), QString(), QStringList{QStringLiteral("OK")}, true);
     return false;

@@ -41,7 +41,9 @@ std::uint64_t sizeLimitBytes(const QString& fieldText, const QString& unit);
 QString stringForKeyInDict(const QString& key, const QVariantMap& dict, const QString& defaultValue);
 
 // A typed number field (sizes, resolutions): empty or a non-negative decimal number is taken;
-// anything else gets the critical alert "Invalid numeric value" and is refused.
+// anything else is refused.
+bool isNumericFieldText(const QString& text);
+// The same for the presets window: a refused text gets the critical alert "Invalid numeric value" and is refused.
 bool acceptNumericField(app::AlertSink& alerts, const QString& text);
 
 // Why a name cannot be a preset's: the alert to show. The desktop's rules (empty, ":", "/", "[",

@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -174,6 +177,64 @@ TEST_F(PresetsCommand, NoUserFileIsLostOrHalfRenamed)
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains((presetFile(QStringLiteral("Broken")) + " (Fonts/conditions)").toUtf8()))
         << run.err.toStdString();
+}
+
+TEST_F(PresetsCommand, UseSetAndShowAsJson)
+{
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    const QString name = QStringLiteral("New Preset 1");
+    EXPECT_EQ(presets({QStringLiteral("use"), QStringLiteral("Nothing")}).exitCode, 2);
+    EXPECT_FALSE(userSettings().contains(QStringLiteral("selectedPreset")));
+    ASSERT_EQ(presets({QStringLiteral("use"), name}).exitCode, 0);
+    EXPECT_EQ(userSettings().value(QStringLiteral("selectedPreset")).toString(), name);
+
+    CliRun run = presets({QStringLiteral("set"), name, QStringLiteral("resBelowField=150"),
+                          QStringLiteral("sizeAboveField=1.5"), QStringLiteral("RGB=on"),
+                          QStringLiteral("--remove-font-rule"), QStringLiteral("Status"), QStringLiteral("is"),
+                          QStringLiteral("Missing"), QStringLiteral("--add-font-rule"), QStringLiteral("Type"),
+                          QStringLiteral("is"), QStringLiteral("TrueType"), QStringLiteral("--add-link-rule"),
+                          QStringLiteral("Kind"), QStringLiteral("contains"), QStringLiteral("EPS")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    run = presets({QStringLiteral("show"), name, QStringLiteral("--format"), QStringLiteral("json")});
+    const QJsonObject shown = QJsonDocument::fromJson(run.out).object();
+    EXPECT_EQ(shown.value(QStringLiteral("format")).toInt(), 1);
+    const QJsonObject preset = shown.value(QStringLiteral("preset")).toObject();
+    const QJsonObject links = preset.value(QStringLiteral("Links")).toObject();
+    EXPECT_EQ(links.value(QStringLiteral("resBelowField")).toString(), QStringLiteral("150"));
+    EXPECT_EQ(links.value(QStringLiteral("sizeAboveBytes")).toInteger(), 1572864) << "bytes follow the field";
+    EXPECT_EQ(links.value(QStringLiteral("conditions")).toArray().size(), 2);
+    EXPECT_EQ(links.value(QStringLiteral("conditions")).toArray()[1].toObject().value(QStringLiteral("attributeKey")),
+              QStringLiteral("kind"));
+    const QJsonArray fontRules =
+        preset.value(QStringLiteral("Fonts")).toObject().value(QStringLiteral("conditions")).toArray();
+    ASSERT_EQ(fontRules.size(), 1);
+    EXPECT_EQ(fontRules[0].toObject().value(QStringLiteral("value")).toString(), QStringLiteral("TrueType"));
+    EXPECT_EQ(preset.value(QStringLiteral("Colors")).toObject().value(QStringLiteral("RGB")).toInt(), 1);
+
+    // Each refusal is a usage error that leaves every preset file as it was, with nothing beside them.
+    const QByteArray before = readAll(presetFile(name));
+    const QByteArray defaultBefore = readAll(presetFile(QStringLiteral("[Default]")));
+    const QList<QStringList> refused{
+        {QStringLiteral("[Default]"), QStringLiteral("RGB=on")},
+        {name},
+        {name, QStringLiteral("resBelowField=-1")},
+        {name, QStringLiteral("resBelowField=300"), QStringLiteral("frob=1")},
+        {name, QStringLiteral("sizeAboveUnitsPopup=TB")},
+        {name, QStringLiteral("nonPrintBtn=maybe")},
+        {name, QStringLiteral("--add-font-rule"), QStringLiteral("Type"), QStringLiteral("is"),
+         QStringLiteral("Gothic")},
+        {name, QStringLiteral("--add-link-rule"), QStringLiteral("Size"), QStringLiteral("is"), QStringLiteral("big")},
+        {name, QStringLiteral("--remove-link-rule"), QStringLiteral("Kind"), QStringLiteral("contains"),
+         QStringLiteral("PSD")},
+    };
+    for (const QStringList& arguments : refused) {
+        run = presets(QStringList{QStringLiteral("set")} + arguments);
+        EXPECT_EQ(run.exitCode, 64) << arguments.join(u' ').toStdString() << run.err.toStdString();
+        EXPECT_TRUE(run.err.startsWith("quillon presets set: ")) << run.err.toStdString();
+    }
+    EXPECT_EQ(readAll(presetFile(name)), before);
+    EXPECT_EQ(readAll(presetFile(QStringLiteral("[Default]"))), defaultBefore);
+    EXPECT_EQ(QDir(m_presets).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
 } // namespace

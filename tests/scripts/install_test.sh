@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the build into a private prefix and checks that the command, its manual and its
+# completions land where bin, man and the shells look, and that the bash completion offers the
+# commands and the presets subcommands.
+set -euo pipefail
+cmake=$1 build=$2 source=$3
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+"$cmake" --install "$build" --prefix "$prefix" >/dev/null
+fail() { echo "FAIL: $*" >&2; exit 1; }
+[[ -x $prefix/bin/quillon ]] || fail "bin/quillon missing or not executable"
+[[ -f $prefix/share/man/man1/quillon.1 ]] || fail "share/man/man1/quillon.1 missing"
+[[ -f $prefix/share/bash-completion/completions/quillon ]] || fail "bash completion missing"
+[[ -f $prefix/share/zsh/site-functions/_quillon ]] || fail "zsh completion missing"
+head -1 "$prefix/share/zsh/site-functions/_quillon" | grep -qx '#compdef quillon' || fail "zsh completion lacks #compdef"
+"$prefix/bin/quillon" --version | grep -q '^quillon ' || fail "installed command does not run"
+
+complete_words() {
+    bash -c 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf "%s\n" "${COMPREPLY[@]}"' \
+        _ "$prefix/share/bash-completion/completions/quillon" "$@" | sort | tr '\n' ' '
+}
+got=$(complete_words quillon '')
+[[ $got == "--help --version info inspect links metadata preflight presets " ]] || fail "commands offered: $got"
+got=$(complete_words quillon presets '')
+[[ $got == "--help delete export import list new rename set show use " ]] || fail "presets commands offered: $got"
+got=$(complete_words quillon preflight --search)
+[[ $got == "--search-links " ]] || fail "preflight options offered: $got"
+
+# Every command the program has is offered: one added later must reach the completion too.
+for command in $("$prefix/bin/quillon" --help | sed -n '/^Subcommands:/,/^$/p' | awk 'NR > 1 && /^  [a-z]/ {print $1}'); do
+    [[ " $(complete_words quillon '') " == *" $command "* ]] || fail "command $command is not completed"
+done
+grep -q '^\.TH QUILLON 1' "$source/docs/quillon.1" || fail "manual page header"
+echo "install test passed"
