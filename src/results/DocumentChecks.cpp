@@ -31,7 +31,7 @@ public:
 
     void warn(const QString& key, const QString& problem)
     {
-        m_warnings << QStringLiteral("document check %1/%2 was not made: %3").arg(kPresetDocumentKey, key, problem);
+        m_warnings << QStringLiteral("%1/%2 not checked: %3").arg(kPresetDocumentKey, key, problem);
     }
 
     std::optional<double> length(const QString& key)
@@ -41,8 +41,7 @@ public:
         const QVariant value = m_checks.value(key);
         const double points = value.toDouble();
         if (!app::isNumberValue(value) || !std::isfinite(points) || points < 0) {
-            warn(key, QStringLiteral("\"%1\" is not a length in points (a number that is not negative)")
-                          .arg(value.toString()));
+            warn(key, QStringLiteral("\"%1\" is no length in points (0 or more)").arg(value.toString()));
             return std::nullopt;
         }
         return points;
@@ -55,8 +54,7 @@ public:
         const QVariant value = m_checks.value(key);
         const double number = value.toDouble();
         if (!app::isNumberValue(value) || number < 0 || number != std::floor(number) || number > 1e9) {
-            warn(key, QStringLiteral("\"%1\" is not a page count (a whole number that is not negative)")
-                          .arg(value.toString()));
+            warn(key, QStringLiteral("\"%1\" is no page count (0 or more)").arg(value.toString()));
             return std::nullopt;
         }
         return static_cast<qint64>(number);
@@ -80,7 +78,7 @@ public:
         for (const Unit& unit : kUnits)
             if (name == unit.name)
                 return unit;
-        warn(kDocUnitKey, QStringLiteral("\"%1\" is not one of pt, mm, cm and in; lengths are shown in pt").arg(name));
+        warn(kDocUnitKey, QStringLiteral("\"%1\" is none of pt, mm, cm, in; shown in pt").arg(name));
         return kUnits[0];
     }
 
