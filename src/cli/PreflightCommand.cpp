@@ -45,6 +45,7 @@ struct PreflightOptions {
     std::string reportDir;
     std::vector<std::string> linkDirs;
     int jobs = 0;
+    std::optional<int> maxItems;
     bool overwrite = false;
 };
 
@@ -198,7 +199,7 @@ int runPreflight(const PreflightOptions& options)
         if (Interruption::requested() && !document.preflighted)
             return; // a document cut short is not reported
         progress.documentDone();
-        printer.deliver(index, renderDocument(std::move(document), format, preset->name));
+        printer.deliver(index, renderDocument(std::move(document), format, preset->name, options.maxItems));
     });
     progress.clear();
     printer.finish(paths);
@@ -248,6 +249,11 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
         ->add_option("--jobs", options->jobs,
                      "Documents preflighted at the same time, 1 to 64 (default: the number of cores)")
         ->check(CLI::Range(1, 64));
+    preflight
+        ->add_option("--max-items", options->maxItems,
+                     "Lines per list in the summary: files or items with alerts beyond N are counted in "
+                     "\"… and K more\" (default: all)")
+        ->check(CLI::NonNegativeNumber);
     commands.push_back({preflight, [options] { return runPreflight(*options); }});
 }
 

@@ -85,6 +85,8 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     document.colors = results.colorItems();
     document.summary = results.summary().toVariantMap();
     document.status = results.status();
+    document.documentChecks = results.documentJudgement();
+    document.warnings += document.documentChecks.warnings;
     if (options.reportType) {
         QString paraStyles;
         if (options.printParaStyles)

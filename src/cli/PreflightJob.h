@@ -2,6 +2,7 @@
 
 #include "inspection/DocInfo.h"
 #include "reports/TextReport.h"
+#include "results/DocumentChecks.h"
 #include "results/Summary.h"
 
 #include <QString>
@@ -41,6 +42,9 @@ struct PreflightedDocument {
     QVariantList colors;
     QVariantMap summary; // section title -> {row title: value}
     results::PreflightStatus status;
+    // The preset's document checks: their alerts, and whether it has any (shown only then). What
+    // could not be checked is among `warnings`.
+    results::DocumentJudgement documentChecks;
     QString reportText; // the text report, when one was asked for
 };
 

@@ -56,53 +56,6 @@ QJsonObject infoJson(const inspection::QNDocInfo& info)
     };
 }
 
-// The records of a list, the children of document groups in their place.
-QVariantList flatRecords(const QVariantList& rows)
-{
-    QVariantList records;
-    for (const QVariant& row : rows) {
-        const QVariantMap map = row.toMap();
-        if (results::isGroupRow(map))
-            records += map.value(app::kGroupChildrenKey).toList();
-        else
-            records += row;
-    }
-    return records;
-}
-
-QString recordTitle(const QVariantMap& record, bool isLink)
-{
-    const QString name = record.value(app::kNameKey).toString();
-    const QString page = record.value(links::kLinkPageKey).toString();
-    if (isLink && !page.isEmpty())
-        return QStringLiteral("%1 (page %2)").arg(name, page);
-    return name;
-}
-
-QString listSection(const QString& title, const QVariantList& rows, bool isLink)
-{
-    const QVariantList records = flatRecords(rows);
-    QVariantList alerted;
-    for (const QVariant& record : records)
-        if (results::hasAlerts(record.toMap()))
-            alerted << record;
-    QString text = QStringLiteral("\n  %1: ").arg(title);
-    if (records.isEmpty())
-        return text + QStringLiteral("none\n");
-    text += QStringLiteral("%1, %2 with alerts\n")
-                .arg(records.size())
-                .arg(alerted.isEmpty() ? QStringLiteral("none") : QString::number(alerted.size()));
-    for (const QVariant& item : alerted) {
-        const QVariantMap record = item.toMap();
-        text += QStringLiteral("    %1\n").arg(recordTitle(record, isLink));
-        const QVariantMap alerts = record.value(results::kAlertsKey).toMap();
-        for (const QVariant& value : alerts)
-            for (const QString& alert : results::alertTexts(value))
-                text += QStringLiteral("      - %1\n").arg(alert);
-    }
-    return text;
-}
-
 std::string indentation(int depth)
 {
     return std::string(static_cast<size_t>(depth) * 4, ' ');
@@ -131,11 +84,6 @@ void appendJson(std::string& out, const QJsonValue& value, int depth)
         out.append(text.constData() + start, static_cast<size_t>(stop - start));
         start = stop + 1;
     }
-}
-
-QString orDash(const QString& text)
-{
-    return text.isEmpty() ? QStringLiteral("-") : text;
 }
 
 } // namespace
@@ -259,38 +207,6 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
     }
     out += "\n" + indentation(depth) + "}";
     flush(0);
-}
-
-QString summaryText(const PreflightedDocument& document, const QString& presetName)
-{
-    const inspection::QNDocInfo& info = document.info;
-    const QList<std::pair<QString, QString>> lines{
-        {QStringLiteral("Path"), info.docPath()},
-        {QStringLiteral("Pages"),
-         QStringLiteral("%1 (InDesign %2)").arg(orDash(info.numberOfPagesStr()), orDash(info.InDesignVersion()))},
-        {QStringLiteral("Size"), info.fileSizeStr()},
-        {QStringLiteral("Modified"), orDash(info.modDateStr())},
-        {QStringLiteral("Page size"), info.pageSizeStr()},
-        {QStringLiteral("Bleed"), orDash(info.bleedStr())},
-        {QStringLiteral("Slug"), orDash(info.slugStr())},
-        {QStringLiteral("Preset"), presetName},
-        {QStringLiteral("Result"), document.status.text},
-    };
-    QString text = document.name + u'\n';
-    for (const auto& [label, value] : lines)
-        text += QStringLiteral("  %1%2\n").arg((label + u':').leftJustified(12), value);
-    // Under the status line, so that a result with warnings never reads as clean alone.
-    if (!document.warnings.isEmpty()) {
-        text += QStringLiteral("  %1%2 (the result may be incomplete)\n")
-                    .arg(QStringLiteral("Warnings:").leftJustified(12))
-                    .arg(document.warnings.size());
-        for (const QString& warning : document.warnings)
-            text += QStringLiteral("    - %1\n").arg(warning);
-    }
-    text += listSection(QStringLiteral("Fonts"), document.fonts, false);
-    text += listSection(QStringLiteral("Colors"), document.colors, false);
-    text += listSection(QStringLiteral("Links"), document.links, true);
-    return text;
 }
 
 } // namespace quillon::cli

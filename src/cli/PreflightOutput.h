@@ -26,9 +26,4 @@ QJsonArray jsonRecords(const QVariantList& records);
 // time, so that a document of many links never has its whole text in memory.
 void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document, int depth);
 
-// The summary for a terminal: the document information, the status line and the warnings under
-// it, then the fonts, colours and links that raised alerts, each with its alert texts. Ends with a
-// line break.
-QString summaryText(const PreflightedDocument& document, const QString& presetName);
-
 } // namespace quillon::cli

@@ -3,6 +3,7 @@
 #include "app/BuildInfo.h"
 #include "cli/Commands.h"
 #include "cli/PreflightOutput.h"
+#include "cli/PreflightSummary.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
 
@@ -36,7 +37,8 @@ std::string envelopeOpening(const QString& presetName)
 
 } // namespace
 
-RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName)
+RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName,
+                                std::optional<int> maxItems)
 {
     RenderedDocument rendered;
     rendered.path = document.path;
@@ -53,8 +55,9 @@ RenderedDocument renderDocument(PreflightedDocument document, const QString& for
         auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
         rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
     } else if (document.preflighted) {
-        rendered.out = printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName)
-                                                                             : document.reportText + u'\n');
+        rendered.out =
+            printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName, maxItems)
+                                                                  : document.reportText + u'\n');
     }
     return rendered;
 }

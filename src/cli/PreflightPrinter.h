@@ -27,8 +27,10 @@ struct RenderedDocument {
     std::function<void(std::ostream&)> writeJson;
 };
 
-// The output formats: "summary", "text", "tab", "json".
-RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName);
+// The output formats: "summary", "text", "tab", "json". The summary shows at most `maxItems` lines
+// per list (all when not given).
+RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName,
+                                std::optional<int> maxItems = std::nullopt);
 
 // Prints each document when it and every document before it are done, so that the output keeps
 // the order of the command line whatever order the jobs end in. JSON is written as it comes: the

@@ -112,10 +112,15 @@ app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document
     if (!preference) {
         app::logFailure(QStringLiteral("get DocumentPreference nodes: %1").arg(path));
         m_bleedStr = m_slugStr = QStringLiteral("-");
+        m_bleedPoints = m_slugPoints = std::nullopt;
         return read;
     }
-    setBleedOrSlug(true, bleedOrSlugText(bleedOrSlugValues(preference, true), m_horizMeasurementUnits));
-    setBleedOrSlug(false, bleedOrSlugText(bleedOrSlugValues(preference, false), m_horizMeasurementUnits));
+    const BleedOrSlugValues bleed = bleedOrSlugValues(preference, true);
+    const BleedOrSlugValues slug = bleedOrSlugValues(preference, false);
+    setBleedOrSlug(true, bleedOrSlugText(bleed, m_horizMeasurementUnits));
+    setBleedOrSlug(false, bleedOrSlugText(slug, m_horizMeasurementUnits));
+    m_bleedPoints = narrowestSideInPoints(bleed);
+    m_slugPoints = narrowestSideInPoints(slug);
     return read;
 }
 

@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+
 namespace quillon::idml {
 class IdmlDocument;
 }
@@ -87,6 +89,10 @@ public:
     void setDocPageSizes(const DocPageSizes& sizes);
     const QString& bleedStr() const { return m_bleedStr; }
     const QString& slugStr() const { return m_slugStr; }
+    // The narrowest side of the bleed and of the slug in points; nothing when the document's
+    // preferences could not be read.
+    std::optional<double> bleedPoints() const { return m_bleedPoints; }
+    std::optional<double> slugPoints() const { return m_slugPoints; }
     const QString& horizMeasurementUnits() const { return m_horizMeasurementUnits; }
     const QString& vertMeasurementUnits() const { return m_vertMeasurementUnits; }
 
@@ -111,6 +117,8 @@ private:
     DocPageSizes m_docPageSizes;
     QString m_bleedStr;
     QString m_slugStr;
+    std::optional<double> m_bleedPoints;
+    std::optional<double> m_slugPoints;
     QString m_horizMeasurementUnits;
     QString m_vertMeasurementUnits;
 };

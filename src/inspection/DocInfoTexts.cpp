@@ -4,6 +4,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace quillon::inspection {
 
 std::optional<UnitConversion> conversionFactorsFromPointsAndAbbrForUnits(const QString& units)
@@ -110,6 +112,14 @@ QString bleedOrSlugText(const BleedOrSlugValues& values, const QString& horizUni
     return QStringLiteral("%1, %2, %3, %4 %5")
         .arg(shown(values.top), shown(values.bottom), shown(values.insideOrLeft), shown(values.outsideOrRight),
              conversion.abbreviation);
+}
+
+double narrowestSideInPoints(const BleedOrSlugValues& values)
+{
+    if (stringBoolValue(values.uniformFlag))
+        return doubleFromString(values.top);
+    return std::min({doubleFromString(values.top), doubleFromString(values.bottom),
+                     doubleFromString(values.insideOrLeft), doubleFromString(values.outsideOrRight)});
 }
 
 } // namespace quillon::inspection

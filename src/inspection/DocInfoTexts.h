@@ -51,4 +51,8 @@ struct BleedOrSlugValues {
 // otherwise "top, bottom, inside, outside abbreviation"; in the horizontal units, two decimals.
 QString bleedOrSlugText(const BleedOrSlugValues& values, const QString& horizUnits);
 
+// The narrowest side of the bleed or slug in points (the top alone when the uniform flag is set),
+// what a minimum is checked against.
+double narrowestSideInPoints(const BleedOrSlugValues& values);
+
 } // namespace quillon::inspection

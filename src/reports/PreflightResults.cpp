@@ -42,6 +42,7 @@ void PreflightResults::clearAllResults()
     m_colors.clear();
     m_summary.clear();
     m_status = results::PreflightStatus();
+    m_document = results::DocumentJudgement();
 }
 
 preflight::JudgingInputs PreflightResults::judgingInputsFor(const std::optional<QVariantMap>& preset)
@@ -60,6 +61,7 @@ preflight::JudgingInputs PreflightResults::judgingInputs()
 void PreflightResults::setItems(const preflight::PreflightOutcome& outcome)
 {
     m_linkData = outcome.linkData;
+    m_judgedBy = outcome.judging.preset;
     m_links.setItems(m_linkData, outcome.judging.preset);
     m_fonts.setItems(outcome.fontData(), outcome.judging.preset);
     m_colors.setItems(outcome.colorData(), outcome.judging.preset);
@@ -68,6 +70,7 @@ void PreflightResults::setItems(const preflight::PreflightOutcome& outcome)
 void PreflightResults::setItemsFromDataFiles(const QString& dataFolder)
 {
     const QVariantMap preset = presetOrNothing();
+    m_judgedBy = preset;
     m_linkData = results::readDataFile(dataFolder, app::kLinkDataFileName);
     m_links.setItems(m_linkData, preset);
     m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
@@ -79,8 +82,9 @@ void PreflightResults::populateSummaryAndDocInfo(inspection::QNDocInfo& docInfo)
     const results::SummaryDocumentInfo document{
         docInfo.docName(),         docInfo.docPath(),          docInfo.creationDateStr(), docInfo.modDateStr(),
         docInfo.InDesignVersion(), docInfo.numberOfPagesStr(), docInfo.bleedStr(),        docInfo.slugStr()};
-    m_status =
-        m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(), links::fileSizeFormat);
+    m_document = results::judgeDocument(m_judgedBy.value(results::kPresetDocumentKey).toMap(), docInfo);
+    m_status = m_summary.loadSummary(document, m_fonts.items(), m_colors.items(), m_links.items(),
+                                     links::fileSizeFormat, m_document.alerts.size());
     docInfo.setHasPreflightErrors(m_status.hasPreflightErrors);
 }
 
@@ -110,6 +114,7 @@ void PreflightResults::presetsPopup(const QString& title)
     if (m_links.items().isEmpty() && m_colors.items().isEmpty() && m_fonts.items().isEmpty())
         return;
     const QVariantMap preset = presetOrNothing();
+    m_judgedBy = preset;
     if (!m_links.items().isEmpty())
         m_links.setItems(m_linkData, preset);
     if (!m_colors.items().isEmpty())

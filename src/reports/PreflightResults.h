@@ -4,6 +4,7 @@
 #include "preflight/PreflightResultsSink.h"
 #include "reports/TextReport.h"
 #include "results/ColorResults.h"
+#include "results/DocumentChecks.h"
 #include "results/FontResults.h"
 #include "results/LinkResults.h"
 #include "results/Summary.h"
@@ -68,6 +69,8 @@ public:
     const results::QNSummaryOutlineController& summary() const { return m_summary; }
     // The status line of the last summary.
     const results::PreflightStatus& status() const { return m_status; }
+    // The document checks of the last summary, judged by the preset the lists were judged by.
+    const results::DocumentJudgement& documentJudgement() const { return m_document; }
 
 private:
     QVariantMap presetOrNothing() const;
@@ -77,11 +80,13 @@ private:
     TextReportType m_reportType = TextReportType::Regular;
     std::function<QDateTime()> m_clock;
     QVariantMap m_linkData; // what the link list was loaded from, to judge again with another preset
+    QVariantMap m_judgedBy; // the preset the lists were judged by, for the document checks
     results::QNLinksOutline m_links;
     results::QNFontsOutlineController m_fonts;
     results::QNColorsOutlineController m_colors;
     results::QNSummaryOutlineController m_summary;
     results::PreflightStatus m_status;
+    results::DocumentJudgement m_document;
 };
 
 // What the report header shows of a document.

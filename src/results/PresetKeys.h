@@ -57,6 +57,18 @@ inline const QString kColorsHSBKey = QStringLiteral("HSB");
 inline const QString kColorsUnusedKey = QStringLiteral("unused");
 inline const QString kColorsRegAppliedToTextKey = QStringLiteral("regAppliedToText");
 
+// "Document" checks, each off while its key is absent (presets of other copies hold none). Lengths
+// are points; "unit" only chooses how they are shown.
+inline const QString kDocMinBleedKey = QStringLiteral("minBleed");                   // every bleed side at least
+inline const QString kDocMinSlugKey = QStringLiteral("minSlug");                     // every slug side at least
+inline const QString kDocPageWidthKey = QStringLiteral("pageWidth");                 // with "pageHeight": every page
+inline const QString kDocPageHeightKey = QStringLiteral("pageHeight");               // has this size
+inline const QString kDocPageSizeToleranceKey = QStringLiteral("pageSizeTolerance"); // allowed difference each way
+inline const QString kDocMinPagesKey = QStringLiteral("minPages");                   // integer
+inline const QString kDocMaxPagesKey = QStringLiteral("maxPages");                   // integer
+inline const QString kDocSamePageSizeKey = QStringLiteral("samePageSize");           // integer state
+inline const QString kDocUnitKey = QStringLiteral("unit");                           // "pt", "mm", "cm" or "in"
+
 // A rule (font or link).
 inline const QString kRuleAttributeKey = QStringLiteral("attribute");       // display name; decides what is tested
 inline const QString kRuleAttributeKeyKey = QStringLiteral("attributeKey"); // record key; kept for other readers

@@ -90,13 +90,13 @@ void QNSummaryOutlineController::startup()
 
 PreflightStatus QNSummaryOutlineController::loadSummary(const SummaryDocumentInfo& document, const QVariantList& fonts,
                                                         const QVariantList& colors, const QVariantList& links,
-                                                        const FileSizeFormatter& fileSizeFormat)
+                                                        const FileSizeFormatter& fileSizeFormat, qint64 documentAlerts)
 {
     loadDocSummary(document);
     loadFontsSummary(fonts);
     loadColorsSummary(colors);
     loadLinksSummary(links, fileSizeFormat);
-    return loadPreflightStatusResults(fonts, colors, links);
+    return loadPreflightStatusResults(fonts, colors, links, documentAlerts);
 }
 
 QNSummaryItem* QNSummaryOutlineController::sectionItemWithTitle(const QString& title)
@@ -200,19 +200,22 @@ QVariantMap QNSummaryOutlineController::toVariantMap() const
 
 PreflightStatus QNSummaryOutlineController::loadPreflightStatusResults(const QVariantList& fonts,
                                                                        const QVariantList& colors,
-                                                                       const QVariantList& links)
+                                                                       const QVariantList& links, qint64 documentAlerts)
 {
     PreflightStatus status;
+    status.document = documentAlerts;
     status.fonts = alertCount(fonts);
     status.colors = alertCount(colors);
     status.links = alertCount(links);
-    status.total = status.fonts + status.colors + status.links;
+    status.total = status.document + status.fonts + status.colors + status.links;
     status.hasPreflightErrors = static_cast<std::int8_t>(status.total & 0xFF) != 0;
     if (status.total == 0) {
         status.text = QStringLiteral("No errors found");
         return status;
     }
     QStringList parts;
+    if (status.document != 0)
+        parts.append(QStringLiteral("Document: %1").arg(status.document));
     if (status.fonts != 0)
         parts.append(QStringLiteral("Fonts: %1").arg(status.fonts));
     if (status.colors != 0)

@@ -43,6 +43,7 @@ using FileSizeFormatter = std::function<QString(std::uint64_t bytes)>;
 
 // The status line: alert counts per list and what the box shows.
 struct PreflightStatus {
+    qint64 document = 0; // alerts of the preset's document checks; 0 when it has none
     qint64 fonts = 0;
     qint64 colors = 0;
     qint64 links = 0;
@@ -50,7 +51,9 @@ struct PreflightStatus {
     // From the low eight bits of the total read as a signed byte, so a multiple of 256 reads as
     // no errors here while the line still counts them. Kept so.
     bool hasPreflightErrors = false;
-    QString text; // "No errors found" or "4 errors found: Fonts: 3 • Links: 1"; red when total is not 0
+    // "No errors found" or "4 errors found: Fonts: 3 • Links: 1" ("Document: n" first when the document
+    // checks raised alerts); red when total is not 0
+    QString text;
 };
 
 class QNSummaryOutlineController {
@@ -60,10 +63,10 @@ public:
     const QList<QNSummaryItem>& items() const { return m_items; }
 
     // Loads every section from the document information and the top-level rows of the three
-    // result lists, and returns the status line.
+    // result lists, and returns the status line, counting `documentAlerts` too.
     PreflightStatus loadSummary(const SummaryDocumentInfo& document, const QVariantList& fonts,
                                 const QVariantList& colors, const QVariantList& links,
-                                const FileSizeFormatter& fileSizeFormat);
+                                const FileSizeFormatter& fileSizeFormat, qint64 documentAlerts = 0);
     void loadDocSummary(const SummaryDocumentInfo& document);
     void loadFontsSummary(const QVariantList& fonts);
     void loadColorsSummary(const QVariantList& colors);
@@ -78,7 +81,7 @@ public:
     QVariantMap toVariantMap() const;
 
     static PreflightStatus loadPreflightStatusResults(const QVariantList& fonts, const QVariantList& colors,
-                                                      const QVariantList& links);
+                                                      const QVariantList& links, qint64 documentAlerts = 0);
 
     // What a cell shows for a column ("title" or "value"): "?" for any other column, "-" for "0".
     static QString objectValueForColumn(const QNSummaryItem& item, const QString& column);

@@ -6,16 +6,13 @@ using namespace Qt::StringLiterals;
 
 using namespace quillon::app;
 
-TEST(Versions, TrailingZeroGroupsAreDropped)
+TEST(Versions, TrailingZeroGroupsAreDroppedAndNumbersCompared)
 {
     EXPECT_EQ(versionNumberByRemovingTrailingZeros(u"17.0.0"_s), u"17"_s);
     EXPECT_EQ(versionNumberByRemovingTrailingZeros(u"10"_s), u"10"_s);
     EXPECT_EQ(versionNumberByRemovingTrailingZeros(u"17.10"_s), u"17.10"_s);
     EXPECT_EQ(versionNumberByRemovingTrailingZeros(u"20.0.10"_s), u"20.0.10"_s);
-}
-
-TEST(Versions, CompareNumericallyIgnoringTrailingZeros)
-{
+    // Compared numerically, trailing zeros ignored.
     EXPECT_EQ(checkVersion(u"2.1"_s, u"2.1.0"_s), 0);
     EXPECT_EQ(checkVersion(u"10.10"_s, u"10.9"_s), 1);
     EXPECT_EQ(checkVersion(u"10.9"_s, u"10.10"_s), 2);

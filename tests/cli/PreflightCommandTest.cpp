@@ -327,12 +327,13 @@ TEST_F(PreflightCommand, TheBundledSampleRaisesTheProblemsItWasMadeFor)
     EXPECT_TRUE(run.err.isEmpty()) << run.err.toStdString();
     for (const char* line : {"  Preset:     Sample Print Checks\n",
                              "  Result:     5 errors found: Fonts: 1 \u2022 Colors: 2 \u2022 Links: 2\n",
-                             "    Garamond Premier Pro Italic\n", "    Web Blue\n      - Color space is RGB\n",
-                             "    Sea Green\n      - Unused color\n", "  Links: 6, 2 with alerts\n",
-                             "    poster-rgb.png (page 2)\n      - Effective res < 150 dpi\n",
-                             "    harbour-map.tif (page 3)\n      - Status is \"Missing\"\n"})
+                             "    Garamond Premier Pro Italic: Status is \"Missing\"\n",
+                             "    Web Blue: Color space is RGB\n    Sea Green: Unused color\n",
+                             "  Links: 6, 2 with alerts\n    poster-rgb.png (page 2): Effective res 18 ppi < 150 dpi\n"
+                             "    harbour-map.tif (page 3): Status is \"Missing\"\n"})
         EXPECT_TRUE(run.out.contains(line)) << line << "\n" << run.out.toStdString();
     EXPECT_FALSE(run.out.contains("DejaVu")) << "an installed font raises nothing";
+    EXPECT_FALSE(run.out.contains("Document:")) << "a preset without document checks shows none";
 
     // The links recorded on another computer are found beside the document, unchanged.
     const QJsonObject document = QJsonDocument::fromJson(preflight({sample + QStringLiteral("/sample-brochure.idml"),
@@ -484,4 +485,34 @@ TEST_F(PreflightCommand, TheTabDelimitedReportOfARealDocumentLineByLine)
         "Spot Colors\tStatus\tPrintable\n"
         "default.jpg\t@DIR@/media/default.jpg\t1\t@VOLUME@\tJPEG\t27 KB\tRGB\t\t85.4\t72\t84\t?\t?\tModified\t√\n");
     expectSameLines(doc.normalised(QString::fromUtf8(run.out)), expected);
+}
+
+TEST_F(PreflightCommand, DocumentChecksAndTheTriageSummaryOnRealSamples)
+{
+    // 3 mm minimum bleed, one page size, one page, and the links' Status-is-Missing rule.
+    const QString preset = m_out.filePath(QStringLiteral("Checks.qnfp"));
+    quillon::test::writeAll(
+        preset, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                "<key>Links</key><dict><key>conditions</key><array><dict><key>attribute</key><string>Status</string>"
+                "<key>condition</key><string>is</string><key>value</key><string>Missing</string></dict></array>"
+                "</dict><key>Document</key><dict><key>minBleed</key><real>8.50394</real><key>samePageSize</key>"
+                "<integer>1</integer><key>maxPages</key><integer>1</integer><key>unit</key><string>mm</string>"
+                "</dict></dict></plist>\n");
+    // Bleed equal to the minimum clears; the embedded link raises nothing.
+    CliRun run = preflight({samplePath(QStringLiteral("idml/parser.idml")), QStringLiteral("--preset-file"), preset});
+    EXPECT_TRUE(run.exitCode == 0 && run.out.contains("  Result:     No errors found\n\n  Document: no alerts\n\n"))
+        << run.out.toStdString();
+
+    // No bleed and two pages raise; one graphic placed 78 times on the masters is one line; each
+    // list stops at --max-items.
+    run = preflight({samplePath(QStringLiteral("idml/manual_template_example_mixed_ink.idml")),
+                     QStringLiteral("--preset-file"), preset, QStringLiteral("--max-items"), QStringLiteral("1")});
+    EXPECT_EQ(run.exitCode, 1);
+    for (const char* line :
+         {"  Result:     80 errors found: Document: 2 \u2022 Links: 78\n\n  Document: 2 alerts\n    Bleed 0 mm < 3 mm\n"
+          "    \u2026 and 1 more\n",
+          "  Links: 78, 78 with alerts\n    tab_gradient_v2.00.ai \u00d778 (pages S3-RPN and the stack, S4-DM32 menus, "
+          "S5-Entering and displaying numbers, S6-Variables, S7-Overview of math functions, \u2026 22 more): Status is "
+          "\"Missing\"\n"})
+        EXPECT_TRUE(run.out.contains(line)) << line << "\n" << run.out.toStdString();
 }

@@ -130,14 +130,6 @@ TEST(FontRules, CleanMissingFontNameFirstTestWins)
     EXPECT_EQ(QNFontsOutlineController::cleanMissingFontName(u"Garamond Italic"_s), u"Garamond Italic"_s);
 }
 
-TEST(FontRules, IconsByTypeAndStatus)
-{
-    EXPECT_EQ(QNFontsOutlineController::iconForFontType(u"type 1"_s), u"fontPS"_s);
-    EXPECT_EQ(QNFontsOutlineController::iconForFontType(u"Type 1"_s), u"blank"_s);
-    EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(u"unknown"_s), u"Missing"_s);
-    EXPECT_EQ(QNFontsOutlineController::iconForFontStatus(u"Missing"_s), QString());
-}
-
 TEST(FontRules, ToolTipJoinsEveryAttributesTexts)
 {
     const QVariantMap alerts{{u"embed"_s, u"PDF embedding not allowed"_s},

@@ -32,28 +32,26 @@ QString valueOf(QNSummaryOutlineController& summary, const QString& section, con
     return r ? r->value : u"<no row>"_s;
 }
 
-TEST(Summary, StatusLineCountsAttributesNotTexts)
+TEST(Summary, StatusLineCountsAttributesNotTextsAndItsFlagTheLowByte)
 {
     const QVariantList fonts{withAlerts({}, {u"name"_s, u"status"_s}), withAlerts({}, {u"type"_s}), withAlerts({}, {})};
-    const QVariantList links{withAlerts({}, {u"eres"_s})};
+    const QVariantList alertedLinks{withAlerts({}, {u"eres"_s})};
     const PreflightStatus status =
-        QNSummaryOutlineController::loadPreflightStatusResults(fonts, {withAlerts({}, {})}, links);
-    EXPECT_EQ(status.text, u"4 errors found: Fonts: 3 \u2022 Links: 1"_s);
+        QNSummaryOutlineController::loadPreflightStatusResults(fonts, {withAlerts({}, {})}, alertedLinks, 2);
+    EXPECT_EQ(status.text, u"6 errors found: Document: 2 \u2022 Fonts: 3 \u2022 Links: 1"_s);
     EXPECT_TRUE(status.hasPreflightErrors);
 
     const PreflightStatus clean = QNSummaryOutlineController::loadPreflightStatusResults({}, {}, {});
     EXPECT_EQ(clean.text, u"No errors found"_s);
     EXPECT_FALSE(clean.hasPreflightErrors);
-}
 
-TEST(Summary, ErrorFlagComesFromTheLowByte)
-{
+    // The flag comes from the low byte of the total.
     QVariantList links;
     for (int i = 0; i < 256; ++i)
         links.append(withAlerts({}, {u"size"_s}));
-    const PreflightStatus status = QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links);
-    EXPECT_EQ(status.text, u"256 errors found: Links: 256"_s);
-    EXPECT_FALSE(status.hasPreflightErrors);
+    const PreflightStatus wrapped = QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links);
+    EXPECT_EQ(wrapped.text, u"256 errors found: Links: 256"_s);
+    EXPECT_FALSE(wrapped.hasPreflightErrors);
     links.append(withAlerts({}, {u"size"_s}));
     EXPECT_TRUE(QNSummaryOutlineController::loadPreflightStatusResults({}, {}, links).hasPreflightErrors);
     links.resize(254); // the byte reads negative, which is still an error
