@@ -2,6 +2,7 @@
 
 #include "app/RegularFile.h"
 #include "cli/Interruption.h"
+#include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 #include "idml/IdmlDocument.h"
@@ -12,7 +13,6 @@
 #include "preflight/DocumentWarnings.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <iostream>
@@ -29,29 +29,6 @@ struct LinksOptions {
     std::vector<std::string> linkFolders;
     std::string format = "table";
 };
-
-QJsonValue jsonValue(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::QDateTime:
-        return value.toDateTime().toUTC().toString(Qt::ISODate);
-    case QMetaType::QVariantMap: {
-        QJsonObject object;
-        const QVariantMap map = value.toMap();
-        for (auto it = map.cbegin(); it != map.cend(); ++it)
-            object.insert(it.key(), jsonValue(it.value()));
-        return object;
-    }
-    case QMetaType::QVariantList: {
-        QJsonArray array;
-        for (const QVariant& item : value.toList())
-            array.append(jsonValue(item));
-        return array;
-    }
-    default:
-        return QJsonValue::fromVariant(value);
-    }
-}
 
 // Pads or cuts a text to a column width (by characters, which is what a terminal shows for the
 // names a document holds).
@@ -110,8 +87,7 @@ int runLinks(const LinksOptions& options)
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
             status = kExitFailure;
             if (json)
-                documents.append(
-                    QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
+                documents.append(jsonFileEntry(path, {}, unpacked.error().text()));
             continue;
         }
         const QString docPath = unpacked->record.posixPath;
@@ -133,9 +109,12 @@ int runLinks(const LinksOptions& options)
         if (alerted && status == kExitOk)
             status = kExitAlerts;
         if (json) {
-            documents.append(QJsonObject{{QStringLiteral("docPath"), docPath},
-                                         {QStringLiteral("links"), jsonValue(records)},
-                                         {QStringLiteral("warnings"), QJsonArray::fromStringList(warningLines)}});
+            QJsonArray links;
+            for (const QVariant& record : records)
+                links.append(linkJson(record.toMap()));
+            QJsonObject entry = jsonFileEntry(path, warningLines);
+            entry.insert(QStringLiteral("links"), links);
+            documents.append(entry);
         } else {
             printTable(docPath, records);
             std::cout << std::flush;
@@ -143,7 +122,9 @@ int runLinks(const LinksOptions& options)
     }
     if (json) {
         // Written as it is: a copy of a document of many links would double the peak memory.
-        const QByteArray text = QJsonDocument(documents).toJson(QJsonDocument::Indented);
+        QJsonObject envelope = jsonEnvelope(QStringLiteral("links"));
+        envelope.insert(QStringLiteral("documents"), std::move(documents));
+        const QByteArray text = jsonText(envelope);
         std::cout.write(text.constData(), text.size());
     }
     return status;

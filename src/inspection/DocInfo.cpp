@@ -114,8 +114,10 @@ app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document
         m_bleedStr = m_slugStr = QStringLiteral("-");
         return read;
     }
-    setBleedOrSlug(true, bleedOrSlugText(bleedOrSlugValues(preference, true), m_horizMeasurementUnits));
-    setBleedOrSlug(false, bleedOrSlugText(bleedOrSlugValues(preference, false), m_horizMeasurementUnits));
+    m_bleedValues = bleedOrSlugValues(preference, true);
+    m_slugValues = bleedOrSlugValues(preference, false);
+    setBleedOrSlug(true, bleedOrSlugText(m_bleedValues, m_horizMeasurementUnits));
+    setBleedOrSlug(false, bleedOrSlugText(m_slugValues, m_horizMeasurementUnits));
     return read;
 }
 

@@ -87,6 +87,9 @@ public:
     void setDocPageSizes(const DocPageSizes& sizes);
     const QString& bleedStr() const { return m_bleedStr; }
     const QString& slugStr() const { return m_slugStr; }
+    // The attributes the bleed and slug texts were made from (points); empty without preferences.
+    const BleedOrSlugValues& bleedValues() const { return m_bleedValues; }
+    const BleedOrSlugValues& slugValues() const { return m_slugValues; }
     const QString& horizMeasurementUnits() const { return m_horizMeasurementUnits; }
     const QString& vertMeasurementUnits() const { return m_vertMeasurementUnits; }
 
@@ -111,6 +114,8 @@ private:
     DocPageSizes m_docPageSizes;
     QString m_bleedStr;
     QString m_slugStr;
+    BleedOrSlugValues m_bleedValues;
+    BleedOrSlugValues m_slugValues;
     QString m_horizMeasurementUnits;
     QString m_vertMeasurementUnits;
 };
