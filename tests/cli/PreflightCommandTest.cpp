@@ -141,6 +141,29 @@ TEST_F(PreflightCommand, EverySampleInEveryCommandFollowsTheSchema)
         EXPECT_FALSE(quillon::test::schemaViolations(QByteArray(run.out).replace(from, to)).isEmpty()) << to;
 }
 
+TEST_F(PreflightCommand, OutputGoesToTheNamedFileAndQuietPrintsOnlyErrors)
+{
+    const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
+    const QString file = m_out.filePath(QStringLiteral("result.json"));
+    quillon::test::writeAll(file, "an earlier result");
+    const CliRun plain = preflight({interview});
+    CliRun run =
+        preflight({interview, QStringLiteral("--format"), QStringLiteral("json"), QStringLiteral("--output"), file});
+    EXPECT_EQ(run.exitCode, plain.exitCode) << run.err.toStdString();
+    EXPECT_EQ(run.out, plain.out) << "the summary still goes to the terminal";
+    EXPECT_EQ(quillon::test::jsonEntries(quillon::test::readAll(file)).size(), 1);
+    EXPECT_EQ(QDir(m_out.path()).entryList(QDir::Files), (QStringList{QStringLiteral("result.json")}));
+
+    run = preflight({interview, QStringLiteral("--quiet")});
+    EXPECT_EQ(run.exitCode, plain.exitCode);
+    EXPECT_TRUE(run.out.isEmpty() && run.err.isEmpty()) << run.out.toStdString() << run.err.toStdString();
+    const QString gone = m_out.filePath(QStringLiteral("gone.idml"));
+    run = preflight(
+        {gone, QStringLiteral("--quiet"), QStringLiteral("--output"), m_out.filePath(QStringLiteral("no/x.json"))});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("no/x.json: cannot be written")) << run.err.toStdString();
+}
+
 TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)
 {
     const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
