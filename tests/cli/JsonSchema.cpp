@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <numeric>
 #include <valijson/adapters/qtjson_adapter.hpp>
 #include <valijson/schema.hpp>
 #include <valijson/schema_parser.hpp>
@@ -44,12 +45,10 @@ QString schemaViolations(const QByteArray& json)
         return {};
     QString faults;
     valijson::ValidationResults::Error error;
-    while (results.popError(error)) {
-        std::string where;
-        for (const std::string& step : error.context)
-            where += step;
-        faults += QString::fromStdString(where + ": " + error.description) + u'\n';
-    }
+    while (results.popError(error))
+        faults += QString::fromStdString(std::accumulate(error.context.begin(), error.context.end(), std::string()) +
+                                         ": " + error.description) +
+                  u'\n';
     return faults;
 }
 

@@ -38,8 +38,6 @@ TEST(CliLinks, JsonCarriesTheRecordsAndMissingLinksSetTheExitStatus)
     const QJsonObject first = links[0].toObject();
     EXPECT_EQ(first.value(QStringLiteral("page")).toString(), QStringLiteral("A-Master"));
     EXPECT_EQ(first.value(QStringLiteral("status")).toString(), QStringLiteral("Missing"));
-    EXPECT_TRUE(first.value(QStringLiteral("date")).toString().endsWith(u'Z'));
-    EXPECT_TRUE(first.value(QStringLiteral("sizebytes")).isDouble());
     EXPECT_EQ(first.value(QStringLiteral("effectivePpi")).toDouble(), 710) << "the number beside \"eres\"";
     EXPECT_EQ(first.value(QStringLiteral("alerts")).toArray(), QJsonArray()) << "not judged, yet an array";
 }
