@@ -7,7 +7,7 @@ _quillon()
     else
         cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} words=("${COMP_WORDS[@]}") cword=$COMP_CWORD
     fi
-    local commands="info links preflight inspect metadata presets"
+    local commands="info links preflight inspect metadata presets schema"
     local presets="list show use set new rename delete export import"
     local command="" sub="" i
     for ((i = 1; i < cword; i++)); do
@@ -16,10 +16,10 @@ _quillon()
     done
 
     case $prev in
-        --files-from|--preset-file) COMPREPLY=($(compgen -f -- "$cur")); return ;;
+        --files-from|--preset-file|--output) COMPREPLY=($(compgen -f -- "$cur")); return ;;
         --links-dir|--report-dir) COMPREPLY=($(compgen -d -- "$cur")); return ;;
         --search-links) COMPREPLY=($(compgen -W "0 1 2 3" -- "$cur")); return ;;
-        --jobs) return ;;
+        --jobs|--max-items) return ;;
         --format)
             case $command in
                 links) COMPREPLY=($(compgen -W "table json" -- "$cur")) ;;
@@ -38,7 +38,7 @@ _quillon()
         "") COMPREPLY=($(compgen -W "$commands --help --version" -- "$cur")); return ;;
         info) options+=" --format --recursive --files-from" ;;
         links) options+=" --format --recursive --files-from --links-dir --search-links" ;;
-        preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs" ;;
+        preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items --output --quiet" ;;
         inspect) options+=" --format" ;;
         presets)
             if [[ -z $sub ]]; then COMPREPLY=($(compgen -W "$presets --help" -- "$cur")); return; fi

@@ -14,6 +14,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addPreflightCommand(program, commands);
     addInspectCommand(program, commands);
     addMetadataCommand(program, commands);
+    addSchemaCommand(program, commands);
 }
 
 CLI::Validator nonEmpty(const std::string& what)

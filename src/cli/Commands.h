@@ -35,6 +35,9 @@ CLI::Validator nonEmpty(const std::string& what);
 // `quillon info DOC.idml...`: the document record and document information.
 void addInfoCommand(CLI::App& program, std::vector<Command>& commands);
 
+// `quillon schema`: the JSON Schema of the JSON output.
+void addSchemaCommand(CLI::App& program, std::vector<Command>& commands);
+
 // `quillon preflight DOC.idml...`: preflight documents and print or write their results.
 void addPreflightCommand(CLI::App& program, std::vector<Command>& commands);
 

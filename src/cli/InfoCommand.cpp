@@ -3,6 +3,7 @@
 #include "app/RegularFile.h"
 #include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
+#include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 #include "host/OfflineIdmlHost.h"
@@ -12,10 +13,6 @@
 #include "inspection/DocInfo.h"
 #include "inspection/PageSizes.h"
 #include "preflight/DocumentWarnings.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <iostream>
 #include <memory>
@@ -83,23 +80,16 @@ void printText(const DocumentFacts& facts)
                   << '\n';
 }
 
-QJsonValue dateValue(const QDateTime& date)
+// The document's entry: the document information with the record's link count and HFS path.
+QJsonObject jsonFacts(const QString& path, const DocumentFacts& facts)
 {
-    return date.isValid() ? QJsonValue(date.toUTC().toString(Qt::ISODate)) : QJsonValue();
-}
-
-QJsonObject jsonFacts(const DocumentFacts& facts)
-{
-    const QNDocInfo& info = facts.info;
-    QJsonObject object = QJsonObject::fromVariantMap(info.toVariantMap());
-    object.insert(QStringLiteral("hfsPath"), facts.record.hfsPath);
-    object.insert(QStringLiteral("numberOfLinksStr"), facts.record.linkCount);
-    object.insert(QStringLiteral("fileSizeBytes"), info.fileSize());
-    object.insert(inspection::kDocInfoCreationDateKey, dateValue(info.creationDate()));
-    object.insert(inspection::kDocInfoModDateKey, dateValue(info.modDate()));
-    object.insert(QStringLiteral("pageSizeStr"), info.pageSizeStr());
+    QJsonObject info = documentInfoJson(facts.info);
+    info.insert(QStringLiteral("hfsPath"), facts.record.hfsPath);
+    info.insert(QStringLiteral("numberOfLinksStr"), facts.record.linkCount);
+    info.insert(QStringLiteral("numberOfLinks"), facts.record.numberOfLinks());
+    QJsonObject object = jsonFileEntry(path, preflight::warningTexts(facts.warnings));
+    object.insert(QStringLiteral("info"), info);
     object.insert(QStringLiteral("repaired"), facts.repaired);
-    object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(preflight::warningTexts(facts.warnings)));
     return object;
 }
 
@@ -124,8 +114,7 @@ int runInfo(const DocumentSources& sources, const std::string& format)
             std::cerr << "quillon info: " << printableText(facts.error().text()) << std::endl;
             status = kExitFailure;
             if (json)
-                array.append(
-                    QJsonObject{{QStringLiteral("file"), path}, {QStringLiteral("error"), facts.error().text()}});
+                array.append(jsonFileEntry(path, {}, facts.error().text()));
             continue;
         }
         for (const QString& warning : preflight::warningTexts(facts->warnings))
@@ -133,9 +122,7 @@ int runInfo(const DocumentSources& sources, const std::string& format)
         if (!facts->warnings.isEmpty() && status == kExitOk)
             status = kExitAlerts;
         if (json) {
-            QJsonObject object = jsonFacts(*facts);
-            object.insert(QStringLiteral("file"), path);
-            array.append(object);
+            array.append(jsonFacts(path, *facts));
         } else {
             if (!first)
                 std::cout << '\n';
@@ -144,8 +131,11 @@ int runInfo(const DocumentSources& sources, const std::string& format)
         }
         first = false;
     }
-    if (json)
-        std::cout << QJsonDocument(array).toJson(QJsonDocument::Indented).toStdString();
+    if (json) {
+        QJsonObject envelope = jsonEnvelope(QStringLiteral("info"));
+        envelope.insert(QStringLiteral("documents"), array);
+        std::cout << jsonText(envelope).toStdString();
+    }
     return status;
 }
 

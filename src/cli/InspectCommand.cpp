@@ -1,12 +1,10 @@
 #include "cli/InspectCommands.h"
 
 #include "app/RegularFile.h"
+#include "cli/JsonOutput.h"
 #include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QStringList>
 
 #include <iostream>
@@ -66,6 +64,17 @@ QString factsText(const FileFacts& facts)
     return lines.join(u'\n');
 }
 
+// The file's entry with its facts; "error" when it could not be read.
+QJsonObject factsJson(const FileFacts& facts)
+{
+    QJsonObject entry = jsonFileEntry(facts.path, {}, facts.error);
+    const QVariantMap record = fileinspect::factsRecord(facts);
+    for (auto it = record.cbegin(); it != record.cend(); ++it)
+        if (it.key() != fileinspect::factkeys::kPath && it.key() != fileinspect::factkeys::kError)
+            entry.insert(it.key(), jsonValue(it.value()));
+    return entry;
+}
+
 int runInspect(const InspectOptions& options)
 {
     QStringList paths;
@@ -81,12 +90,15 @@ int runInspect(const InspectOptions& options)
             std::cerr << "quillon inspect: " << printableText(app::makeError(facts.error, facts.path).text()) << "\n";
         }
         if (options.format == "json")
-            records.append(QJsonObject::fromVariantMap(fileinspect::factsRecord(facts)));
+            records.append(factsJson(facts));
         else if (facts.error.isEmpty())
             std::cout << printableLinesText(factsText(facts)) << "\n";
     }
-    if (options.format == "json")
-        std::cout << QJsonDocument(records).toJson(QJsonDocument::Indented).toStdString();
+    if (options.format == "json") {
+        QJsonObject envelope = jsonEnvelope(QStringLiteral("inspect"));
+        envelope.insert(QStringLiteral("files"), records);
+        std::cout << jsonText(envelope).toStdString();
+    }
     return failed ? kExitFailure : kExitOk;
 }
 

@@ -3,6 +3,7 @@
 #include "app/RegularFile.h"
 #include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
+#include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
 #include "cli/TerminalText.h"
 #include "idml/IdmlDocument.h"
@@ -13,7 +14,6 @@
 #include "preflight/DocumentWarnings.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <iostream>
@@ -31,29 +31,6 @@ struct LinksOptions {
     int searchDepth = 0;
     std::string format = "table";
 };
-
-QJsonValue jsonValue(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::QDateTime:
-        return value.toDateTime().toUTC().toString(Qt::ISODate);
-    case QMetaType::QVariantMap: {
-        QJsonObject object;
-        const QVariantMap map = value.toMap();
-        for (auto it = map.cbegin(); it != map.cend(); ++it)
-            object.insert(it.key(), jsonValue(it.value()));
-        return object;
-    }
-    case QMetaType::QVariantList: {
-        QJsonArray array;
-        for (const QVariant& item : value.toList())
-            array.append(jsonValue(item));
-        return array;
-    }
-    default:
-        return QJsonValue::fromVariant(value);
-    }
-}
 
 // Pads or cuts a text to a column width (by characters, which is what a terminal shows for the
 // names a document holds).
@@ -114,8 +91,7 @@ int runLinks(const LinksOptions& options)
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
             status = kExitFailure;
             if (json)
-                documents.append(
-                    QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("error"), unpacked.error().text()}});
+                documents.append(jsonFileEntry(path, {}, unpacked.error().text()));
             continue;
         }
         const QString docPath = unpacked->record.posixPath;
@@ -140,9 +116,12 @@ int runLinks(const LinksOptions& options)
         if (alerted && status == kExitOk)
             status = kExitAlerts;
         if (json) {
-            documents.append(QJsonObject{{QStringLiteral("docPath"), docPath},
-                                         {QStringLiteral("links"), jsonValue(records)},
-                                         {QStringLiteral("warnings"), QJsonArray::fromStringList(warningLines)}});
+            QJsonArray links;
+            for (const QVariant& record : records)
+                links.append(linkJson(record.toMap()));
+            QJsonObject entry = jsonFileEntry(path, warningLines);
+            entry.insert(QStringLiteral("links"), links);
+            documents.append(entry);
         } else {
             printTable(docPath, records);
             std::cout << std::flush;
@@ -150,7 +129,9 @@ int runLinks(const LinksOptions& options)
     }
     if (json) {
         // Written as it is: a copy of a document of many links would double the peak memory.
-        const QByteArray text = QJsonDocument(documents).toJson(QJsonDocument::Indented);
+        QJsonObject envelope = jsonEnvelope(QStringLiteral("links"));
+        envelope.insert(QStringLiteral("documents"), std::move(documents));
+        const QByteArray text = jsonText(envelope);
         std::cout.write(text.constData(), text.size());
     }
     return status;

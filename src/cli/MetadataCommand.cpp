@@ -2,6 +2,7 @@
 
 #include "app/Numbers.h"
 #include "app/RegularFile.h"
+#include "cli/JsonOutput.h"
 #include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
@@ -9,7 +10,6 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <iostream>
@@ -50,8 +50,19 @@ app::Result<QVariantList> pdfRows(fileinspect::PXMetadataController& controller,
 int runMetadata(const MetadataOptions& options)
 {
     const QString path = app::pathFromLocalBytes(options.file);
-    const auto fail = [](const app::Error& error) {
+    const bool json = options.format == "json";
+    const auto printJson = [&path](const QJsonArray& rows, const QString& error) {
+        QJsonObject entry = jsonFileEntry(path, {}, error);
+        if (error.isEmpty())
+            entry.insert(QStringLiteral("rows"), rows);
+        QJsonObject envelope = jsonEnvelope(QStringLiteral("metadata"));
+        envelope.insert(QStringLiteral("files"), QJsonArray{entry});
+        std::cout << jsonText(envelope).toStdString();
+    };
+    const auto fail = [&](const app::Error& error) {
         std::cerr << "quillon metadata: " << printableText(error.text()) << "\n";
+        if (json)
+            printJson({}, error.text());
         return kExitFailure;
     };
     if (app::Status regular = app::checkRegularFile(path); !regular)
@@ -70,11 +81,11 @@ int runMetadata(const MetadataOptions& options)
             if (const fileinspect::FileFacts facts = fileinspect::inspectFile(path); !facts.error.isEmpty())
                 return fail(app::makeError(facts.error, path));
     }
-    if (options.format == "json") {
+    if (json) {
         QJsonArray array;
         for (const QVariant& row : rows)
-            array.append(QJsonObject::fromVariantMap(row.toMap()));
-        std::cout << QJsonDocument(array).toJson(QJsonDocument::Indented).toStdString();
+            array.append(jsonValue(row));
+        printJson(array, {});
         return kExitOk;
     }
     for (const QVariant& value : rows) {

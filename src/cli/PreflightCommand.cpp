@@ -11,6 +11,7 @@
 #include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
 #include "cli/OfflineDocument.h"
+#include "cli/OutputFile.h"
 #include "cli/PreflightJob.h"
 #include "cli/PreflightPrinter.h"
 #include "cli/ProgressLine.h"
@@ -44,9 +45,11 @@ struct PreflightOptions {
     std::string format = "summary";
     std::string reportDir;
     std::vector<std::string> linkDirs;
+    std::string output;
     int jobs = 0;
     std::optional<int> maxItems;
     bool overwrite = false;
+    bool quiet = false;
 };
 
 QString q(const std::string& text)
@@ -120,6 +123,69 @@ std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool
     return std::nullopt;
 }
 
+// Preflights every document of the command line, the results going where `output` says.
+int preflightAll(const PreflightOptions& options, const QStringList& paths, const ChosenPreset& preset,
+                 const PreflightJobOptions& jobOptions, const QString& reportDir, const PrinterOutput& output)
+{
+    const QString format = q(options.format);
+    // Every document works in a folder of its own inside this one, which goes at the end.
+    const PrivateWorkFolder runRoot(QStringLiteral("preflight"));
+    if (!runRoot.isValid())
+        return kExitFailure;
+
+    const QStringList reportNames = reportFileNames(paths);
+    // --jobs N runs N documents at once and never sets more than N times the cores to work: the
+    // documents and the fan-outs inside each of them draw their threads from one budget. Without
+    // it, a document a core, sharing the budget the program starts with.
+    const int cores = app::coreCount();
+    if (options.jobs > 0)
+        app::setParallelThreadBudget(options.jobs * cores - 1);
+    const int jobs = options.jobs > 0 ? options.jobs : cores;
+
+    ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal() && !output.quiet);
+    OrderedPrinter printer(format, preset.name, output, progress, paths.size());
+    app::CancelFlag cancel; // every document's preflight stops when it is set
+    // Ctrl-C reaches the running preflights from the signal watch.
+    const Interruption::CancelOnRequest cancelRunning([&cancel] { cancel.cancel(); });
+    app::parallelFor(paths.size(), {.maxThreads = jobs, .cancel = &cancel}, [&](int, qsizetype index) {
+        if (Interruption::requested())
+            return;
+        const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
+        QDir().mkpath(runFolder);
+        const QString name = QFileInfo(paths.at(index)).fileName();
+        // The job folder's subfolders come before the --links-dir folders: they belong to this document.
+        const LinkSearchFolders jobFolders = jobSubfolders(paths.at(index), options.searchDepth);
+        PreflightJobOptions documentOptions = jobOptions;
+        documentOptions.linkFolders = jobFolders.folders + jobOptions.linkFolders;
+        PreflightedDocument document =
+            preflightDocument(paths.at(index), documentOptions, runFolder, cancel,
+                              [&progress, &name](const QString& status) { progress.status(name, status); });
+        if (jobFolders.capped)
+            document.warnings << linkSearchCappedWarning(paths.at(index));
+        if (document.preflighted && !reportDir.isEmpty()) {
+            const app::Result<QString> saved =
+                reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
+                                                      options.overwrite ? reports::QNTextReport::ExistingFile::Replace
+                                                                        : reports::QNTextReport::ExistingFile::Number);
+            if (!saved)
+                document.outputError = saved.error().text();
+        }
+        QDir(runFolder).removeRecursively();
+        if (Interruption::requested() && !document.preflighted)
+            return; // a document cut short is not reported
+        progress.documentDone();
+        printer.deliver(index, renderDocument(std::move(document), format, preset.name, output.summaryToTerminal,
+                                              options.maxItems));
+    });
+    progress.clear();
+    printer.finish(paths);
+    if (Interruption::requested()) {
+        printError({}, QStringLiteral("cancelled"));
+        return Interruption::exitStatus();
+    }
+    return printer.exitStatus();
+}
+
 int runPreflight(const PreflightOptions& options)
 {
     const ExpandedDocuments documents = expandDocumentSources(options.documents, "preflight");
@@ -152,62 +218,22 @@ int runPreflight(const PreflightOptions& options)
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
     jobOptions.printParaStyles = app::Settings().boolForKey(QStringLiteral("printParas"), false);
 
-    // Every document works in a folder of its own inside this one, which goes at the end.
-    const PrivateWorkFolder runRoot(QStringLiteral("preflight"));
-    if (!runRoot.isValid())
-        return kExitFailure;
-
-    const QStringList& paths = documents.paths;
-    const QStringList reportNames = reportFileNames(paths);
-    // --jobs N runs N documents at once and never sets more than N times the cores to work: the
-    // documents and the fan-outs inside each of them draw their threads from one budget. Without
-    // it, a document a core, sharing the budget the program starts with.
-    const int cores = app::coreCount();
-    if (options.jobs > 0)
-        app::setParallelThreadBudget(options.jobs * cores - 1);
-    const int jobs = options.jobs > 0 ? options.jobs : cores;
-
-    ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal());
-    OrderedPrinter printer(format, preset->name, progress, paths.size());
-    app::CancelFlag cancel; // every document's preflight stops when it is set
-    // Ctrl-C reaches the running preflights from the signal watch.
-    const Interruption::CancelOnRequest cancelRunning([&cancel] { cancel.cancel(); });
-    app::parallelFor(paths.size(), {.maxThreads = jobs, .cancel = &cancel}, [&](int, qsizetype index) {
-        if (Interruption::requested())
-            return;
-        const QString runFolder = QDir(runRoot.path()).filePath(QString::number(index));
-        QDir().mkpath(runFolder);
-        const QString name = QFileInfo(paths.at(index)).fileName();
-        // The job folder's subfolders come before the --links-dir folders: they belong to this document.
-        const LinkSearchFolders jobFolders = jobSubfolders(paths.at(index), options.searchDepth);
-        PreflightJobOptions documentOptions = jobOptions;
-        documentOptions.linkFolders = jobFolders.folders + jobOptions.linkFolders;
-        PreflightedDocument document =
-            preflightDocument(paths.at(index), documentOptions, runFolder, cancel,
-                              [&progress, &name](const QString& status) { progress.status(name, status); });
-        if (jobFolders.capped)
-            document.warnings << linkSearchCappedWarning(paths.at(index));
-        if (document.preflighted && !reportDir.isEmpty()) {
-            const app::Result<QString> saved =
-                reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
-                                                      options.overwrite ? reports::QNTextReport::ExistingFile::Replace
-                                                                        : reports::QNTextReport::ExistingFile::Number);
-            if (!saved)
-                document.outputError = saved.error().text();
-        }
-        QDir(runFolder).removeRecursively();
-        if (Interruption::requested() && !document.preflighted)
-            return; // a document cut short is not reported
-        progress.documentDone();
-        printer.deliver(index, renderDocument(std::move(document), format, preset->name, options.maxItems));
-    });
-    progress.clear();
-    printer.finish(paths);
-    if (Interruption::requested()) {
-        printError({}, QStringLiteral("cancelled"));
-        return Interruption::exitStatus();
+    if (options.output.empty()) {
+        std::ostream discard(nullptr); // --quiet: the results go nowhere
+        return preflightAll(options, documents.paths, *preset, jobOptions, reportDir,
+                            {options.quiet ? &discard : &std::cout, false, options.quiet});
     }
-    return printer.exitStatus();
+    const QString outputPath = QFileInfo(q(options.output)).absoluteFilePath();
+    const OutputRun run = runIntoFile(outputPath, [&](std::ostream& stream) {
+        return preflightAll(options, documents.paths, *preset, jobOptions, reportDir, {&stream, true, options.quiet});
+    });
+    if (Interruption::requested())
+        return Interruption::exitStatus();
+    if (!run.written) {
+        printError({}, run.written.error().text());
+        return kExitFailure;
+    }
+    return run.status;
 }
 
 } // namespace
@@ -254,6 +280,12 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
                      "Lines per list in the summary: files or items with alerts beyond N are counted in "
                      "\"… and K more\" (default: all)")
         ->check(CLI::NonNegativeNumber);
+    preflight
+        ->add_option("--output", options->output,
+                     "Write the results in the chosen format to this file (replaced when it exists, and only by a "
+                     "complete output); the summary still goes to the terminal")
+        ->check(nonEmpty("a file name"));
+    preflight->add_flag("--quiet", options->quiet, "Print nothing but errors (the exit status still tells the result)");
     commands.push_back({preflight, [options] { return runPreflight(*options); }});
 }
 

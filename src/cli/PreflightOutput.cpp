@@ -2,13 +2,12 @@
 
 #include "app/RecordKeys.h"
 #include "app/Records.h"
+#include "cli/JsonOutput.h"
 #include "links/LinkRecordKeys.h"
 #include "results/ResultKeys.h"
 #include "results/ResultRows.h"
 
-#include <QDateTime>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <map>
 #include <ostream>
@@ -18,143 +17,39 @@ namespace quillon::cli {
 
 namespace {
 
-QJsonObject jsonObject(const QVariantMap& map, bool isRecord)
-{
-    QJsonObject object;
-    for (auto it = map.cbegin(); it != map.cend(); ++it) {
-        if (isRecord && it.key() == results::kIconKey)
-            continue;
-        if (isRecord && it.key() == app::kGroupChildrenKey)
-            object.insert(it.key(), jsonRecords(it.value().toList()));
-        else
-            object.insert(it.key(), jsonValue(it.value()));
-    }
-    return object;
-}
-
-QJsonObject infoJson(const inspection::QNDocInfo& info)
-{
-    QJsonArray sizes;
-    for (const inspection::DocPageSize& size : info.docPageSizes())
-        sizes.append(QJsonObject{{QStringLiteral("width"), size.width},
-                                 {QStringLiteral("height"), size.height},
-                                 {QStringLiteral("pages"), QJsonArray::fromStringList(size.pageNames)}});
-    return {
-        {inspection::kDocInfoDocNameKey, info.docName()},
-        {inspection::kDocInfoDocPathKey, info.docPath()},
-        {inspection::kDocInfoNumberOfPagesKey, info.numberOfPagesStr()},
-        {inspection::kDocInfoInDesignVersionKey, info.InDesignVersion()},
-        {inspection::kDocInfoFileSizeKey, info.fileSizeStr()},
-        {inspection::kDocInfoCreationDateStrKey, info.creationDateStr()},
-        {inspection::kDocInfoModDateStrKey, info.modDateStr()},
-        {inspection::kDocInfoBleedKey, info.bleedStr()},
-        {inspection::kDocInfoSlugKey, info.slugStr()},
-        {inspection::kDocInfoHorizUnitsKey, info.horizMeasurementUnits()},
-        {inspection::kDocInfoVertUnitsKey, info.vertMeasurementUnits()},
-        {QStringLiteral("pageSizeStr"), info.pageSizeStr()},
-        {QStringLiteral("docPageSizes"), sizes},
-    };
-}
-
 std::string indentation(int depth)
 {
     return std::string(static_cast<size_t>(depth) * 4, ' ');
 }
 
-// A JSON value as QJsonDocument's indented form writes it, its lines after the first indented
-// `depth` levels further, so that it can stand as a member at that depth.
-void appendJson(std::string& out, const QJsonValue& value, int depth)
-{
-    if (!value.isObject() && !value.isArray()) {
-        // A document holds only objects and arrays: the value is written as the single item of one.
-        const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-        out.append(text.constData() + 1, static_cast<size_t>(text.size() - 2));
-        return;
-    }
-    const QByteArray text = value.isObject() ? QJsonDocument(value.toObject()).toJson(QJsonDocument::Indented)
-                                             : QJsonDocument(value.toArray()).toJson(QJsonDocument::Indented);
-    const std::string prefix = indentation(depth);
-    const qsizetype end = text.endsWith('\n') ? text.size() - 1 : text.size();
-    for (qsizetype start = 0; start < end;) {
-        qsizetype stop = text.indexOf('\n', start);
-        if (stop < 0 || stop > end)
-            stop = end;
-        if (start > 0)
-            out += "\n" + prefix;
-        out.append(text.constData() + start, static_cast<size_t>(stop - start));
-        start = stop + 1;
-    }
-}
-
 } // namespace
-
-QJsonValue jsonValue(const QVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Bool:
-        return value.toBool();
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::LongLong:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-        return value.toLongLong();
-    case QMetaType::ULong:
-    case QMetaType::ULongLong:
-        return static_cast<double>(value.toULongLong());
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return value.toDouble();
-    case QMetaType::QDateTime: {
-        const QDateTime date = value.toDateTime();
-        return date.isValid() ? QJsonValue(date.toUTC().toString(Qt::ISODate)) : QJsonValue();
-    }
-    case QMetaType::QByteArray:
-        return QString::fromLatin1(value.toByteArray().toBase64());
-    case QMetaType::QVariantMap:
-        return jsonObject(value.toMap(), false);
-    case QMetaType::QVariantList:
-    case QMetaType::QStringList: {
-        QJsonArray array;
-        for (const QVariant& item : value.toList())
-            array.append(jsonValue(item));
-        return array;
-    }
-    case QMetaType::UnknownType:
-        return QJsonValue();
-    default:
-        return value.toString();
-    }
-}
-
-QJsonArray jsonRecords(const QVariantList& records)
-{
-    QJsonArray array;
-    for (const QVariant& record : records)
-        array.append(record.typeId() == QMetaType::QVariantMap ? QJsonValue(jsonObject(record.toMap(), true))
-                                                               : jsonValue(record));
-    return array;
-}
 
 namespace {
 
-// The members of a document's object other than its record lists: "path", "name", "warnings"
-// (always a list), then "info", "summary", "status" and "errorCount", or "error" when it could not
-// be preflighted.
+// The members of a document's object other than its record lists: "path", "name", "warnings",
+// then "info", "document", "summary", "counts" and "status", or "error" when it could not be
+// preflighted.
 QJsonObject documentJson(const PreflightedDocument& document)
 {
-    QJsonObject object{{QStringLiteral("path"), document.path},
-                       {QStringLiteral("name"), document.name},
-                       {QStringLiteral("warnings"), QJsonArray::fromStringList(document.warnings)}};
-    if (!document.preflighted) {
-        object.insert(QStringLiteral("error"), document.error);
+    QJsonObject object =
+        jsonFileEntry(document.path, document.warnings, document.preflighted ? QString() : document.error);
+    object.insert(QStringLiteral("name"), document.name);
+    if (!document.preflighted)
         return object;
-    }
-    object.insert(QStringLiteral("info"), infoJson(document.info));
-    object.insert(QStringLiteral("summary"), jsonObject(document.summary, false));
-    object.insert(QStringLiteral("status"), document.status.text);
-    object.insert(QStringLiteral("errorCount"), document.status.total);
+    object.insert(QStringLiteral("info"), documentInfoJson(document.info));
+    // Checks of the document itself (bleed, page sizes) raise their alerts here.
+    QJsonArray documentAlerts;
+    for (const results::DocumentAlert& alert : document.documentChecks.alerts)
+        documentAlerts.append(QJsonObject{{QStringLiteral("rule"), alert.rule}, {QStringLiteral("text"), alert.text}});
+    object.insert(QStringLiteral("document"), QJsonObject{{QStringLiteral("alerts"), documentAlerts}});
+    object.insert(QStringLiteral("summary"), jsonValue(document.summary));
+    const results::PreflightStatus& status = document.status;
+    object.insert(QStringLiteral("counts"), QJsonObject{{QStringLiteral("fonts"), status.fonts},
+                                                        {QStringLiteral("colors"), status.colors},
+                                                        {QStringLiteral("links"), status.links},
+                                                        {QStringLiteral("document"), status.document},
+                                                        {QStringLiteral("total"), status.total}});
+    object.insert(QStringLiteral("status"), status.text);
     return object;
 }
 
@@ -164,15 +59,20 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
 {
     // The record lists are written one record at a time: as one JSON tree, or one text, 200,000
     // links cost gigabytes.
+    using RecordJson = QJsonObject (*)(const QVariantMap&);
+    struct RecordList {
+        const QVariantList* rows = nullptr;
+        RecordJson toJson = nullptr;
+    };
     const QJsonObject small = documentJson(document);
-    std::map<QString, const QVariantList*> members;
+    std::map<QString, RecordList> members;
     for (auto it = small.constBegin(); it != small.constEnd(); ++it)
-        members.emplace(it.key(), nullptr);
-    if (document.preflighted)
-        for (const auto& [key, records] :
-             {std::pair{QStringLiteral("links"), &document.links}, std::pair{QStringLiteral("fonts"), &document.fonts},
-              std::pair{QStringLiteral("colors"), &document.colors}})
-            members.emplace(key, records);
+        members.emplace(it.key(), RecordList{});
+    if (document.preflighted) {
+        members.emplace(QStringLiteral("links"), RecordList{&document.links, &linkJson});
+        members.emplace(QStringLiteral("fonts"), RecordList{&document.fonts, &recordJson});
+        members.emplace(QStringLiteral("colors"), RecordList{&document.colors, &recordJson});
+    }
 
     std::string out = indentation(depth) + "{\n";
     const auto flush = [&stream, &out](size_t above) {
@@ -182,28 +82,25 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
         }
     };
     bool first = true;
-    for (const auto& [key, records] : members) {
+    for (const auto& [key, list] : members) {
         out += first ? "" : ",\n";
         first = false;
         out += indentation(depth + 1);
         appendJson(out, key, depth + 1);
         out += ": ";
-        if (!records) {
+        if (!list.rows) {
             appendJson(out, small.value(key), depth + 1);
             continue;
         }
-        out += "[\n";
-        for (qsizetype i = 0; i < records->size(); ++i) {
-            const QVariant& record = records->at(i);
+        const QVariantList records = results::flatRecords(*list.rows);
+        out += records.isEmpty() ? "[" : "[\n";
+        for (qsizetype i = 0; i < records.size(); ++i) {
             out += indentation(depth + 2);
-            appendJson(out,
-                       record.typeId() == QMetaType::QVariantMap ? QJsonValue(jsonObject(record.toMap(), true))
-                                                                 : jsonValue(record),
-                       depth + 2);
-            out += i + 1 < records->size() ? ",\n" : "\n";
+            appendJson(out, list.toJson(records.at(i).toMap()), depth + 2);
+            out += i + 1 < records.size() ? ",\n" : "\n";
             flush(1 << 16);
         }
-        out += indentation(depth + 1) + "]";
+        out += (records.isEmpty() ? "" : indentation(depth + 1)) + "]";
     }
     out += "\n" + indentation(depth) + "}";
     flush(0);

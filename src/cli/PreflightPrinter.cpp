@@ -1,14 +1,13 @@
 #include "cli/PreflightPrinter.h"
 
-#include "app/BuildInfo.h"
 #include "cli/Commands.h"
+#include "cli/JsonOutput.h"
 #include "cli/PreflightOutput.h"
 #include "cli/PreflightSummary.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
 
 #include <QFileInfo>
-#include <QJsonDocument>
 
 #include <iostream>
 #include <memory>
@@ -25,12 +24,13 @@ bool isJson(const QString& format)
 // The depth of a document's object: an item of the envelope's "documents" array.
 constexpr int kDocumentDepth = 2;
 
-// The envelope up to its documents: "quillonVersion" and "preset", then the opened array.
+// The envelope up to its documents: "format", "quillonVersion", "command" and "preset", then the
+// opened array.
 std::string envelopeOpening(const QString& presetName)
 {
-    const QJsonObject head{{QStringLiteral("quillonVersion"), QString::fromLatin1(app::kQuillonVersion)},
-                           {QStringLiteral("preset"), presetName}};
-    QByteArray text = QJsonDocument(head).toJson(QJsonDocument::Indented).trimmed();
+    QJsonObject head = jsonEnvelope(QStringLiteral("preflight"));
+    head.insert(QStringLiteral("preset"), presetName);
+    QByteArray text = jsonText(head).trimmed();
     text.chop(1); // the closing brace
     return text.trimmed().toStdString() + ",\n    \"documents\": [\n";
 }
@@ -38,7 +38,7 @@ std::string envelopeOpening(const QString& presetName)
 } // namespace
 
 RenderedDocument renderDocument(PreflightedDocument document, const QString& format, const QString& presetName,
-                                std::optional<int> maxItems)
+                                bool withSummary, std::optional<int> maxItems)
 {
     RenderedDocument rendered;
     rendered.path = document.path;
@@ -46,11 +46,13 @@ RenderedDocument renderDocument(PreflightedDocument document, const QString& for
     // A warning means a part of the document went unjudged: never a clean result.
     rendered.alerted = document.preflighted && (document.status.total != 0 || !document.warnings.isEmpty());
     if (!document.preflighted)
-        rendered.problems << document.error;
+        rendered.errors << document.error;
     if (!document.outputError.isEmpty())
-        rendered.problems << document.outputError;
+        rendered.errors << document.outputError;
     for (const QString& warning : document.warnings)
-        rendered.problems << QStringLiteral("warning: ") + warning;
+        rendered.warnings << QStringLiteral("warning: ") + warning;
+    if (withSummary && document.preflighted)
+        rendered.terminal = printableLinesText(summaryText(document, presetName, maxItems));
     if (isJson(format)) {
         auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
         rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
@@ -62,12 +64,13 @@ RenderedDocument renderDocument(PreflightedDocument document, const QString& for
     return rendered;
 }
 
-OrderedPrinter::OrderedPrinter(const QString& format, const QString& presetName, ProgressLine& progress,
-                               qsizetype documents)
-    : m_format(format), m_presetName(presetName), m_progress(progress), m_done(static_cast<size_t>(documents))
+OrderedPrinter::OrderedPrinter(const QString& format, const QString& presetName, const PrinterOutput& output,
+                               ProgressLine& progress, qsizetype documents)
+    : m_format(format), m_presetName(presetName), m_output(output), m_progress(progress),
+      m_done(static_cast<size_t>(documents))
 {
     if (isJson(m_format))
-        std::cout << envelopeOpening(m_presetName) << std::flush;
+        *m_output.results << envelopeOpening(m_presetName) << std::flush;
 }
 
 void OrderedPrinter::deliver(qsizetype index, RenderedDocument document)
@@ -91,13 +94,13 @@ void OrderedPrinter::finish(const QStringList& paths)
             cancelled.path = paths.at(static_cast<qsizetype>(m_next));
             cancelled.name = QFileInfo(cancelled.path).fileName();
             cancelled.error = QStringLiteral("the preflight was cancelled");
-            std::cout << (m_printedOne ? ",\n" : "");
-            writeDocumentJson(std::cout, cancelled, kDocumentDepth);
+            *m_output.results << (m_printedOne ? ",\n" : "");
+            writeDocumentJson(*m_output.results, cancelled, kDocumentDepth);
             m_printedOne = true;
         }
     }
     if (isJson(m_format))
-        std::cout << (m_printedOne ? "\n" : "") << "    ]\n}\n" << std::flush;
+        *m_output.results << (m_printedOne ? "\n" : "") << "    ]\n}\n" << std::flush;
 }
 
 int OrderedPrinter::exitStatus() const
@@ -110,17 +113,23 @@ void OrderedPrinter::print(const RenderedDocument& document)
     m_progress.clear();
     m_failed = m_failed || document.failed;
     m_alerted = m_alerted || document.alerted;
-    for (const QString& problem : document.problems)
-        std::cerr << "quillon preflight: " << printableText(document.path + QStringLiteral(": ") + problem) << '\n';
+    for (const QStringList& lines : {document.errors, m_output.quiet ? QStringList() : document.warnings})
+        for (const QString& line : lines)
+            std::cerr << "quillon preflight: " << printableText(document.path + QStringLiteral(": ") + line) << '\n';
     std::cerr << std::flush;
+    std::ostream& results = *m_output.results;
     if (document.writeJson) {
-        std::cout << (m_printedOne ? ",\n" : "");
-        document.writeJson(std::cout);
-        std::cout << std::flush;
+        results << (m_printedOne ? ",\n" : "");
+        document.writeJson(results);
+        results << std::flush;
         m_printedOne = true;
     } else if (!document.out.empty()) {
-        std::cout << (m_printedOne ? "\n" : "") << document.out << std::flush;
+        results << (m_printedOne ? "\n" : "") << document.out << std::flush;
         m_printedOne = true;
+    }
+    if (m_output.summaryToTerminal && !m_output.quiet && !document.terminal.empty()) {
+        std::cout << (m_printedSummary ? "\n" : "") << document.terminal << std::flush;
+        m_printedSummary = true;
     }
     m_progress.redraw();
 }

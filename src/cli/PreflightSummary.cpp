@@ -19,20 +19,6 @@ QString orDash(const QString& text)
     return text.isEmpty() ? QStringLiteral("-") : text;
 }
 
-// The records of a list, the children of document groups in their place.
-QVariantList flatRecords(const QVariantList& rows)
-{
-    QVariantList records;
-    for (const QVariant& row : rows) {
-        const QVariantMap map = row.toMap();
-        if (results::isGroupRow(map))
-            records += map.value(app::kGroupChildrenKey).toList();
-        else
-            records += row;
-    }
-    return records;
-}
-
 // What the record holds for the attribute an alert is about, as it is shown.
 QString measuredValue(const QVariantMap& record, const QString& key)
 {
@@ -152,7 +138,7 @@ QString limitedLines(const QStringList& lines, std::optional<int> maxItems)
 
 QString listSection(const QString& title, const QVariantList& rows, bool isLink, std::optional<int> maxItems)
 {
-    const QVariantList records = flatRecords(rows);
+    const QVariantList records = results::flatRecords(rows);
     QVariantList alerted;
     for (const QVariant& record : records)
         if (results::hasAlerts(record.toMap()))

@@ -115,12 +115,12 @@ app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document
         m_bleedPoints = m_slugPoints = std::nullopt;
         return read;
     }
-    const BleedOrSlugValues bleed = bleedOrSlugValues(preference, true);
-    const BleedOrSlugValues slug = bleedOrSlugValues(preference, false);
-    setBleedOrSlug(true, bleedOrSlugText(bleed, m_horizMeasurementUnits));
-    setBleedOrSlug(false, bleedOrSlugText(slug, m_horizMeasurementUnits));
-    m_bleedPoints = narrowestSideInPoints(bleed);
-    m_slugPoints = narrowestSideInPoints(slug);
+    m_bleedValues = bleedOrSlugValues(preference, true);
+    m_slugValues = bleedOrSlugValues(preference, false);
+    setBleedOrSlug(true, bleedOrSlugText(m_bleedValues, m_horizMeasurementUnits));
+    setBleedOrSlug(false, bleedOrSlugText(m_slugValues, m_horizMeasurementUnits));
+    m_bleedPoints = narrowestSideInPoints(m_bleedValues);
+    m_slugPoints = narrowestSideInPoints(m_slugValues);
     return read;
 }
 

@@ -93,6 +93,9 @@ public:
     // preferences could not be read.
     std::optional<double> bleedPoints() const { return m_bleedPoints; }
     std::optional<double> slugPoints() const { return m_slugPoints; }
+    // The attributes the bleed and slug texts were made from (points); empty without preferences.
+    const BleedOrSlugValues& bleedValues() const { return m_bleedValues; }
+    const BleedOrSlugValues& slugValues() const { return m_slugValues; }
     const QString& horizMeasurementUnits() const { return m_horizMeasurementUnits; }
     const QString& vertMeasurementUnits() const { return m_vertMeasurementUnits; }
 
@@ -119,6 +122,8 @@ private:
     QString m_slugStr;
     std::optional<double> m_bleedPoints;
     std::optional<double> m_slugPoints;
+    BleedOrSlugValues m_bleedValues;
+    BleedOrSlugValues m_slugValues;
     QString m_horizMeasurementUnits;
     QString m_vertMeasurementUnits;
 };

@@ -76,6 +76,19 @@ bool isGroupRow(const QVariantMap& row)
     return app::variantToBool(row.value(app::kGroupIsDockKey));
 }
 
+QVariantList flatRecords(const QVariantList& rows)
+{
+    QVariantList records;
+    for (const QVariant& row : rows) {
+        const QVariantMap map = row.toMap();
+        if (isGroupRow(map))
+            records += map.value(app::kGroupChildrenKey).toList();
+        else
+            records += row;
+    }
+    return records;
+}
+
 bool hasAlerts(const QVariantMap& record)
 {
     return !record.value(kAlertsKey).toMap().isEmpty();

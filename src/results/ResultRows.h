@@ -38,6 +38,8 @@ QString listHeaderTitle(const QString& word, qsizetype rowCount);
 
 // Whether a row is a document group ("isDock" true).
 bool isGroupRow(const QVariantMap& row);
+// The records of a list, the children of document groups in their place.
+QVariantList flatRecords(const QVariantList& rows);
 
 // Whether a judged record has any alert, or one on `key`.
 bool hasAlerts(const QVariantMap& record);

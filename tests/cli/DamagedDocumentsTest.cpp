@@ -1,4 +1,5 @@
 #include "CliRunner.h"
+#include "JsonSchema.h"
 
 #include "support/TestSupport.h"
 
@@ -10,17 +11,12 @@
 
 #include <gtest/gtest.h>
 
+using quillon::test::jsonEntries;
 using quillon::test::rewritten;
 using quillon::test::runQuillon;
 using quillon::test::samplePath;
 
 namespace {
-
-QJsonArray jsonOf(const QByteArray& out, const QString& key = {})
-{
-    const QJsonDocument json = QJsonDocument::fromJson(out);
-    return key.isEmpty() ? json.array() : json.object().value(key).toArray();
-}
 
 QStringList texts(const QJsonValue& array)
 {
@@ -50,7 +46,7 @@ TEST(DamagedDocuments, UnreadablePartsAreSkippedNamedAndNeverPass)
     const auto links =
         runQuillon({QStringLiteral("links"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
     EXPECT_EQ(links.exitCode, 1) << links.err.toStdString();
-    const QJsonObject linksDoc = jsonOf(links.out).at(0).toObject();
+    const QJsonObject linksDoc = jsonEntries(links.out).at(0).toObject();
     EXPECT_EQ(linksDoc.value(QStringLiteral("links")).toArray().size(), 23);
     expectNamed(texts(linksDoc.value(QStringLiteral("warnings"))), "links");
     EXPECT_TRUE(links.err.contains(expected[0].toUtf8()));
@@ -58,12 +54,12 @@ TEST(DamagedDocuments, UnreadablePartsAreSkippedNamedAndNeverPass)
     const auto info =
         runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
     EXPECT_EQ(info.exitCode, 1) << info.err.toStdString();
-    expectNamed(texts(jsonOf(info.out).at(0).toObject().value(QStringLiteral("warnings"))), "info");
+    expectNamed(texts(jsonEntries(info.out).at(0).toObject().value(QStringLiteral("warnings"))), "info");
 
     const auto preflight =
         runQuillon({QStringLiteral("preflight"), QStringLiteral("--format"), QStringLiteral("json"), freshers});
     EXPECT_EQ(preflight.exitCode, 1) << preflight.err.toStdString();
-    const QJsonObject preflighted = jsonOf(preflight.out, QStringLiteral("documents")).at(0).toObject();
+    const QJsonObject preflighted = jsonEntries(preflight.out).at(0).toObject();
     EXPECT_EQ(preflighted.value(QStringLiteral("links")).toArray().size(), 23);
     const QStringList preflightWarnings = texts(preflighted.value(QStringLiteral("warnings")));
     expectNamed(preflightWarnings, "preflight");
@@ -115,9 +111,9 @@ TEST(DamagedDocuments, ARepairedArchiveAndADocumentWithoutPagesAreWarnedOfAndThe
         const auto preflight =
             runQuillon({QStringLiteral("preflight"), QStringLiteral("--format"), QStringLiteral("json"), path});
         const QJsonValue found[] = {
-            jsonOf(info.out).at(0).toObject().value(QStringLiteral("warnings")),
-            jsonOf(links.out).at(0).toObject().value(QStringLiteral("warnings")),
-            jsonOf(preflight.out, QStringLiteral("documents")).at(0).toObject().value(QStringLiteral("warnings")),
+            jsonEntries(info.out).at(0).toObject().value(QStringLiteral("warnings")),
+            jsonEntries(links.out).at(0).toObject().value(QStringLiteral("warnings")),
+            jsonEntries(preflight.out).at(0).toObject().value(QStringLiteral("warnings")),
         };
         for (const QJsonValue& warnings : found)
             EXPECT_EQ(texts(warnings).filter(words).size(), 1)

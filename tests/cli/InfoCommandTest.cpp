@@ -1,4 +1,5 @@
 #include "CliRunner.h"
+#include "JsonSchema.h"
 
 #include "support/TestSupport.h"
 
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using quillon::test::everythingBelow;
+using quillon::test::jsonEntries;
 using quillon::test::runQuillon;
 using quillon::test::samplePath;
 
@@ -30,15 +32,20 @@ TEST(InfoCommand, PrintsTheDocumentInformationAsTextAndJson)
     const auto json = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), interview,
                                   samplePath(QStringLiteral("idml/freshers.idml"))});
     ASSERT_EQ(json.exitCode, 0) << json.err.toStdString();
-    const QJsonArray documents = QJsonDocument::fromJson(json.out).array();
+    const QJsonArray documents = jsonEntries(json.out);
     ASSERT_EQ(documents.size(), 2);
-    const QJsonObject freshers = documents.at(1).toObject();
+    const QJsonObject freshers = documents.at(1).toObject().value(QStringLiteral("info")).toObject();
     EXPECT_EQ(freshers.value(QStringLiteral("numberOfPagesStr")).toString(), QStringLiteral("8"));
+    EXPECT_EQ(freshers.value(QStringLiteral("numberOfPages")).toDouble(), 8);
     EXPECT_EQ(freshers.value(QStringLiteral("numberOfLinksStr")).toString(), QStringLiteral("24"));
+    EXPECT_EQ(freshers.value(QStringLiteral("fileSize")).toDouble(), 363249);
     EXPECT_EQ(freshers.value(QStringLiteral("InDesignVersion")).toString(), QStringLiteral("6.0"));
     EXPECT_EQ(freshers.value(QStringLiteral("pageSizeStr")).toString(), QStringLiteral("?"));
     EXPECT_EQ(freshers.value(QStringLiteral("hfsPath")).toString(), QString());
-    EXPECT_EQ(documents.at(0).toObject().value(QStringLiteral("bleedStr")).toString(), QStringLiteral("5 mm"));
+    const QJsonObject interviewInfo = documents.at(0).toObject().value(QStringLiteral("info")).toObject();
+    EXPECT_EQ(interviewInfo.value(QStringLiteral("bleedStr")).toString(), QStringLiteral("5 mm"));
+    EXPECT_NEAR(interviewInfo[QStringLiteral("bleed")][QStringLiteral("top")].toDouble(), 14.1732, 1e-4);
+    EXPECT_NEAR(interviewInfo[QStringLiteral("pageSizes")][0][QStringLiteral("width")].toDouble(), 651.9685, 1e-4);
 }
 
 TEST(InfoCommand, BrokenFilesFailWithTheirNameAndWriteNothingOutsideTheWorkFolder)

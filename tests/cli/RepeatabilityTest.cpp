@@ -1,4 +1,5 @@
 #include "CliRunner.h"
+#include "JsonSchema.h"
 
 #include "support/TestSupport.h"
 
@@ -73,6 +74,7 @@ TEST(Repeatability, EverySampleGivesTheSameJsonRunAfterRun)
     // Two jobs set at most twice the cores to work; besides them live the signal watch and, for
     // each document at once, the thread that waits on its driver and the link data writer.
     EXPECT_LE(first.peakThreads, 2 * QThread::idealThreadCount() + 1 + 2 * 2);
+    EXPECT_EQ(quillon::test::jsonEntries(first.out).size(), documents.size()) << "each follows the schema";
     const QByteArray expected = withoutRunDates(first.out);
     ASSERT_GT(expected.size(), 1000);
     for (int run = 1; run < kRuns; ++run) {

@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -148,11 +150,16 @@ namespace {
 struct RecordingDelegate : FileCopyDelegate {
     std::vector<QString> calls;
     FileCopyManager* cancelOnStart = nullptr;
+    int cancelWhenQueued = 0;
     void fileCopyOperationWillStart(const std::shared_ptr<FileCopyOperation>& operation) override
     {
         calls.push_back(u"start "_s + operation->fName());
-        if (cancelOnStart != nullptr)
+        if (cancelOnStart != nullptr) {
+            // The worker may start the first copy before the test has queued the rest.
+            while (cancelOnStart->operationCount() < cancelWhenQueued)
+                std::this_thread::yield();
             cancelOnStart->cancelAllOperations();
+        }
     }
     void fileCopyOperationDidFinished(const std::shared_ptr<FileCopyOperation>& operation) override
     {
@@ -221,6 +228,7 @@ TEST(FileCopyManager, CancelStopsTheRunningCopyRemovesItsPartAndSkipsTheRest)
     {
         FileCopyManager manager;
         delegate.cancelOnStart = &manager;
+        delegate.cancelWhenQueued = 2;
         manager.addOPeration(first);
         manager.addOPeration(second);
         manager.waitUntilAllOperationsAreFinished();

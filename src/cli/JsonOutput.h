@@ -1,0 +1,53 @@
+#pragma once
+
+#include "inspection/DocInfo.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <string>
+
+namespace quillon::cli {
+
+// The JSON every command writes: format 1. Keys are only ever added within a format; a change that
+// removes or retypes one raises the number. The shape is published in "schema/quillon-1.schema.json".
+inline constexpr int kJsonFormat = 1;
+
+// {"format": 1, "quillonVersion": ..., "command": `command`}: the head of every command's JSON.
+QJsonObject jsonEnvelope(const QString& command);
+
+// The indented text of a whole envelope, ending with a line break.
+QByteArray jsonText(const QJsonObject& envelope);
+
+// {"path", "name", "warnings"}: how every command's entry for a file begins; `error` is added when
+// it is not empty (the file could not be read).
+QJsonObject jsonFileEntry(const QString& path, const QStringList& warnings, const QString& error = {});
+
+// A record value: numbers as numbers, booleans as booleans, dates as ISO-8601 text in UTC, data as
+// base64 text, lists and dictionaries as arrays and objects.
+QJsonValue jsonValue(const QVariant& value);
+
+// A record's "alerts" (attribute key -> text or texts) as [{"rule": key, "text": text}, ...].
+QJsonArray alertsJson(const QVariant& alerts);
+
+// The document information: the display texts under their keys, and beside them the numbers (page
+// count, file size in bytes, ISO-8601 dates, page sizes, bleed and slug in points).
+QJsonObject documentInfoJson(const inspection::QNDocInfo& info);
+
+// A font or colour record, judged or not, without the keys that only name pictures; "alerts"
+// always an array.
+QJsonObject recordJson(const QVariantMap& record);
+// A link record the same way, with the numbers beside the texts they are shown as ("actualPpi",
+// "effectivePpi", "horizontalScale", "verticalScale"; null when not known).
+QJsonObject linkJson(const QVariantMap& record);
+
+// Appends `value` as QJsonDocument's indented form writes it, its lines after the first indented
+// `depth` levels further, so that it can stand as a member at that depth of a text written in
+// pieces.
+void appendJson(std::string& out, const QJsonValue& value, int depth);
+
+} // namespace quillon::cli
