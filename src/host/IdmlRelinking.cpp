@@ -103,7 +103,7 @@ QByteArray retargetLinksInPart(const QByteArray& part, const LinkRetarget& retar
     qsizetype copied = 0;
     qsizetype pos = 0;
     const auto skipPast = [&](const char* opening, const char* closing) {
-        if (!part.sliced(pos).startsWith(opening))
+        if (!QByteArrayView(part).sliced(pos).startsWith(opening))
             return false;
         const qsizetype end = part.indexOf(closing, pos);
         pos = end < 0 ? part.size() : end + qsizetype(qstrlen(closing));
@@ -114,7 +114,7 @@ QByteArray retargetLinksInPart(const QByteArray& part, const LinkRetarget& retar
         if (skipPast("<!--", "-->") || skipPast("<![CDATA[", "]]>"))
             continue;
         constexpr qsizetype kNameLength = 5; // "<Link"
-        if (!part.sliced(pos).startsWith("<Link") || pos + kNameLength >= part.size() ||
+        if (!QByteArrayView(part).sliced(pos).startsWith("<Link") || pos + kNameLength >= part.size() ||
             !(isXmlSpace(part[pos + kNameLength]) || part[pos + kNameLength] == '/' ||
               part[pos + kNameLength] == '>')) {
             ++pos;
