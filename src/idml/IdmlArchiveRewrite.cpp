@@ -1,6 +1,7 @@
 #include "idml/IdmlArchiveRewrite.h"
 
 #include "app/RegularFile.h"
+#include "idml/IdmlArchive.h"
 
 #include <QFileInfo>
 
@@ -29,15 +30,6 @@ using ZipPointer = std::unique_ptr<zip_t, ZipCloser>;
 QString zipErrorText(zip_t* zip)
 {
     return QString::fromUtf8(zip_strerror(zip));
-}
-
-QString openErrorText(int code)
-{
-    zip_error_t error;
-    zip_error_init_with_code(&error, code);
-    const QString text = QString::fromUtf8(zip_error_strerror(&error));
-    zip_error_fini(&error);
-    return text;
 }
 
 // The temporary file the new archive is written to, removed unless it was renamed into place.
@@ -161,7 +153,7 @@ Status rewriteArchiveEntries(const QString& path, const QHash<quint64, QByteArra
     int code = 0;
     ZipPointer source(zip_open(app::localBytesOfPath(path).constData(), ZIP_RDONLY, &code));
     if (!source)
-        return makeError(QStringLiteral("the archive cannot be read: %1").arg(openErrorText(code)), path);
+        return makeError(QStringLiteral("the archive cannot be read: %1").arg(zipOpenErrorText(code)), path);
     struct stat original {};
     if (::stat(app::localBytesOfPath(path).constData(), &original) != 0)
         return app::openError(path, errno);
@@ -173,7 +165,7 @@ Status rewriteArchiveEntries(const QString& path, const QHash<quint64, QByteArra
                          path);
     ZipPointer target(zip_open(temporary.name().constData(), ZIP_TRUNCATE, &code));
     if (!target)
-        return makeError(QStringLiteral("the archive cannot be rewritten: %1").arg(openErrorText(code)), path);
+        return makeError(QStringLiteral("the archive cannot be rewritten: %1").arg(zipOpenErrorText(code)), path);
 
     Writing writing{source.get(), target.get(), {}};
     const zip_int64_t count = zip_get_num_entries(source.get(), 0);
