@@ -87,7 +87,7 @@ public:
     QList<DestinationMenuItem> menuItemsForDestinations(const QList<Destination>& destinations,
                                                         const QString& appName) const;
     // The Relayon group when it has destinations; then, when Relayon Mini has destinations, a
-    // Relayon Mini group made from Relayon's list, not its own. This is the required behaviour.
+    // Relayon Mini group made from Relayon's list, not its own, deliberately.
     QList<DestinationMenuItem> createMenuItemsForDestinations() const;
     // The row titled with the stored destination, or -1.
     int indexOfSelectedDestination(const QList<DestinationMenuItem>& items) const;
