@@ -3,9 +3,8 @@
 #include "app/Log.h"
 #include "app/Strings.h"
 #include "host/HfsPath.h"
+#include "host/LinkActionScripts.h"
 #include "host/ScriptRunner.h"
-
-#include <QRegularExpression>
 
 namespace quillon::host {
 
@@ -69,6 +68,16 @@ Status AppleScriptHost::runForStatus(const QString& source, const QString& about
     const QVariantMap outcome = run(source);
     if (!scriptSucceeded(outcome))
         return scriptError(outcome, about);
+    return {};
+}
+
+Status AppleScriptHost::runForAnswer(const QString& source, const QString& about, const QString& refused)
+{
+    const QVariantMap outcome = run(source);
+    if (!scriptSucceeded(outcome))
+        return scriptError(outcome, about);
+    if (descriptorStringValue(outcome.value(kScriptResultKey)) != QLatin1String("true"))
+        return makeError(refused, about);
     return {};
 }
 
@@ -208,10 +217,8 @@ Status AppleScriptHost::setScriptUserInteraction(bool interactWithAll)
 Result<QString> AppleScriptHost::pageNameForLinkID(const QString& docName, const QString& linkId)
 {
     app::logEntry("pageNameForLinkID");
-    // The id is placed in the script unquoted, so only digits may go there.
-    static const QRegularExpression digits(QStringLiteral("^\\d+$"));
-    if (!digits.match(linkId).hasMatch())
-        return makeError(QStringLiteral("\"%1\" is not a link id").arg(linkId), docName);
+    if (const Status id = checkLinkId(linkId, docName); !id)
+        return id.error();
     const QVariantMap outcome =
         run(QStringList{QStringLiteral("tell app \"%1\"").arg(m_applicationName),
                         QStringLiteral("tell document \"%1\"").arg(quoted(docName)),
@@ -223,6 +230,30 @@ Result<QString> AppleScriptHost::pageNameForLinkID(const QString& docName, const
         return scriptError(outcome, docName);
     }
     return scriptResultString(outcome);
+}
+
+Status AppleScriptHost::showLinkID(const QString& linkId, const QString& docName)
+{
+    app::logEntry("showLinkID");
+    if (const Status id = checkLinkId(linkId, docName); !id)
+        return id;
+    return runForStatus(showLinkScript(m_applicationName, linkId, docName), docName);
+}
+
+Status AppleScriptHost::relinkLinkID(const QString& linkId, const QString& path, const QString& docName)
+{
+    app::logEntry("relinkLinkID");
+    if (const Status id = checkLinkId(linkId, docName); !id)
+        return id;
+    return runForAnswer(relinkLinkScript(m_applicationName, linkId, path, docName), docName,
+                        QStringLiteral("InDesign could not relink link %1 to %2.").arg(linkId, path));
+}
+
+Status AppleScriptHost::relinkLinksInDoc(const QString& docPath, const QString& linksFolder, bool createIdml)
+{
+    app::logEntry("relinkLinksInDoc");
+    return runForAnswer(relinkLinksInDocScript(m_applicationName, docPath, linksFolder, createIdml), docPath,
+                        QStringLiteral("InDesign could not relink every link to the files in %1.").arg(linksFolder));
 }
 
 ScriptedDocument AppleScriptHost::scriptedDocument(const QString& documentName, const QString& documentPath)

@@ -37,6 +37,9 @@ public:
     void closeDocumentIfOpen(const QString& docNameOrPath) override;
     app::Status setScriptUserInteraction(bool interactWithAll) override;
     app::Result<QString> pageNameForLinkID(const QString& docName, const QString& linkId) override;
+    app::Status showLinkID(const QString& linkId, const QString& docName) override;
+    app::Status relinkLinkID(const QString& linkId, const QString& path, const QString& docName) override;
+    app::Status relinkLinksInDoc(const QString& docPath, const QString& linksFolder, bool createIdml) override;
     app::Result<inspection::Inspected<QVariantList>> processFonts(const inspection::DocumentRecord& record,
                                                                   const idml::IdmlDocument* document,
                                                                   const app::CancelFlag* cancel) override;
@@ -49,6 +52,8 @@ public:
 private:
     QVariantMap run(const QString& source);
     app::Status runForStatus(const QString& source, const QString& about = {});
+    // A script answering true or false: false fails with `refused`.
+    app::Status runForAnswer(const QString& source, const QString& about, const QString& refused);
     // What the font and colour inspection scripts need: a runner answering with the script's
     // text (or InDesign's message) and the document they ask about.
     ScriptedDocument scriptedDocument(const QString& documentName, const QString& documentPath);

@@ -5,8 +5,10 @@
 #include "app/Log.h"
 #include "app/RegularFile.h"
 #include "host/FontColorInspection.h"
+#include "host/IdmlRelinking.h"
 #include "idml/IdmlDocument.h"
 #include "idml/XmlPath.h"
+#include "links/LinkValues.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -345,6 +347,43 @@ Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString
     if (!read)
         return read.error();
     return paraReportFromIdml(**read);
+}
+
+Status OfflineIdmlHost::showLinkID(const QString& linkId, const QString& docName)
+{
+    return makeError(unavailable(QStringLiteral("Selecting link %1 in the layout").arg(linkId)), docName);
+}
+
+Status OfflineIdmlHost::relinkLinkID(const QString& linkId, const QString& path, const QString& docName)
+{
+    const Result<QString> document = documentPath(DocumentReference::named(docName));
+    if (!document)
+        return document.error();
+    if (!QFileInfo(path).isFile())
+        return makeError(QStringLiteral("Link %1 cannot be relinked: there is no file to link to.").arg(linkId), path);
+    bool found = false;
+    const Result<int> changed = retargetIdmlLinks(*document, [&](const IdmlLink& link) -> std::optional<QString> {
+        if (links::idStringFromHexString(link.self) != linkId)
+            return std::nullopt;
+        found = true;
+        return QFileInfo(path).absoluteFilePath();
+    });
+    if (!changed)
+        return changed.error();
+    if (!found)
+        return makeError(QStringLiteral("The document has no link with id %1.").arg(linkId), *document);
+    return {};
+}
+
+Status OfflineIdmlHost::relinkLinksInDoc(const QString& docPath, const QString& linksFolder, bool createIdml)
+{
+    app::logEntry("relinkLinksInDoc");
+    (void)createIdml; // the packaged document is the IDML
+    const Result<int> changed = relinkIdmlToFolder(docPath, linksFolder);
+    if (!changed)
+        return changed.error();
+    app::logLine(QStringLiteral("relinked %1 links of %2 to %3").arg(*changed).arg(docPath, linksFolder));
+    return {};
 }
 
 } // namespace quillon::host

@@ -54,6 +54,15 @@ public:
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
                                                            const idml::IdmlDocument* document) override;
 
+    // Selecting a link needs InDesign's window.
+    app::Status showLinkID(const QString& linkId, const QString& docName) override;
+    // Rewrites the open document's IDML: the link of that id points at `path`.
+    app::Status relinkLinkID(const QString& linkId, const QString& path, const QString& docName) override;
+    // Rewrites the IDML at `docPath` (a packaged copy) so that its links point at the files of the
+    // same names in `linksFolder`; nothing but `docPath` is written. The document is already IDML,
+    // so `createIdml` makes no second file.
+    app::Status relinkLinksInDoc(const QString& docPath, const QString& linksFolder, bool createIdml) override;
+
     const QStringList& openDocuments() const { return m_documents; }
     // Where the host keeps a damaged archive's repaired copy while it reads it; empty: the
     // system's work folder.

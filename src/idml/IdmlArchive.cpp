@@ -43,15 +43,6 @@ constexpr quint32 kRegularFile = 0100000;
 constexpr quint32 kDirectory = 0040000;
 constexpr quint32 kSymbolicLink = 0120000;
 
-QString libzipMessage(int code)
-{
-    zip_error_t error;
-    zip_error_init_with_code(&error, code);
-    const QString text = QString::fromUtf8(zip_error_strerror(&error));
-    zip_error_fini(&error);
-    return text;
-}
-
 bool isFolderEntry(const QString& name)
 {
     return name.endsWith(u'/') || name.endsWith(u'\\');
@@ -79,7 +70,7 @@ Result<zip_t*> openZip(const QString& path, const QString& name)
     if (!zip)
         return makeError(QStringLiteral("cannot be read as a zip archive (%1); an IDML file is a zip archive, so "
                                         "this one is damaged, truncated or not an IDML file at all")
-                             .arg(libzipMessage(code)),
+                             .arg(zipOpenErrorText(code)),
                          name);
     return zip;
 }
@@ -505,6 +496,15 @@ Status IdmlArchive::extractTo(const QString& folder, const UnpackLimits& limits)
     const auto first = std::min_element(failures.begin(), failures.end(),
                                         [](const auto& a, const auto& b) { return a.first < b.first; });
     return first->second;
+}
+
+QString zipOpenErrorText(int code)
+{
+    zip_error_t error;
+    zip_error_init_with_code(&error, code);
+    const QString text = QString::fromUtf8(zip_error_strerror(&error));
+    zip_error_fini(&error);
+    return text;
 }
 
 } // namespace quillon::idml

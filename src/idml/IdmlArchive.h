@@ -77,6 +77,9 @@ private:
     QHash<QString, size_t> m_indexByPath; // the first entry of each path
 };
 
+// libzip's words for the error code zip_open gave.
+QString zipOpenErrorText(int code);
+
 // The entry name as a relative path below the unpacked folder ("\" read as "/", "." parts
 // dropped), or nothing when it would leave the folder (absolute, drive-lettered or with "..").
 std::optional<QString> safeRelativeEntryPath(const QString& entryName);

@@ -1,6 +1,7 @@
 #include "idml/IdmlArchiveWriter.h"
 
 #include "app/RegularFile.h"
+#include "idml/IdmlArchive.h"
 
 #include <QFile>
 
@@ -34,11 +35,7 @@ app::Result<IdmlArchiveWriter> IdmlArchiveWriter::create(const QString& path)
     int code = 0;
     zip_t* zip = zip_open(app::localBytesOfPath(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code);
     if (!zip) {
-        zip_error_t error;
-        zip_error_init_with_code(&error, code);
-        const QString reason = QString::fromUtf8(zip_error_strerror(&error));
-        zip_error_fini(&error);
-        return makeError(QStringLiteral("the archive cannot be written: %1").arg(reason), path);
+        return makeError(QStringLiteral("the archive cannot be written: %1").arg(zipOpenErrorText(code)), path);
     }
     auto handle = std::make_unique<Handle>();
     handle->zip = zip;

@@ -1,5 +1,7 @@
 #include "links/LinkPaths.h"
 
+#include "app/RegularFile.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -45,6 +47,13 @@ QString pathFromFileUri(const QString& uri, const QString& documentFolder)
     if (path.startsWith(u'/') || isDriveLetterPath(path))
         return path;
     return QDir::cleanPath(documentFolder + u'/' + path);
+}
+
+QString fileUriFromPath(const QString& path)
+{
+    const qsizetype drive = isDriveLetterPath(path) ? 2 : 0;
+    return QStringLiteral("file:") + path.left(drive) +
+           QString::fromLatin1(app::localBytesOfPath(path.mid(drive)).toPercentEncoding(QByteArrayLiteral("/")));
 }
 
 QStringList pathComponents(const QString& path)

@@ -16,6 +16,11 @@ bool isFileUri(const QString& uri);
 // path ("//host/share/x"). Empty when the URI has no path.
 QString pathFromFileUri(const QString& uri, const QString& documentFolder);
 
+// The "file:" URI of an absolute path as InDesign writes it: "file:" then the path, every byte but
+// letters, digits, "-._~" and "/" percent-encoded ("/Jobs/Issue 0/a=b.tif" gives
+// "file:/Jobs/Issue%200/a%3Db.tif"); a drive letter keeps its colon ("file:C:/x.tif").
+QString fileUriFromPath(const QString& path);
+
 // The components of a path, the root counting as the first ("/Volumes/X/y" gives "/", "Volumes",
 // "X", "y").
 QStringList pathComponents(const QString& path);

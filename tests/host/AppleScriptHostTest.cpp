@@ -104,14 +104,3 @@ TEST(AppleScriptHost, AnchoredLinkPageScriptAcceptsOnlyDecimalIds)
     EXPECT_EQ(rig.scripts.calls().size(), before);
 }
 
-TEST(AppleScriptHost, LinkActionsAreNotAvailableWithoutTheirScriptObjects)
-{
-    Rig rig;
-    const auto shown = rig.host.showLinkID(QStringLiteral("12"), QStringLiteral("Book.indd"));
-    ASSERT_FALSE(shown.ok());
-    EXPECT_TRUE(shown.error().message.contains(QStringLiteral("not available")));
-    EXPECT_FALSE(
-        rig.host.relinkLinkID(QStringLiteral("12"), QStringLiteral("/x.tif"), QStringLiteral("Book.indd")).ok());
-    EXPECT_FALSE(rig.host.relinkLinksInDoc(QStringLiteral("/Book.indd"), QStringLiteral("/Links"), true).ok());
-    EXPECT_TRUE(rig.scripts.calls().empty());
-}

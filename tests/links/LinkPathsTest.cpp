@@ -30,6 +30,12 @@ TEST(LinkPaths, FileUrisGiveDecodedPaths)
     EXPECT_TRUE(pathFromFileUri(QStringLiteral("file://server"), doc).isEmpty());
     EXPECT_TRUE(pathFromFileUri(QStringLiteral("http://example.com/a.jpg"), doc).isEmpty());
     EXPECT_FALSE(isFileUri(QStringLiteral("FILE:/a")));
+
+    // Written back as InDesign writes them.
+    for (const char* uri : {"file:/Users/ben/Documents/Boar/Volume%2033/Issue%200/Ads/RaW.psd",
+                            "file:C:/Users/Emy/Documents/%3D%3D%3DClients%3D%3D%3D/tab_gradient_v2.00.ai",
+                            "file:/caf%C3%A9%20%22x%22%26%23~_.psd"})
+        EXPECT_EQ(fileUriFromPath(pathFromFileUri(QString::fromUtf8(uri), doc)), QString::fromUtf8(uri));
 }
 
 TEST(LinkPaths, RelocationSearchesTheDocumentFolderThenLinksThenExtraFoldersInOrder)
