@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -66,8 +67,15 @@ public:
 
     // The part parsed, or why it cannot be read. A name the designmap does not list is not read.
     app::Result<std::shared_ptr<const XmlPart>> part(const QString& name) const;
-    // Parses the parts not parsed yet, on several threads; stops early when cancelled.
-    void parseAhead(const QStringList& names, const app::CancelFlag* cancel = nullptr) const;
+    // Calls `visit` with each name in order, on the calling thread, having parsed the parts a window
+    // at a time on several threads: within `visit`, part() hands out the window's parts without
+    // parsing them again, kept or not. Each part is parsed once however large the document, and
+    // the parts not kept go when their window has been visited. Stops early when cancelled.
+    void forEachPart(const QStringList& names, const app::CancelFlag* cancel,
+                     const std::function<void(const QString& name)>& visit) const;
+    // How much part text (the archive's uncompressed sizes) one window holds at most, unless a
+    // single part is larger.
+    static constexpr qint64 kWindowTextBytes = qint64(24) << 20;
     // Frees the parsed parts; asked again, they are parsed again.
     void release(const QStringList& names) const;
     // How much part text the document keeps parsed for the next reader. A part parsed once that
@@ -86,6 +94,7 @@ private:
     Slot* slot(const QString& name) const;
     void addSlot(const QString& name);
     void listPartFiles();
+    qint64 partBytes(const QString& name) const;
 
     QString m_name;
     bool m_repaired = false;
