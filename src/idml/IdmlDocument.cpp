@@ -167,6 +167,8 @@ Status IdmlDocument::readDesignmap()
         addSlot(*name);
     }
     listPartFiles();
+    for (const std::unique_ptr<Slot>& each : m_slots)
+        m_partTextBytes += partBytes(each->name);
     return {};
 }
 
@@ -230,7 +232,7 @@ Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) c
 bool IdmlDocument::keep(Slot* slot, qint64 bytes) const
 {
     const std::lock_guard lock(m_keptMutex);
-    if (m_keptBytes + bytes > m_keptLimit)
+    if (m_partTextBytes > m_keptLimit || m_keptBytes + bytes > m_keptLimit)
         return false;
     slot->kept = true;
     slot->keptBytes = bytes;

@@ -78,9 +78,11 @@ public:
     static constexpr qint64 kWindowTextBytes = qint64(24) << 20;
     // Frees the parsed parts; asked again, they are parsed again.
     void release(const QStringList& names) const;
-    // How much part text the document keeps parsed for the next reader. A part parsed once that
-    // limit is reached is not kept: its reader holds it as long as it needs it, and the next one
-    // parses it again. A document of ordinary size is parsed once, a huge one in bounded memory.
+    // How much part text the document keeps parsed for the next reader. When the text of all its
+    // parts together is more, none is kept: each reader holds a part as long as it needs it and
+    // the next parses it again. A document of ordinary size is parsed once, a huge one in bounded
+    // memory (a part's tree takes some three times its text, a kept share of a huge document would
+    // sit beside everything the preflight builds from the rest).
     void setKeptTextLimit(qint64 bytes) { m_keptLimit = bytes; }
     static constexpr qint64 kDefaultKeptTextLimit = qint64(160) << 20;
     // How many times parts were parsed, all parts together.
@@ -117,6 +119,7 @@ private:
     void forget(Slot* slot) const;
     mutable std::mutex m_keptMutex;
     mutable qint64 m_keptBytes = 0;
+    qint64 m_partTextBytes = 0; // all the parts' text together
     qint64 m_keptLimit = kDefaultKeptTextLimit;
 };
 

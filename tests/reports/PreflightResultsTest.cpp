@@ -99,8 +99,10 @@ TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
     });
     const preflight::JudgingInputs judging = results.judgingInputs();
     EXPECT_TRUE(judging.registrationInText);
-    results.setItems(outcome(judging));
-    EXPECT_EQ(presetReads, 1); // read once, as the preflight started
+    preflight::PreflightOutcome found = outcome(judging);
+    results.setItems(found);
+    EXPECT_TRUE(found.linkData.isEmpty()); // taken over, not held twice
+    EXPECT_EQ(presetReads, 1);             // read once, as the preflight started
     ASSERT_EQ(results.linkItems().size(), 1);
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
@@ -116,7 +118,8 @@ TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
     // Without a preset nothing is judged.
     PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
     EXPECT_FALSE(unjudged.judgingInputs().registrationInText);
-    unjudged.setItems(outcome({}));
+    preflight::PreflightOutcome unjudgedOutcome = outcome({});
+    unjudged.setItems(unjudgedOutcome);
     unjudged.populateSummaryAndDocInfo(info);
     EXPECT_EQ(unjudged.status().total, 0);
     EXPECT_FALSE(info.hasPreflightErrors());
@@ -164,7 +167,8 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     PreflightResults results(PreflightResults::fixedPreset(strictPreset()));
     const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
     results.setClock([when] { return when; });
-    results.setItems(outcome(PreflightResults::judgingInputsFor(strictPreset())));
+    preflight::PreflightOutcome found = outcome(PreflightResults::judgingInputsFor(strictPreset()));
+    results.setItems(found);
     const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));
