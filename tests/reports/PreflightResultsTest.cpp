@@ -129,26 +129,20 @@ TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
     EXPECT_TRUE(results.linkItems().isEmpty() && results.fontItems().isEmpty() && results.colorItems().isEmpty());
 }
 
-TEST_F(PreflightResultsTest, ChangingThePresetWithEmptyListsOnlyStoresIt)
+TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
 {
+    QVariantMap current = strictPreset();
     int presetReads = 0;
-    PreflightResults results([&presetReads] {
+    PreflightResults results([&] {
         ++presetReads;
-        return std::optional<QVariantMap>(strictPreset());
+        return std::optional<QVariantMap>(current);
     });
     results.setSettingsFile(settingsFile());
+    // With nothing shown the choice is only stored.
     results.presetsPopup(QStringLiteral("Print"));
     EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(),
               QStringLiteral("Print"));
     EXPECT_EQ(presetReads, 0);
-    EXPECT_TRUE(results.linkItems().isEmpty());
-}
-
-TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
-{
-    QVariantMap current = strictPreset();
-    PreflightResults results([&current] { return std::optional<QVariantMap>(current); });
-    results.setSettingsFile(settingsFile());
     // A batch document's results come back through the data files the preflight wrote.
     EXPECT_TRUE(preflight::writeDataFiles(m_dir.path(), outcome({})).isEmpty());
     results.setItemsFromDataFiles(m_dir.path());
@@ -160,6 +154,9 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
     results.presetsPopup(QStringLiteral("Lenient"));
     EXPECT_FALSE(results::hasAlerts(results.linkItems().front().toMap()));
     EXPECT_FALSE(results::hasAlerts(results.colorItems().front().toMap()));
+    current = strictPreset(); // and back: the rows judged in place are judged anew
+    results.presetsPopup(QStringLiteral("Strict"));
+    EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
 }
 
 TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
