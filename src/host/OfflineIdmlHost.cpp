@@ -62,15 +62,14 @@ inspection::DocumentRecord idmlDocumentRecord(const IdmlDocument& document, cons
     qint64 links = 0;
     for (const QStringList* parts : {&document.masterSpreadFiles(), &document.spreadFiles(), &document.storyFiles()}) {
         const bool spread = parts == &document.spreadFiles();
-        document.parseAhead(*parts);
-        for (const QString& name : *parts) {
+        document.forEachPart(*parts, nullptr, [&](const QString& name) {
             // A part that cannot be read is left out of the counts and named; the rest still counts.
             const Result<std::shared_ptr<const XmlPart>> part = document.part(name);
             if (!part) {
                 app::logFailure(QStringLiteral("count pages and links: %1").arg(part.error().text()));
                 if (warnings)
                     warnings->append(part.error());
-                continue;
+                return;
             }
             forEachElement((*part)->document(), [&](const pugi::xml_node element) {
                 if (spread && std::strcmp(element.name(), "Page") == 0)
@@ -79,7 +78,7 @@ inspection::DocumentRecord idmlDocumentRecord(const IdmlDocument& document, cons
                          std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
                     ++links;
             });
-        }
+        });
     }
     return inspection::DocumentRecord{
         QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links), version};

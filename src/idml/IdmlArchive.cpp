@@ -360,11 +360,11 @@ Result<QByteArray> IdmlArchive::readEntry(const QString& name, qint64 maxBytes) 
         return makeError(
             QStringLiteral("the entry cannot be read: %1").arg(QString::fromUtf8(zip_strerror(handle->zip()))), m_name,
             name);
-    QByteArray bytes(it->size, Qt::Uninitialized);
+    // One byte more than declared, to notice an entry longer than it declares without growing the
+    // buffer (a grown buffer would be copied and take up to twice the part's size).
+    QByteArray bytes(it->size + 1, Qt::Uninitialized);
     qint64 total = 0;
-    for (;;) {
-        if (total == bytes.size())
-            bytes.resize(total + 1); // room to notice an entry longer than it declares
+    while (total < bytes.size()) {
         const zip_int64_t got = zip_fread(file, bytes.data() + total, static_cast<zip_uint64_t>(bytes.size() - total));
         if (got < 0) {
             const QString reason = QString::fromUtf8(zip_file_strerror(file));

@@ -1,6 +1,7 @@
 #include "idml/IdmlDocument.h"
 
 #include "app/ParallelFor.h"
+#include "app/Progress.h"
 #include "idml/IdmlArchive.h"
 #include "idml/IdmlPackage.h"
 
@@ -166,6 +167,8 @@ Status IdmlDocument::readDesignmap()
         addSlot(*name);
     }
     listPartFiles();
+    for (const std::unique_ptr<Slot>& each : m_slots)
+        m_partTextBytes += partBytes(each->name);
     return {};
 }
 
@@ -229,7 +232,7 @@ Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) c
 bool IdmlDocument::keep(Slot* slot, qint64 bytes) const
 {
     const std::lock_guard lock(m_keptMutex);
-    if (m_keptBytes + bytes > m_keptLimit)
+    if (m_partTextBytes > m_keptLimit || m_keptBytes + bytes > m_keptLimit)
         return false;
     slot->kept = true;
     slot->keptBytes = bytes;
@@ -246,12 +249,49 @@ void IdmlDocument::forget(Slot* slot) const
     m_keptBytes -= slot->keptBytes;
 }
 
-void IdmlDocument::parseAhead(const QStringList& names, const app::CancelFlag* cancel) const
+qint64 IdmlDocument::partBytes(const QString& name) const
+{
+    if (!m_source->archive)
+        return QFileInfo(m_source->folder + u'/' + name).size();
+    const IdmlArchive::Entry* entry = m_source->archive->entry(name);
+    return entry ? static_cast<qint64>(entry->size) : 0;
+}
+
+void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* cancel,
+                               const std::function<void(const QString& name)>& visit) const
 {
     app::ParallelOptions options;
     options.cancel = cancel;
-    options.itemsPerThread = 8;
-    app::parallelFor(names.size(), options, [&](int, qsizetype index) { (void)part(names[index]); });
+    for (qsizetype begin = 0; begin < names.size();) {
+        qsizetype end = begin;
+        for (qint64 bytes = 0; end < names.size() && (end == begin || bytes < kWindowTextBytes); ++end)
+            bytes += partBytes(names[end]);
+        // A part not kept is held in its slot until its window is visited, so that the visit finds
+        // it parsed.
+        std::vector<Slot*> held(static_cast<size_t>(end - begin), nullptr);
+        const bool parsed = app::parallelFor(end - begin, options, [&](int, qsizetype index) {
+            const Result<std::shared_ptr<const XmlPart>> read = part(names[begin + index]);
+            Slot* found = slot(names[begin + index]);
+            if (!read || !found)
+                return;
+            const std::lock_guard lock(found->mutex);
+            if (!found->part) {
+                found->part = *read;
+                held[static_cast<size_t>(index)] = found;
+            }
+        });
+        for (qsizetype index = begin; parsed && index < end; ++index)
+            visit(names[index]);
+        for (Slot* found : held)
+            if (found) {
+                const std::lock_guard lock(found->mutex);
+                if (!found->kept)
+                    found->part.reset();
+            }
+        if (!parsed || (cancel && cancel->isCancelled()))
+            return;
+        begin = end;
+    }
 }
 
 void IdmlDocument::release(const QStringList& names) const

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -66,13 +67,22 @@ public:
 
     // The part parsed, or why it cannot be read. A name the designmap does not list is not read.
     app::Result<std::shared_ptr<const XmlPart>> part(const QString& name) const;
-    // Parses the parts not parsed yet, on several threads; stops early when cancelled.
-    void parseAhead(const QStringList& names, const app::CancelFlag* cancel = nullptr) const;
+    // Calls `visit` with each name in order, on the calling thread, having parsed the parts a window
+    // at a time on several threads: within `visit`, part() hands out the window's parts without
+    // parsing them again, kept or not. Each part is parsed once however large the document, and
+    // the parts not kept go when their window has been visited. Stops early when cancelled.
+    void forEachPart(const QStringList& names, const app::CancelFlag* cancel,
+                     const std::function<void(const QString& name)>& visit) const;
+    // How much part text (the archive's uncompressed sizes) one window holds at most, unless a
+    // single part is larger.
+    static constexpr qint64 kWindowTextBytes = qint64(24) << 20;
     // Frees the parsed parts; asked again, they are parsed again.
     void release(const QStringList& names) const;
-    // How much part text the document keeps parsed for the next reader. A part parsed once that
-    // limit is reached is not kept: its reader holds it as long as it needs it, and the next one
-    // parses it again. A document of ordinary size is parsed once, a huge one in bounded memory.
+    // How much part text the document keeps parsed for the next reader. When the text of all its
+    // parts together is more, none is kept: each reader holds a part as long as it needs it and
+    // the next parses it again. A document of ordinary size is parsed once, a huge one in bounded
+    // memory (a part's tree takes some three times its text, a kept share of a huge document would
+    // sit beside everything the preflight builds from the rest).
     void setKeptTextLimit(qint64 bytes) { m_keptLimit = bytes; }
     static constexpr qint64 kDefaultKeptTextLimit = qint64(160) << 20;
     // How many times parts were parsed, all parts together.
@@ -86,6 +96,7 @@ private:
     Slot* slot(const QString& name) const;
     void addSlot(const QString& name);
     void listPartFiles();
+    qint64 partBytes(const QString& name) const;
 
     QString m_name;
     bool m_repaired = false;
@@ -108,6 +119,7 @@ private:
     void forget(Slot* slot) const;
     mutable std::mutex m_keptMutex;
     mutable qint64 m_keptBytes = 0;
+    qint64 m_partTextBytes = 0; // all the parts' text together
     qint64 m_keptLimit = kDefaultKeptTextLimit;
 };
 

@@ -424,18 +424,17 @@ app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::Idml
     QSet<QString> referenced;
     for (const QStringList* list : {&document.spreads(), &document.masterSpreads(), &document.stories()}) {
         const bool isStory = list == &document.stories();
-        document.parseAhead(*list, cancel);
-        for (const QString& path : *list) {
+        document.forEachPart(*list, cancel, [&](const QString& path) {
             const std::shared_ptr<const pugi::xml_document> doc = reader.read(path);
             if (!doc)
-                continue;
+                return;
             QStringList refs;
             collectReferences(doc->document_element(), refs);
             for (const QString& ref : std::as_const(refs))
                 referenced.insert(ref);
             if (isStory && counter)
                 walkStoryText(doc->document_element(), *counter);
-        }
+        });
     }
     if (reader.cancelled())
         return inspectionCancelled();

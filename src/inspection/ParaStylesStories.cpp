@@ -154,13 +154,10 @@ void walkStoryText(pugi::xml_node root, StoryTextVisitor& visitor)
 
 void walkStories(const QStringList& storyNames, StoryTextVisitor& visitor, PartReader& reader)
 {
-    reader.document().parseAhead(storyNames, reader.cancelFlag());
-    for (const QString& name : storyNames) {
-        if (reader.cancelled())
-            return;
+    reader.document().forEachPart(storyNames, reader.cancelFlag(), [&](const QString& name) {
         if (const std::shared_ptr<const pugi::xml_document> story = reader.read(name))
             walkStoryText(story->document_element(), visitor);
-    }
+    });
 }
 
 } // namespace quillon::inspection

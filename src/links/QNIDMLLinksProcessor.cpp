@@ -131,17 +131,18 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
     app::logLine(QStringLiteral("---> start idml spreads"));
     const QStringList& masters = document.masterSpreadFiles();
     const QStringList& spreads = document.spreadFiles();
-    document.parseAhead(masters + spreads, m_controller.cancel);
     std::vector<LinkSource> sources;
     for (const auto& [parts, label, isMaster] :
          {std::tuple{&masters, "Master Spread", true}, std::tuple{&spreads, "Spread", false}}) {
         int count = 0;
-        for (const QString& name : *parts) {
+        document.forEachPart(*parts, m_controller.cancel, [&](const QString& name) {
             if (cancelled())
-                return {};
+                return;
             reportStatus(QStringLiteral("Preflighting links: %1 %2").arg(QLatin1String(label)).arg(++count));
             collectSpreadLinks(document, name, isMaster, sources);
-        }
+        });
+        if (cancelled())
+            return {};
     }
     app::logLine(QStringLiteral("-> all spreads done"));
 
@@ -150,14 +151,15 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
         app::logLine(QStringLiteral("more links in doc, check stories"));
         m_storyFramePages.setSpreadOrder(document.spreads());
         const QStringList& stories = document.storyFiles();
-        document.parseAhead(stories, m_controller.cancel);
         int count = 0;
-        for (const QString& name : stories) {
+        document.forEachPart(stories, m_controller.cancel, [&](const QString& name) {
             if (cancelled())
-                return {};
+                return;
             reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++count));
             collectStoryLinks(document, name, sources);
-        }
+        });
+        if (cancelled())
+            return {};
     }
     if (cancelled())
         return {};

@@ -3,7 +3,6 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
-#include "app/ParallelFor.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
@@ -157,15 +156,10 @@ void populatePreflightResults(PreflightContext& context)
     outcome.alerts = context.alerts.errors();
     const bool cancelled = context.cancelled();
     outcome.ended = cancelled ? PreflightEnding::Cancelled : PreflightEnding::Completed;
-    // The data files are written while the results are judged: both only read the outcome.
-    QList<app::Error> written;
-    app::parallelFor(2, {.maxThreads = 2}, [&](int, qsizetype task) {
-        if (task == 0)
-            written = writeDataFiles(context.request.folders.dataFolder, outcome);
-        else if (!cancelled && context.sinks.results)
-            context.sinks.results->setItems(outcome);
-    });
-    context.addWarnings(written);
+    // The data files are written before the results take the link records over to judge them.
+    context.addWarnings(writeDataFiles(context.request.folders.dataFolder, outcome));
+    if (!cancelled && context.sinks.results)
+        context.sinks.results->setItems(outcome);
     showProgressStage(ProgressStage::Stop, context.sinks);
     if (cancelled)
         return;

@@ -36,7 +36,8 @@ struct PreflightOutcome {
     JudgingInputs judging;
 
     // The link analysis' truth value (links were found) and its records as the link data file
-    // holds them: the document's path to its group row. Empty when the analysis did not run.
+    // holds them: the document's path to its group row. Empty when the analysis did not run, and
+    // once the results sink has taken the records over to judge them.
     bool foundLinks = false;
     QVariantMap linkData;
     // The inspections' records; nothing when an inspection did not run or failed.

@@ -34,8 +34,9 @@ public:
     virtual JudgingInputs judgingInputs() { return {}; }
 
     // Loads the outcome's link, font and colour records into the lists, judged by the preset
-    // the outcome carries.
-    virtual void setItems(const PreflightOutcome& outcome) = 0;
+    // the outcome carries. The link records are taken out of the outcome (its `linkData` is left
+    // empty) and judged in place: a large document's links are never held twice.
+    virtual void setItems(PreflightOutcome& outcome) = 0;
     // Loads the lists from the three data files of `dataFolder` (a batch document's results
     // written back there), judged by the current preset (calling thread).
     virtual void setItemsFromDataFiles(const QString& dataFolder) = 0;

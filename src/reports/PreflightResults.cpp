@@ -8,6 +8,8 @@
 #include "results/PresetSettings.h"
 #include "results/ResultRows.h"
 
+#include <utility>
+
 namespace quillon::reports {
 
 PreflightResults::PreflightResults(PresetSource presetSource)
@@ -58,11 +60,10 @@ preflight::JudgingInputs PreflightResults::judgingInputs()
     return judgingInputsFor(m_presetSource ? m_presetSource() : std::nullopt);
 }
 
-void PreflightResults::setItems(const preflight::PreflightOutcome& outcome)
+void PreflightResults::setItems(preflight::PreflightOutcome& outcome)
 {
-    m_linkData = outcome.linkData;
     m_judgedBy = outcome.judging.preset;
-    m_links.setItems(m_linkData, outcome.judging.preset);
+    m_links.setItems(std::exchange(outcome.linkData, {}), outcome.judging.preset);
     m_fonts.setItems(outcome.fontData(), outcome.judging.preset);
     m_colors.setItems(outcome.colorData(), outcome.judging.preset);
 }
@@ -71,8 +72,7 @@ void PreflightResults::setItemsFromDataFiles(const QString& dataFolder)
 {
     const QVariantMap preset = presetOrNothing();
     m_judgedBy = preset;
-    m_linkData = results::readDataFile(dataFolder, app::kLinkDataFileName);
-    m_links.setItems(m_linkData, preset);
+    m_links.setItems(results::readDataFile(dataFolder, app::kLinkDataFileName), preset);
     m_fonts.setItems(results::readDataFile(dataFolder, app::kFontDataFileName), preset);
     m_colors.setItems(results::readDataFile(dataFolder, app::kColorDataFileName), preset);
 }
@@ -116,7 +116,7 @@ void PreflightResults::presetsPopup(const QString& title)
     const QVariantMap preset = presetOrNothing();
     m_judgedBy = preset;
     if (!m_links.items().isEmpty())
-        m_links.setItems(m_linkData, preset);
+        m_links.reapplyPreset(preset);
     if (!m_colors.items().isEmpty())
         m_colors.reapplyPreset(preset);
     if (!m_fonts.items().isEmpty())

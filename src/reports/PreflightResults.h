@@ -52,7 +52,7 @@ public:
 
     void clearAllResults() override;
     preflight::JudgingInputs judgingInputs() override;
-    void setItems(const preflight::PreflightOutcome& outcome) override;
+    void setItems(preflight::PreflightOutcome& outcome) override;
     void setItemsFromDataFiles(const QString& dataFolder) override;
     void populateSummaryAndDocInfo(inspection::QNDocInfo& docInfo) override;
     app::Result<QString> createTextReport(const QString& targetFolder, const QString& paraStylesReport,
@@ -79,7 +79,6 @@ private:
     QString m_settingsFile;
     TextReportType m_reportType = TextReportType::Regular;
     std::function<QDateTime()> m_clock;
-    QVariantMap m_linkData; // what the link list was loaded from, to judge again with another preset
     QVariantMap m_judgedBy; // the preset the lists were judged by, for the document checks
     results::QNLinksOutline m_links;
     results::QNFontsOutlineController m_fonts;

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace quillon::results {
@@ -24,6 +25,36 @@ void QNLinksOutline::setItems(QVariantMap dataFile, const QVariantMap& preset, c
         return applyCurrPresetToArray(takeList(doc[app::kGroupChildrenKey]), preset);
     });
     sortRows(m_items, sort);
+}
+
+namespace {
+
+// Judged anew: without link rules, the keys an earlier judging added go.
+QVariantList judgedAgain(QVariantList records, const QVariantMap& preset)
+{
+    if (!preset.contains(kPresetLinksKey))
+        for (QVariant& row : records) {
+            QVariantMap record = takeMap(row);
+            for (const QString& key : {kIconKey, kStatusImgKey, kBadFolderKey, kAlertsKey, kAlertKey, kAlertNameKey})
+                record.remove(key);
+            row = std::move(record);
+        }
+    return QNLinksOutline::applyCurrPresetToArray(std::move(records), preset);
+}
+
+} // namespace
+
+void QNLinksOutline::reapplyPreset(const QVariantMap& preset)
+{
+    if (m_items.isEmpty() || !isGroupRow(m_items.front().toMap())) {
+        m_items = judgedAgain(std::exchange(m_items, {}), preset);
+        return;
+    }
+    for (QVariant& row : m_items) {
+        QVariantMap group = takeMap(row);
+        group.insert(app::kGroupChildrenKey, judgedAgain(takeList(group[app::kGroupChildrenKey]), preset));
+        row = std::move(group);
+    }
 }
 
 namespace {

@@ -24,6 +24,9 @@ public:
     // the top-level rows with the list's current sort descriptors. A data file handed over
     // (moved in) is judged without copying its records.
     void setItems(QVariantMap dataFile, const QVariantMap& preset, const QList<SortDescriptor>& sort = {});
+    // Judges the rows shown again with `preset`, in place: the judged keys are replaced (removed
+    // when the preset has no link rules); the order and everything else of a row stay.
+    void reapplyPreset(const QVariantMap& preset);
     // The rows, for the rename (which changes "name" and "path" of the relinked rows).
     QVariantList& mutableItems() { return m_items; }
 

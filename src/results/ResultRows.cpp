@@ -50,11 +50,6 @@ QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge)
     return rows;
 }
 
-QVariantMap readDataFile(const QString& fileName)
-{
-    return readDataFile(app::temporaryFolder(), fileName);
-}
-
 QVariantMap readDataFile(const QString& folder, const QString& fileName)
 {
     const QString path = folder + u'/' + fileName;

@@ -28,9 +28,8 @@ QVariantList loadResultRows(QVariantMap dataFile, const DocumentJudge& judge);
 QVariantMap takeMap(QVariant& value);
 QVariantList takeList(QVariant& value);
 
-// The dictionary of a data file in `folder` (the temporary folder when not given); empty (and
-// logged) when the file is missing or unreadable.
-QVariantMap readDataFile(const QString& fileName);
+// The dictionary of a data file in `folder`; empty (and logged) when the file is missing or
+// unreadable.
 QVariantMap readDataFile(const QString& folder, const QString& fileName);
 
 // "FONTS • 12": the list's word, the bullet and the number of top-level rows.

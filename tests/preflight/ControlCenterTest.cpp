@@ -73,7 +73,7 @@ public:
     void clearAllResults() override { calls << QStringLiteral("clear"); }
     void showDocument(const QString& name, const QString&) override { calls << QStringLiteral("show ") + name; }
     JudgingInputs judgingInputs() override { return {{{QStringLiteral("Name"), QStringLiteral("Strict")}}, true}; }
-    void setItems(const PreflightOutcome& outcome) override
+    void setItems(PreflightOutcome& outcome) override
     {
         calls << QStringLiteral("setItems");
         handedOver = outcome.linkData;

@@ -99,8 +99,10 @@ TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
     });
     const preflight::JudgingInputs judging = results.judgingInputs();
     EXPECT_TRUE(judging.registrationInText);
-    results.setItems(outcome(judging));
-    EXPECT_EQ(presetReads, 1); // read once, as the preflight started
+    preflight::PreflightOutcome found = outcome(judging);
+    results.setItems(found);
+    EXPECT_TRUE(found.linkData.isEmpty()); // taken over, not held twice
+    EXPECT_EQ(presetReads, 1);             // read once, as the preflight started
     ASSERT_EQ(results.linkItems().size(), 1);
     ASSERT_EQ(results.fontItems().size(), 1);
     ASSERT_EQ(results.colorItems().size(), 1);
@@ -116,7 +118,8 @@ TEST_F(PreflightResultsTest, JudgesTheOutcomeByItsPresetAndCountsTheAlerts)
     // Without a preset nothing is judged.
     PreflightResults unjudged([] { return std::optional<QVariantMap>(); });
     EXPECT_FALSE(unjudged.judgingInputs().registrationInText);
-    unjudged.setItems(outcome({}));
+    preflight::PreflightOutcome unjudgedOutcome = outcome({});
+    unjudged.setItems(unjudgedOutcome);
     unjudged.populateSummaryAndDocInfo(info);
     EXPECT_EQ(unjudged.status().total, 0);
     EXPECT_FALSE(info.hasPreflightErrors());
@@ -135,7 +138,7 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
         return std::optional<QVariantMap>(current);
     });
     results.setSettingsFile(settingsFile());
-    // With empty lists the choice is only stored.
+    // With nothing shown the choice is only stored.
     results.presetsPopup(QStringLiteral("Print"));
     EXPECT_EQ(app::Settings(settingsFile()).value(QStringLiteral("selectedPreset")).toString(),
               QStringLiteral("Print"));
@@ -151,6 +154,9 @@ TEST_F(PreflightResultsTest, ChangingThePresetJudgesWhatIsShownAgain)
     results.presetsPopup(QStringLiteral("Lenient"));
     EXPECT_FALSE(results::hasAlerts(results.linkItems().front().toMap()));
     EXPECT_FALSE(results::hasAlerts(results.colorItems().front().toMap()));
+    current = strictPreset(); // and back: the rows judged in place are judged anew
+    results.presetsPopup(QStringLiteral("Strict"));
+    EXPECT_TRUE(results::hasAlerts(results.linkItems().front().toMap()));
 }
 
 TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
@@ -158,7 +164,8 @@ TEST_F(PreflightResultsTest, TheReportIsWrittenInTheChosenLayoutAtTheGivenTime)
     PreflightResults results(PreflightResults::fixedPreset(strictPreset()));
     const QDateTime when(QDate(2026, 1, 15), QTime(10, 0));
     results.setClock([when] { return when; });
-    results.setItems(outcome(PreflightResults::judgingInputsFor(strictPreset())));
+    preflight::PreflightOutcome found = outcome(PreflightResults::judgingInputsFor(strictPreset()));
+    results.setItems(found);
     const inspection::QNDocInfo info = docInfo();
 
     EXPECT_FALSE(results.createTextReport(QString(), QString(), info));

@@ -261,17 +261,6 @@ TEST(LinkResults, MetadataIsReadOnceAndOpeningIsRemembered)
     EXPECT_EQ(defaultAppForType(settings, u"tif"_s), u"/Applications/Preview.app"_s);
 }
 
-TEST(LinkResults, DataFilesAreReadFromTheTemporaryFolder)
-{
-    QTemporaryDir dir;
-    app::setTemporaryFolderOverride(dir.path());
-    EXPECT_TRUE(readDataFile(u"qnf_tmpLinkData.plist"_s).isEmpty());
-    const QVariantMap data{{u"/jobs/a.indd"_s, QVariantMap{{u"children"_s, QVariantList{link()}}}}};
-    ASSERT_TRUE(app::writePropertyListFile(data, dir.filePath(u"qnf_tmpLinkData.plist"_s)).ok());
-    EXPECT_EQ(readDataFile(u"qnf_tmpLinkData.plist"_s).keys(), data.keys());
-    app::setTemporaryFolderOverride({});
-}
-
 TEST(LinkRulesEditor, OperationsHaveTheEditorsEffects)
 {
     QNLinkRulesTable table;
