@@ -64,20 +64,20 @@ public:
 
 struct PackageRequest {
     host::InDesignHost& host;
-    QList<PreflightedDocument> documents; // in the table's order
+    QList<PreflightedDocument> documents{}; // in the table's order
     // Unified: the batch's links without duplicates and their bytes (from the batch preflight).
-    QVariantList linksWithoutDuplicates;
+    QVariantList linksWithoutDuplicates{};
     qint64 sizeOfLinksWithoutDuplicates = 0;
-    QList<TNFileItem> extras;
-    PackageRunChoices choices;
+    QList<TNFileItem> extras{};
+    PackageRunChoices choices{};
     app::CancelFlag* cancel = nullptr;
     // Hands a finished package folder on; none: nothing is delivered.
-    std::function<void(const QString& folder)> deliver;
+    std::function<void(const QString& folder)> deliver{};
     // After the batch: the packaged documents' paths and the mode (the folders shown to the user).
-    std::function<void(const QStringList& packagedDocs, bool unified)> folderOperations;
+    std::function<void(const QStringList& packagedDocs, bool unified)> folderOperations{};
     // Where InDesign's package command puts the unified documents and fonts first; empty: the
     // system's "tmpPackage" folder. Made fresh for the run.
-    QString stagingFolder;
+    QString stagingFolder{};
 };
 
 struct PackageSinks {
