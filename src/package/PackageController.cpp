@@ -262,13 +262,14 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
     progress.prepareProgr2ForFilesArr(static_cast<int>(operations.size()));
     for (const auto& operation : operations)
         manager.addOPeration(operation);
+    // The window's 0.1 s ticks; a cancel reaches the running copy within one chunk.
     using namespace std::chrono_literals;
-    while (!manager.waitUntilAllOperationsAreFinishedFor(100ms)) {
-        if (cancelled())
-            manager.cancelAllOperations();
+    do {
         progress.updateProgress();
         showProgress();
-    }
+        if (cancelled())
+            manager.cancelAllOperations();
+    } while (!manager.waitUntilAllOperationsAreFinishedFor(100ms));
     for (const auto& operation : operations) {
         if (operation->fCopyState() != FileCopyState::Finished) {
             if (!cancelled())
