@@ -247,8 +247,6 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
 {
     PackageProgress& progress = *m_progress;
     FileCopyManager manager([&progress](int count) { progress.copyQueueDidChange(count); });
-    // Copies land in this run's package folders, whose names are this run's: a file of the same
-    // name there is replaced, as the duplicate-free list allows only one.
     std::vector<std::shared_ptr<FileCopyOperation>> operations;
     for (const auto& [source, folder] : sourceAndFolder) {
         if (!QFileInfo::exists(source) || !QFileInfo(folder).isDir()) {
@@ -257,7 +255,7 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
             continue;
         }
         operations.push_back(FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
-                                                       &progress, ExistingDestination::Replace));
+                                                       &progress, existingDestination()));
     }
     progress.prepareProgr2ForFilesArr(static_cast<int>(operations.size()));
     for (const auto& operation : operations)
@@ -356,10 +354,9 @@ bool QNPackageController::collectFontsForDocAtPath(const PreflightedDocument& do
         m_outcome.pathsOfPackagedDocs << QDir(destination).filePath(name);
     if (!m_request->choices.fontsFromRecords || !m_request->choices.collectFonts)
         return true;
-    FontFilesCopied fonts = copyFontFilesOfRecords(
-        document.fonts(), QDir(destination).filePath(kDocumentFontsFolderName),
-        m_request->choices.overwrite ? ExistingDestination::Replace : ExistingDestination::Number, m_fontsCopied,
-        m_request->cancel);
+    FontFilesCopied fonts =
+        copyFontFilesOfRecords(document.fonts(), QDir(destination).filePath(kDocumentFontsFolderName),
+                               existingDestination(), m_fontsCopied, m_request->cancel);
     m_outcome.fontsCopied += fonts.copied;
     m_outcome.warnings += fonts.warnings;
     for (const FontNotCopied& font : fonts.notCopied)
@@ -415,7 +412,9 @@ bool QNPackageController::moveDocFromTmpFolderToPackageFolder(const PreflightedD
     showProgress();
     const QString name = document.docItem.name;
     const QString source = QDir(m_stagingFolder).filePath(name);
-    const QString destination = QDir(m_targetPackageFolderPath).filePath(name);
+    const QString destination = existingDestination() == ExistingDestination::Replace
+                                    ? QDir(m_targetPackageFolderPath).filePath(name)
+                                    : app::finalPathByAppendingNumberToFileName(name, m_targetPackageFolderPath);
     if (QFileInfo::exists(destination))
         QFile::remove(destination);
     const app::Status moved = movePath(source, destination);
@@ -527,6 +526,17 @@ void QNPackageController::suspend(const QString& title, const QString& message, 
     app::runAlert(m_sinks->alerts, title, app::withSupportContact(message), std::nullopt, true);
     m_suspended = true;
     m_outcome.failure = error;
+}
+
+ExistingDestination QNPackageController::existingDestination() const
+{
+    // A file of the same name in a folder this run made is replaced, as the duplicate-free list
+    // allows only one. A folder that was there is written into only when overwriting was asked
+    // for, or when its name passed the existence test before "/" and ":" were replaced: then
+    // nothing in it is replaced.
+    return m_request->choices.overwrite || m_foldersMadeByRun.contains(m_targetPackageFolderPath)
+               ? ExistingDestination::Replace
+               : ExistingDestination::Number;
 }
 
 bool QNPackageController::cancelled() const

@@ -140,6 +140,7 @@ private:
     void copyFiles(const QList<std::pair<QString, QString>>& sourceAndFolder, bool extras);
     bool makePackageFolder(const QString& folder);
     void suspend(const QString& title, const QString& message, const app::Error& error);
+    ExistingDestination existingDestination() const;
     bool cancelled() const;
     void removeHalfMadePackage();
     void log(const QString& line) const;
