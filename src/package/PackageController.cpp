@@ -1,5 +1,6 @@
 #include "package/PackageController.h"
 
+#include "package/FileCopyManager.h"
 #include "package/LinkLists.h"
 #include "package/PackageNames.h"
 #include "package/PreflightToPackageController.h"
@@ -125,13 +126,8 @@ void QNPackageController::packageDocsUnified()
         m_progress->startLinksPhase(bytes);
         copyLinks(links, QDir(m_targetPackageFolderPath).filePath(kLinksFolderName));
     }
-    if (!m_request->extras.isEmpty() && !cancelled())
-        copyExtras();
-    if (cancelled())
+    if (!copyExtrasAndStartPostLinksStages(QStringLiteral("7")))
         return;
-    // The post-links stages.
-    moveLinksOutOfLinksFolder();
-    m_progress->setProgr2MaxValue(QStringLiteral("7"));
     setInDesignScriptUserInteraction(m_request->host, false);
     for (const PreflightedDocument& document : m_request->documents)
         if (!runOperationsForDocItem(document))
@@ -163,12 +159,8 @@ void QNPackageController::packageDocsSeparately()
             m_progress->startLinksPhase(totalSizeFromArrOfLinks(links));
             copyLinks(links, QDir(m_targetPackageFolderPath).filePath(kLinksFolderName));
         }
-        if (!m_request->extras.isEmpty() && !cancelled())
-            copyExtras();
-        if (cancelled())
+        if (!copyExtrasAndStartPostLinksStages(QStringLiteral("5")))
             return;
-        moveLinksOutOfLinksFolder();
-        m_progress->setProgr2MaxValue(QStringLiteral("5"));
         runOperationsForDocItem(document);
         if (m_suspended || cancelled() || index + 1 == count)
             break;
@@ -176,6 +168,17 @@ void QNPackageController::packageDocsSeparately()
     }
     if (!cancelled())
         clearAndCleanAfterBatchDone();
+}
+
+bool QNPackageController::copyExtrasAndStartPostLinksStages(const QString& progr2Maximum)
+{
+    if (!m_request->extras.isEmpty() && !cancelled())
+        copyExtras();
+    if (cancelled())
+        return false;
+    moveLinksOutOfLinksFolder();
+    m_progress->setProgr2MaxValue(progr2Maximum);
+    return true;
 }
 
 bool QNPackageController::makePackageFolder(const QString& folder)

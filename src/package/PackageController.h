@@ -1,6 +1,5 @@
 #pragma once
 
-#include "package/FileCopyManager.h"
 #include "package/FileItem.h"
 #include "package/PackageFonts.h"
 #include "package/PackageProgress.h"
@@ -133,6 +132,9 @@ public:
     void clearAndCleanAfterBatchDone();
 
 private:
+    // After the links: the extras, then the post-links stages begin (links moved out of "Links",
+    // bar 2 ready for the document's stages). False when the run was cancelled.
+    bool copyExtrasAndStartPostLinksStages(const QString& progr2Maximum);
     bool collectFontsForDocAtPath(const PreflightedDocument& document);
     void createPDFForDocItem(const PreflightedDocument& document);
     void createReportsForDocItem(const PreflightedDocument& document);

@@ -33,7 +33,7 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         const char* named; // what the line must name
     } cases[] = {
         {{"--no-such-option"}, "--no-such-option"},
-        {{"frob"}, "unknown command 'frob'; commands: links, presets, info, preflight, inspect, metadata"},
+        {{"frob"}, "unknown command 'frob'; commands: links, presets, info, preflight, package, inspect, metadata"},
         {{"presets", "frob"}, "quillon presets: unknown command 'frob'; commands: list, show"},
         {{"preflight"}, "documents is required"},
         {{"preflight", "--jobs", "0", "a.idml"}, "--jobs: Value 0 not in range 1 to 64"},
@@ -42,6 +42,8 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         {{"preflight", "--overwrite", "a.idml"}, "--overwrite requires --report-dir"},
         {{"preflight", "--preset", "a", "--preset-file", "b", "a.idml"}, "--preset excludes --preset-file"},
         {{"preflight", "a.idml", "--preset"}, "--preset"},
+        {{"package", "a.idml"}, "--to is required"},
+        {{"package", "a.idml", "--to", dir, "--separate", "--no-links"}, "--separate needs the links collected"},
         {{"links"}, "documents is required"},
         {{"links", "--format", "xml", "a.idml"}, "--format"},
         {{"links", "--links-dir", dir + "/none", "a.idml"}, "--links-dir"},

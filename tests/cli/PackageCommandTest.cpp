@@ -48,9 +48,6 @@ TEST(PackageCommand, PackagesTheSampleAndKeepsTheExitStatusContract)
     EXPECT_EQ(runQuillon(common.mid(0, 5) + QStringList{u"--no-relink"_s}, environment).exitCode, 1);
     EXPECT_TRUE(QFile::exists(to + u"/sample-brochure/sample-brochure.idml"_s));
 
-    EXPECT_EQ(
-        runQuillon({u"package"_s, interview, u"--to"_s, to, u"--separate"_s, u"--no-links"_s}, environment).exitCode,
-        64);
     run = runQuillon({u"package"_s, out.filePath(u"gone.idml"_s), u"--to"_s, to}, environment);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("gone.idml")) << run.err.toStdString();
