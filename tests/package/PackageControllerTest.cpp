@@ -78,6 +78,7 @@ struct Fixture {
     FakeHost host;
     app::ScriptedAlertSink alerts;
     QList<PreflightedDocument> documents;
+    QList<TNFileItem> extras;
 
     Fixture()
     {
@@ -106,6 +107,7 @@ struct Fixture {
     {
         PackageRequest request{host};
         request.documents = documents;
+        request.extras = extras;
         choices.basePackageFolderPath = base;
         choices.fontsFromRecords = true;
         request.choices = choices;
@@ -152,11 +154,21 @@ TEST(PackageController, UnifiedAndSeparatePackagesOfDocumentsSharingALinkName)
     separate.mode = PackageMode::Separate;
     separate.namePart2 = u"_print"_s;
     separate.placeLinksInDocFolder = separate.relinkBesideDocument = true;
+    separate.extrasInSubfolder = true;
+    separate.extrasSubfolderName = u"Proofs"_s;
+    QDir().mkpath(f.dir.filePath(u"notes/2024"_s));
+    writeAll(f.dir.filePath(u"notes/2024/call.txt"_s), "call the printer");
+    writeAll(f.dir.filePath(u"readme.txt"_s), "read me");
+    f.extras = {TNFileItem::folderItemWithPath(f.dir.filePath(u"notes"_s)),
+                TNFileItem::fileItemWithPath(f.dir.filePath(u"readme.txt"_s))};
     const PackageOutcome two = f.run(separate, nullptr, nullptr, &delivered);
+    EXPECT_EQ(two.extrasCopied, 4); // both files in each of the two packages
     ASSERT_EQ(two.ended, PackageEnding::Completed);
     const QString a = f.base + u"/A_print"_s, b = f.base + u"/B_print"_s;
     EXPECT_EQ(delivered, (QStringList{a, b}));
     EXPECT_EQ(readAll(b + u"/default.jpg"_s), "another file of the same name");
+    EXPECT_EQ(readAll(b + u"/Proofs/notes/2024/call.txt"_s), "call the printer");
+    EXPECT_TRUE(QFileInfo::exists(a + u"/Proofs/readme.txt"_s));
     EXPECT_TRUE(QFileInfo::exists(a + u"/bouboune.jpg"_s) && !QFileInfo::exists(a + u"/Links"_s));
     EXPECT_EQ(f.host.relinked, (QStringList{a + u"/A.idml -> "_s + a, b + u"/B.idml -> "_s + b}));
     // The same run again numbers the folders rather than touching the first ones.
