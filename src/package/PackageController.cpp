@@ -64,6 +64,7 @@ PackageOutcome QNPackageController::packageDocuments(const PackageRequest& reque
     m_progress = std::make_unique<PackageProgress>(request.choices.mode);
     m_isProcessing = true;
     m_suspended = false;
+    m_batchDone = false;
     m_targetPackageFolderPath.clear();
     m_foldersMadeByRun.clear();
     m_fontsCopied.clear();
@@ -74,7 +75,8 @@ PackageOutcome QNPackageController::packageDocuments(const PackageRequest& reque
         packageDocsUnified();
     else
         packageDocsSeparately();
-    if (cancelled()) {
+    // A cancel that comes once the batch is done leaves a whole package.
+    if (cancelled() && !m_batchDone) {
         removeHalfMadePackage();
         m_outcome.ended = PackageEnding::Cancelled;
     } else if (m_suspended) {
@@ -527,6 +529,7 @@ void QNPackageController::clearAndCleanAfterBatchDone()
     }
     if (m_request->folderOperations)
         m_request->folderOperations(m_outcome.pathsOfPackagedDocs, choices.mode == PackageMode::Unified);
+    m_batchDone = true;
 }
 
 void QNPackageController::suspend(const QString& title, const QString& message, const app::Error& error)

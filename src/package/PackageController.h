@@ -154,6 +154,7 @@ private:
     std::unique_ptr<PackageProgress> m_progress;
     bool m_isProcessing = false;
     bool m_suspended = false;
+    bool m_batchDone = false;
     QString m_stagingFolder;
     QString m_targetPackageFolderPath;
     QStringList m_foldersMadeByRun; // package folders that were not there before the run
