@@ -7,7 +7,7 @@ _quillon()
     else
         cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} words=("${COMP_WORDS[@]}") cword=$COMP_CWORD
     fi
-    local commands="info links preflight inspect metadata presets schema"
+    local commands="info links preflight package inspect metadata presets schema"
     local presets="list show use set new rename delete export import"
     local command="" sub="" i
     for ((i = 1; i < cword; i++)); do
@@ -17,7 +17,7 @@ _quillon()
 
     case $prev in
         --files-from|--preset-file|--output) COMPREPLY=($(compgen -f -- "$cur")); return ;;
-        --links-dir|--report-dir) COMPREPLY=($(compgen -d -- "$cur")); return ;;
+        --links-dir|--report-dir|--to) COMPREPLY=($(compgen -d -- "$cur")); return ;;
         --search-links) COMPREPLY=($(compgen -W "0 1 2 3" -- "$cur")); return ;;
         --jobs|--max-items) return ;;
         --format)
@@ -39,6 +39,7 @@ _quillon()
         info) options+=" --format --recursive --files-from" ;;
         links) options+=" --format --recursive --files-from --links-dir --search-links" ;;
         preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items --output --quiet" ;;
+        package) options+=" --to --separate --name --name-suffix --no-links --no-fonts --links-in-doc-folder --no-relink --idml --pdf --text-report --overwrite --extra --extras-folder --links-dir --preset --preset-file" ;;
         inspect) options+=" --format" ;;
         presets)
             if [[ -z $sub ]]; then COMPREPLY=($(compgen -W "$presets --help" -- "$cur")); return; fi

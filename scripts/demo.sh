@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and preflights the bundled sample document: a small brochure
-# (resources/sample) with its linked files and a checkup preset made for it.
+# Installs what is missing, builds, preflights the bundled sample document (a small brochure in
+# resources/sample, with its linked files and a checkup preset made for it) and packages it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh release
@@ -19,3 +19,15 @@ if ((status > 1)); then
 fi
 echo
 echo "The same as a text report, a tab-delimited one or JSON: add --format text, tab or json."
+
+# Then package it: the document, its links and fonts and the text report, in a folder of its own.
+packages=$(mktemp -d "${TMPDIR:-/tmp}/quillon-packages-XXXXXX")
+echo
+status=0
+"$quillon" package "$sample/sample-brochure.idml" --to "$packages" --text-report \
+  --preset-file "$sample/Sample Print Checks.qnfp" || status=$?
+if ((status > 1)); then
+  exit "$status"
+fi
+echo
+echo "The package is in $packages."

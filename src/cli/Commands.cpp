@@ -12,6 +12,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addPresetsCommand(program, commands);
     addInfoCommand(program, commands);
     addPreflightCommand(program, commands);
+    addPackageCommand(program, commands);
     addInspectCommand(program, commands);
     addMetadataCommand(program, commands);
     addSchemaCommand(program, commands);

@@ -41,4 +41,7 @@ void addSchemaCommand(CLI::App& program, std::vector<Command>& commands);
 // `quillon preflight DOC.idml...`: preflight documents and print or write their results.
 void addPreflightCommand(CLI::App& program, std::vector<Command>& commands);
 
+// `quillon package DOC.idml... --to FOLDER`: preflight documents and package them.
+void addPackageCommand(CLI::App& program, std::vector<Command>& commands);
+
 } // namespace quillon::cli

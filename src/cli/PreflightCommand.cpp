@@ -14,13 +14,10 @@
 #include "cli/OutputFile.h"
 #include "cli/PreflightJob.h"
 #include "cli/PreflightPrinter.h"
+#include "cli/PresetChoice.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
 #include "reports/TextReport.h"
-#include "results/PresetKeys.h"
-#include "results/PresetSettings.h"
-#include "results/Presets.h"
-#include "results/PresetsFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -61,40 +58,6 @@ void printError(const QString& about, const QString& message)
 {
     std::cerr << "quillon preflight: "
               << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
-}
-
-struct ChosenPreset {
-    QString name;
-    QVariantMap preset; // empty: the results are not judged
-};
-
-// The preset of --preset-file, of --preset, or the current one of the user defaults. A preset
-// that cannot be found or read is an error: results that nobody judged must not pass as clean.
-app::Result<ChosenPreset> choosePreset(const PreflightOptions& options)
-{
-    if (!options.presetFile.empty()) {
-        const QString path = QFileInfo(q(options.presetFile)).absoluteFilePath();
-        app::Result<QVariantMap> preset = results::readPresetFile(path);
-        if (!preset)
-            return preset.error();
-        const QString name = preset->value(results::kPresetNameKey).toString();
-        return ChosenPreset{name.isEmpty() ? QFileInfo(path).completeBaseName() : name, *preset};
-    }
-    results::QNPresetsTable table;
-    if (const app::Status loaded = table.loadPresets(); !loaded)
-        printError({}, loaded.error().text());
-    const QString name = options.preset.empty() ? results::selectedPresetName(app::Settings()) : q(options.preset);
-    const qsizetype row = table.rowOfPreset(name);
-    if (row >= 0)
-        return ChosenPreset{name, table.items().at(row).toMap()};
-    if (const std::optional<app::Error> refused = table.refusalOf(name))
-        return *refused;
-    const QString how = QStringLiteral("choose one with --preset NAME (quillon presets list shows them)");
-    if (!options.preset.empty())
-        return app::makeError(QStringLiteral("No checkup preset is named \"%1\": %2.").arg(name, how));
-    return app::makeError(QStringLiteral("The selected checkup preset \"%1\" could not be found: it could be "
-                                         "renamed or deleted. Nothing was preflighted; %2.")
-                              .arg(name, how));
 }
 
 // The report file name of each document: "<name>_Quillon_Report.txt", numbered when an earlier
@@ -191,7 +154,7 @@ int runPreflight(const PreflightOptions& options)
     const ExpandedDocuments documents = expandDocumentSources(options.documents, "preflight");
     if (documents.failureStatus != kExitOk)
         return documents.failureStatus;
-    const app::Result<ChosenPreset> preset = choosePreset(options);
+    const app::Result<ChosenPreset> preset = choosePreset(options.preset, options.presetFile, "preflight");
     if (!preset) {
         printError({}, preset.error().text());
         return kExitFailure;

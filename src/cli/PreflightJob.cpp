@@ -3,8 +3,8 @@
 #include "app/Alerts.h"
 #include "app/Progress.h"
 #include "host/OfflineIdmlHost.h"
+#include "package/DocumentPreflight.h"
 #include "preflight/DocumentWarnings.h"
-#include "preflight/Preflight.h"
 #include "reports/PreflightResults.h"
 
 #include <QFileInfo>
@@ -54,27 +54,16 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
         return document;
     }
 
-    const preflight::PreflightFolders folders = preflight::PreflightFolders::inside(runFolder);
-    host.setWorkFolder(folders.workFolder);
     app::ScriptedAlertSink alerts; // every alert has one answer here: go on
     StatusProgress progress(statusReport);
     reports::PreflightResults results(reports::PreflightResults::fixedPreset(options.preset));
-    const preflight::PreflightRequest request{host,
-                                              host::DocumentReference::active(),
-                                              folders,
-                                              reports::PreflightResults::judgingInputsFor(options.preset),
-                                              options.linkFolders,
-                                              preflight::analyseLinksInIdml,
-                                              &cancel};
+    const package::DocumentPreflightRequest request{host, preflight::PreflightFolders::inside(runFolder),
+                                                    options.preset, options.linkFolders, &cancel};
+    host.setWorkFolder(request.folders.workFolder);
     const app::Result<preflight::PreflightOutcome> outcome =
-        preflight::preflight(request, {alerts, progress, &results});
+        package::preflightActiveDocument(request, alerts, progress, results);
     if (!outcome) {
         document.error = errorText(outcome.error(), path);
-        return document;
-    }
-    if (outcome->ended != preflight::PreflightEnding::Completed) {
-        document.error = outcome->exportError ? errorText(*outcome->exportError, path)
-                                              : QStringLiteral("the preflight was cancelled");
         return document;
     }
     document.preflighted = true;

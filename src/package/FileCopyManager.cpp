@@ -40,6 +40,12 @@ void FileCopyManager::waitUntilAllOperationsAreFinished()
     m_changed.wait(lock, [this] { return m_queue.empty(); });
 }
 
+bool FileCopyManager::waitUntilAllOperationsAreFinishedFor(std::chrono::milliseconds timeout)
+{
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, timeout, [this] { return m_queue.empty(); });
+}
+
 void FileCopyManager::cancelAllOperations()
 {
     std::lock_guard lock(m_mutex);

@@ -2,6 +2,7 @@
 
 #include "package/FileCopyOperation.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -32,6 +33,8 @@ public:
     void addOPeration(std::shared_ptr<FileCopyOperation> operation);
     int operationCount() const;
     void waitUntilAllOperationsAreFinished();
+    // The same for at most `timeout`; true when all are finished.
+    bool waitUntilAllOperationsAreFinishedFor(std::chrono::milliseconds timeout);
     // The running copy stops within a chunk and removes its partial file; the queued ones fail
     // without copying.
     void cancelAllOperations();

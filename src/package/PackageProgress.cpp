@@ -146,6 +146,13 @@ void PackageProgress::setProgr1Maximum(double maximum)
     m_bar1.maximum = maximum;
 }
 
+void PackageProgress::setProgr1Status(const QString& status, double increment)
+{
+    std::lock_guard lock(m_mutex);
+    m_bar1.status = status;
+    m_bar1.value += increment;
+}
+
 void PackageProgress::startProgr1ForDocName(const QString& docName, long indexOfCurrDoc, long numOfDocs)
 {
     std::lock_guard lock(m_mutex);

@@ -61,6 +61,8 @@ public:
     static QString formatTimeLeftFromSeconds(long seconds);
 
     void setProgr1Maximum(double maximum);
+    // Bar 1's status line, the bar moved on by `increment` (the relinking's lines).
+    void setProgr1Status(const QString& status, double increment);
     void startProgr1ForDocName(const QString& docName, long indexOfCurrDoc, long numOfDocs);
     void setProgr2ValueToStageOfSingleDoc(const QString& stageKey);
     void setProgr2MaxValue(const QString& maximum);

@@ -9,6 +9,11 @@ QVariantList PreflightedDocument::links() const
     return tmpLinkData.value(docItem.path).toMap().value(app::kGroupChildrenKey).toList();
 }
 
+QVariantList PreflightedDocument::fonts() const
+{
+    return tmpFontData.value(docItem.path).toMap().value(app::kGroupChildrenKey).toList();
+}
+
 QVariantMap PreflightedDocument::toRecord() const
 {
     return {

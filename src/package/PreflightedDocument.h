@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Result.h"
 #include "inspection/DocInfo.h"
 #include "package/FileItem.h"
 
@@ -20,9 +21,13 @@ struct PreflightedDocument {
     QVariantList finalLinkItems;
     QVariantList finalColorItems;
     QVariantList finalFontItems;
+    // What the preflight alerted to or could not read: a package of this document is not clean.
+    QList<app::Error> preflightProblems;
 
     // The link records of the document: tmpLinkData[path]["children"] (none without link data).
     QVariantList links() const;
+    // The font records of the document: tmpFontData[path]["children"].
+    QVariantList fonts() const;
     // The eight-entry record under its keys ("tmpLinkData", ..., "docItem" as the item's path).
     QVariantMap toRecord() const;
 };

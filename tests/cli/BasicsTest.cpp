@@ -33,7 +33,7 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         const char* named; // what the line must name
     } cases[] = {
         {{"--no-such-option"}, "--no-such-option"},
-        {{"frob"}, "unknown command 'frob'; commands: links, presets, info, preflight, inspect, metadata"},
+        {{"frob"}, "unknown command 'frob'; commands: links, presets, info, preflight, package, inspect, metadata"},
         {{"presets", "frob"}, "quillon presets: unknown command 'frob'; commands: list, show"},
         {{"preflight"}, "no documents to process: give IDML files, folders or --files-from"},
         {{"preflight", "--jobs", "0", "a.idml"}, "--jobs: Value 0 not in range 1 to 64"},
@@ -44,6 +44,8 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         {{"preflight", "a.idml", "--preset"}, "--preset"},
         {{"links"}, "no documents to process"},
         {{"links", "--search-links", "9", "a.idml"}, "--search-links: Value 9 not in range 0 to 8"},
+        {{"package", "a.idml"}, "--to is required"},
+        {{"package", "a.idml", "--to", dir, "--separate", "--no-links"}, "--separate needs the links collected"},
         {{"links", "--format", "xml", "a.idml"}, "--format"},
         {{"links", "--links-dir", dir + "/none", "a.idml"}, "--links-dir"},
         {{"info", "--format", "xml", "a.idml"}, "--format"},
