@@ -7,6 +7,12 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QLocale>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <vector>
 
 namespace quillon::cli {
 
@@ -18,16 +24,6 @@ bool isPictureKey(const QString& key)
     return key == results::kAlertKey || key == results::kAlertNameKey || key == results::kIconKey ||
            key == results::kStatusImgKey || key == results::kBadFolderKey || key == results::kTypeIconKey ||
            key == results::kStatusIconKey;
-}
-
-// A number shown as text ("72", "62.5"), or null when the text says it is not known ("-", "?").
-QJsonValue numberOrNull(const QVariant& value)
-{
-    if (value.typeId() != QMetaType::QString)
-        return value.canConvert<double>() && value.isValid() ? QJsonValue(value.toDouble()) : QJsonValue();
-    bool ok = false;
-    const double number = value.toString().trimmed().toDouble(&ok);
-    return ok ? QJsonValue(number) : QJsonValue();
 }
 
 QJsonValue dateJson(const QDateTime& date)
@@ -78,62 +74,317 @@ QJsonObject jsonFileEntry(const QString& path, const QStringList& warnings, cons
     return entry;
 }
 
-QJsonValue jsonValue(const QVariant& value)
+namespace {
+
+// The text of values as QJsonDocument's indented form writes them, straight into `out`: records
+// are many, and a JSON tree made and printed for each costs more than the rest of the output.
+void appendText(std::string& out, QStringView text)
+{
+    static constexpr char kHex[] = "0123456789abcdef";
+    out += '"';
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i].unicode();
+        if (unit >= 0x80) {
+            const bool pair = QChar::isHighSurrogate(unit) && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+            if (QChar::isSurrogate(unit) && !pair) {
+                // A lone half of a pair is not UTF-8: it is written escaped.
+                out += "\\u";
+                for (int shift = 12; shift >= 0; shift -= 4)
+                    out += kHex[(unit >> shift) & 0xf];
+                continue;
+            }
+            const QByteArray utf8 = text.mid(i, pair ? 2 : 1).toUtf8();
+            out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
+            i += pair ? 1 : 0;
+            continue;
+        }
+        switch (unit) {
+        case u'"':
+            out += "\\\"";
+            break;
+        case u'\\':
+            out += "\\\\";
+            break;
+        case u'\b':
+            out += "\\b";
+            break;
+        case u'\f':
+            out += "\\f";
+            break;
+        case u'\n':
+            out += "\\n";
+            break;
+        case u'\r':
+            out += "\\r";
+            break;
+        case u'\t':
+            out += "\\t";
+            break;
+        default:
+            if (unit < 0x20) {
+                out += "\\u00";
+                out += kHex[unit >> 4];
+                out += kHex[unit & 0xf];
+            } else {
+                out += static_cast<char>(unit);
+            }
+        }
+    }
+    out += '"';
+}
+
+void appendNumber(std::string& out, double number)
+{
+    if (!std::isfinite(number)) {
+        out += "null"; // JSON has no infinities
+        return;
+    }
+    const QByteArray text = QByteArray::number(number, 'g', QLocale::FloatingPointShortest);
+    out.append(text.constData(), static_cast<size_t>(text.size()));
+}
+
+void appendInteger(std::string& out, qint64 number)
+{
+    out += std::to_string(number);
+}
+
+void appendIndent(std::string& out, int depth)
+{
+    out.append(static_cast<size_t>(depth) * 4, ' ');
+}
+
+// An object or array written member by member at `depth`: "{\n", the members a level deeper,
+// separated by ",\n", then the closing bracket on a line of its own.
+class Container {
+public:
+    Container(std::string& out, int depth, char open) : m_out(out), m_depth(depth), m_close(open == '{' ? '}' : ']')
+    {
+        m_out += open;
+        m_out += '\n';
+    }
+    ~Container()
+    {
+        if (!m_empty)
+            m_out += '\n';
+        appendIndent(m_out, m_depth);
+        m_out += m_close;
+    }
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+
+    // Begins the next array item.
+    void item()
+    {
+        m_out += m_empty ? "" : ",\n";
+        m_empty = false;
+        appendIndent(m_out, m_depth + 1);
+    }
+    // Begins the next member: its key and the colon.
+    void member(QStringView key)
+    {
+        item();
+        appendText(m_out, key);
+        m_out += ": ";
+    }
+
+private:
+    std::string& m_out;
+    int m_depth;
+    char m_close;
+    bool m_empty = true;
+};
+
+// A record value: numbers as numbers, booleans as booleans, dates as ISO-8601 text in UTC, data as
+// base64 text, lists and dictionaries as arrays and objects.
+void appendValue(std::string& out, const QVariant& value, int depth)
 {
     switch (value.typeId()) {
     case QMetaType::QString:
-        return value.toString();
+        appendText(out, value.toString());
+        break;
     case QMetaType::Bool:
-        return value.toBool();
+        out += value.toBool() ? "true" : "false";
+        break;
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::Long:
     case QMetaType::LongLong:
     case QMetaType::Short:
     case QMetaType::UShort:
-        return value.toLongLong();
+        appendInteger(out, value.toLongLong());
+        break;
     case QMetaType::ULong:
     case QMetaType::ULongLong:
-        return static_cast<double>(value.toULongLong());
+        appendNumber(out, static_cast<double>(value.toULongLong()));
+        break;
     case QMetaType::Double:
     case QMetaType::Float:
-        return value.toDouble();
-    case QMetaType::QDateTime:
-        return dateJson(value.toDateTime());
+        appendNumber(out, value.toDouble());
+        break;
+    case QMetaType::QDateTime: {
+        const QDateTime date = value.toDateTime();
+        if (date.isValid())
+            appendText(out, date.toUTC().toString(Qt::ISODate));
+        else
+            out += "null";
+        break;
+    }
     case QMetaType::QByteArray:
-        return QString::fromLatin1(value.toByteArray().toBase64());
+        appendText(out, QString::fromLatin1(value.toByteArray().toBase64()));
+        break;
     case QMetaType::QVariantMap: {
-        QJsonObject object;
         const QVariantMap map = value.toMap();
-        for (auto it = map.cbegin(); it != map.cend(); ++it)
-            object.insert(it.key(), jsonValue(it.value()));
-        return object;
+        Container object(out, depth, '{');
+        for (auto it = map.cbegin(); it != map.cend(); ++it) {
+            object.member(it.key());
+            appendValue(out, it.value(), depth + 1);
+        }
+        break;
     }
     case QMetaType::QVariantList:
     case QMetaType::QStringList: {
-        QJsonArray array;
-        for (const QVariant& item : value.toList())
-            array.append(jsonValue(item));
-        return array;
+        Container array(out, depth, '[');
+        for (const QVariant& item : value.toList()) {
+            array.item();
+            appendValue(out, item, depth + 1);
+        }
+        break;
     }
     case QMetaType::UnknownType:
-        return QJsonValue();
+        out += "null";
+        break;
     default:
-        return value.toString();
+        appendText(out, value.toString());
     }
 }
 
-QJsonArray alertsJson(const QVariant& alerts)
+// A record's "alerts" (attribute key -> text or texts) as [{"rule": key, "text": text}, ...].
+void appendAlerts(std::string& out, const QVariant& alerts, int depth)
 {
-    QJsonArray array;
+    Container array(out, depth, '[');
     const QVariantMap map = alerts.toMap();
     for (auto it = map.cbegin(); it != map.cend(); ++it) {
         const QStringList texts =
             it.value().typeId() == QMetaType::QString ? QStringList{it.value().toString()} : it.value().toStringList();
-        for (const QString& text : texts)
-            array.append(QJsonObject{{QStringLiteral("rule"), it.key()}, {QStringLiteral("text"), text}});
+        for (const QString& text : texts) {
+            array.item();
+            Container alert(out, depth + 1, '{');
+            alert.member(u"rule");
+            appendText(out, it.key());
+            alert.member(u"text");
+            appendText(out, text);
+        }
     }
-    return array;
+}
+
+// A number shown as text ("72", "62.5"), or null when the text says it is not known ("-", "?").
+void appendNumberOrNull(std::string& out, const QVariant& value)
+{
+    bool ok = false;
+    double number = 0;
+    if (value.typeId() != QMetaType::QString) {
+        ok = value.canConvert<double>() && value.isValid();
+        number = ok ? value.toDouble() : 0;
+    } else {
+        number = value.toString().trimmed().toDouble(&ok);
+    }
+    if (ok)
+        appendNumber(out, number);
+    else
+        out += "null";
+}
+
+std::string numberOrNullText(const QVariant& value)
+{
+    std::string text;
+    appendNumberOrNull(text, value);
+    return text;
+}
+
+// The text of one JSON value parsed back, for the callers that want a JSON tree.
+QJsonValue parsedValue(const std::string& text)
+{
+    const QByteArray array = "[" + QByteArray::fromStdString(text) + "]";
+    return QJsonDocument::fromJson(array).array().at(0);
+}
+
+} // namespace
+
+QJsonValue jsonValue(const QVariant& value)
+{
+    std::string text;
+    appendValue(text, value, 0);
+    return parsedValue(text);
+}
+
+QJsonArray alertsJson(const QVariant& alerts)
+{
+    std::string text;
+    appendAlerts(text, alerts, 0);
+    return parsedValue(text).toArray();
+}
+
+void appendRecordJson(std::string& out, const QVariantMap& record, RecordKind kind, int depth)
+{
+    enum class Written { Value, Alerts, NumberOrNull };
+    struct Member {
+        QStringView key;
+        Written as;
+        const QVariant* value;
+    };
+    static const QVariant kNoAlerts;
+    static const QVariant kNoValue;
+    static const QString kNumberKeys[] = {QStringLiteral("actualPpi"), QStringLiteral("effectivePpi"),
+                                          QStringLiteral("horizontalScale"), QStringLiteral("verticalScale")};
+    const QString* numberSources[] = {&links::kLinkActualResKey, &links::kLinkEffectiveResKey, &links::kLinkHorScaleKey,
+                                      &links::kLinkVertScaleKey};
+    const bool isLink = kind == RecordKind::Link;
+    const auto isNumberKey = [&](const QString& key) {
+        return isLink && std::find(std::begin(kNumberKeys), std::end(kNumberKeys), key) != std::end(kNumberKeys);
+    };
+
+    std::vector<Member> members;
+    members.reserve(static_cast<size_t>(record.size()) + 5);
+    bool hasAlerts = false;
+    for (auto it = record.cbegin(); it != record.cend(); ++it) {
+        if (isPictureKey(it.key()) || isNumberKey(it.key()))
+            continue;
+        const bool alerts = it.key() == results::kAlertsKey;
+        hasAlerts = hasAlerts || alerts;
+        members.push_back({it.key(), alerts ? Written::Alerts : Written::Value, &it.value()});
+    }
+    if (!hasAlerts)
+        members.push_back({results::kAlertsKey, Written::Alerts, &kNoAlerts});
+    if (isLink)
+        for (size_t i = 0; i < std::size(kNumberKeys); ++i) {
+            const auto found = record.constFind(*numberSources[i]);
+            members.push_back({kNumberKeys[i], Written::NumberOrNull, found == record.cend() ? &kNoValue : &*found});
+        }
+    // In key order, as a JSON object keeps its members.
+    std::sort(members.begin(), members.end(), [](const Member& a, const Member& b) { return a.key < b.key; });
+
+    Container object(out, depth, '{');
+    for (const Member& member : members) {
+        object.member(member.key);
+        switch (member.as) {
+        case Written::Value:
+            appendValue(out, *member.value, depth + 1);
+            break;
+        case Written::Alerts:
+            appendAlerts(out, *member.value, depth + 1);
+            break;
+        case Written::NumberOrNull:
+            appendNumberOrNull(out, *member.value);
+            break;
+        }
+    }
+}
+
+QJsonObject linkJson(const QVariantMap& record)
+{
+    std::string text;
+    appendRecordJson(text, record, RecordKind::Link, 0);
+    return parsedValue(text).toObject();
 }
 
 QJsonObject documentInfoJson(const inspection::QNDocInfo& info)
@@ -148,7 +399,7 @@ QJsonObject documentInfoJson(const inspection::QNDocInfo& info)
         {inspection::kDocInfoDocNameKey, info.docName()},
         {inspection::kDocInfoDocPathKey, info.docPath()},
         {inspection::kDocInfoNumberOfPagesKey, info.numberOfPagesStr()},
-        {QStringLiteral("numberOfPages"), numberOrNull(info.numberOfPagesStr())},
+        {QStringLiteral("numberOfPages"), parsedValue(numberOrNullText(info.numberOfPagesStr()))},
         {inspection::kDocInfoInDesignVersionKey, info.InDesignVersion()},
         {inspection::kDocInfoFileSizeKey, info.fileSizeStr()},
         {QStringLiteral("fileSize"), static_cast<double>(info.fileSize())},
@@ -165,34 +416,6 @@ QJsonObject documentInfoJson(const inspection::QNDocInfo& info)
         {QStringLiteral("pageSizeStr"), info.pageSizeStr()},
         {QStringLiteral("pageSizes"), sizes},
     };
-}
-
-QJsonObject recordJson(const QVariantMap& record)
-{
-    QJsonObject object;
-    for (auto it = record.cbegin(); it != record.cend(); ++it) {
-        if (isPictureKey(it.key()))
-            continue;
-        if (it.key() == results::kAlertsKey)
-            object.insert(it.key(), alertsJson(it.value()));
-        else if (it.value().typeId() == QMetaType::QString)
-            object.insert(it.key(), it.value().toString());
-        else
-            object.insert(it.key(), jsonValue(it.value()));
-    }
-    if (!object.contains(results::kAlertsKey))
-        object.insert(results::kAlertsKey, QJsonArray());
-    return object;
-}
-
-QJsonObject linkJson(const QVariantMap& record)
-{
-    QJsonObject object = recordJson(record);
-    object.insert(QStringLiteral("actualPpi"), numberOrNull(record.value(links::kLinkActualResKey)));
-    object.insert(QStringLiteral("effectivePpi"), numberOrNull(record.value(links::kLinkEffectiveResKey)));
-    object.insert(QStringLiteral("horizontalScale"), numberOrNull(record.value(links::kLinkHorScaleKey)));
-    object.insert(QStringLiteral("verticalScale"), numberOrNull(record.value(links::kLinkVertScaleKey)));
-    return object;
 }
 
 void appendJson(std::string& out, const QJsonValue& value, int depth)

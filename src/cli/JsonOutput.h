@@ -38,11 +38,14 @@ QJsonArray alertsJson(const QVariant& alerts);
 // count, file size in bytes, ISO-8601 dates, page sizes, bleed and slug in points).
 QJsonObject documentInfoJson(const inspection::QNDocInfo& info);
 
-// A font or colour record, judged or not, without the keys that only name pictures; "alerts"
-// always an array.
-QJsonObject recordJson(const QVariantMap& record);
-// A link record the same way, with the numbers beside the texts they are shown as ("actualPpi",
-// "effectivePpi", "horizontalScale", "verticalScale"; null when not known).
+enum class RecordKind { FontOrColor, Link };
+// Appends a record, judged or not, as indented JSON text, its lines after the first indented
+// `depth` levels further: without the keys that only name pictures, "alerts" always an array, and
+// for a link the numbers beside the texts they are shown as ("actualPpi", "effectivePpi",
+// "horizontalScale", "verticalScale"; null when not known). Written straight from the record,
+// as QJsonDocument would write it: a JSON tree for each of 200,000 links costs more than the rest.
+void appendRecordJson(std::string& out, const QVariantMap& record, RecordKind kind, int depth);
+// A link record the same way, as a JSON object.
 QJsonObject linkJson(const QVariantMap& record);
 
 // Appends `value` as QJsonDocument's indented form writes it, its lines after the first indented

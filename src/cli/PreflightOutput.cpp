@@ -59,19 +59,18 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
 {
     // The record lists are written one record at a time: as one JSON tree, or one text, 200,000
     // links cost gigabytes.
-    using RecordJson = QJsonObject (*)(const QVariantMap&);
     struct RecordList {
         const QVariantList* rows = nullptr;
-        RecordJson toJson = nullptr;
+        RecordKind kind = RecordKind::FontOrColor;
     };
     const QJsonObject small = documentJson(document);
     std::map<QString, RecordList> members;
     for (auto it = small.constBegin(); it != small.constEnd(); ++it)
         members.emplace(it.key(), RecordList{});
     if (document.preflighted) {
-        members.emplace(QStringLiteral("links"), RecordList{&document.links, &linkJson});
-        members.emplace(QStringLiteral("fonts"), RecordList{&document.fonts, &recordJson});
-        members.emplace(QStringLiteral("colors"), RecordList{&document.colors, &recordJson});
+        members.emplace(QStringLiteral("links"), RecordList{&document.links, RecordKind::Link});
+        members.emplace(QStringLiteral("fonts"), RecordList{&document.fonts, RecordKind::FontOrColor});
+        members.emplace(QStringLiteral("colors"), RecordList{&document.colors, RecordKind::FontOrColor});
     }
 
     std::string out = indentation(depth) + "{\n";
@@ -96,7 +95,7 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
         out += records.isEmpty() ? "[" : "[\n";
         for (qsizetype i = 0; i < records.size(); ++i) {
             out += indentation(depth + 2);
-            appendJson(out, list.toJson(records.at(i).toMap()), depth + 2);
+            appendRecordJson(out, records.at(i).toMap(), list.kind, depth + 2);
             out += i + 1 < records.size() ? ",\n" : "\n";
             flush(1 << 16);
         }

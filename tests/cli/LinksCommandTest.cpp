@@ -97,4 +97,14 @@ TEST(CliLinks, ControlCharactersInNamesReachTheTerminalEscaped)
     // JSON keeps the name, escaped as JSON escapes it.
     const auto json = runQuillon({QStringLiteral("info"), QStringLiteral("--format"), QStringLiteral("json"), hostile});
     EXPECT_EQ(jsonEntries(json.out)[0].toObject().value(QStringLiteral("path")).toString(), hostile);
+    // The preflight writes its records' text itself: the name in each link record comes back whole.
+    const QString withLinks = hostile + QStringLiteral(" links.idml");
+    ASSERT_TRUE(QFile::copy(samplePath(QStringLiteral("idml/tripple.idml")), withLinks));
+    const auto preflight =
+        runQuillon({QStringLiteral("preflight"), QStringLiteral("--format"), QStringLiteral("json"), withLinks});
+    EXPECT_TRUE(preflight.out.contains("a\\u001b]0;owned\\u0007")) << preflight.out.toStdString();
+    const QJsonArray links = jsonEntries(preflight.out)[0].toObject().value(QStringLiteral("links")).toArray();
+    ASSERT_FALSE(links.isEmpty());
+    for (const QJsonValue& link : links)
+        EXPECT_EQ(link.toObject().value(QStringLiteral("docPath")).toString(), withLinks);
 }
