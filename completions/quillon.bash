@@ -33,18 +33,18 @@ _quillon()
             return ;;
     esac
 
-    local options="--help"
+    local options="--help" output="--output --quiet"
     case $command in
         "") COMPREPLY=($(compgen -W "$commands --help --version" -- "$cur")); return ;;
-        info) options+=" --format --recursive --files-from" ;;
-        links) options+=" --format --recursive --files-from --links-dir --search-links" ;;
-        preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items --output --quiet" ;;
+        info) options+=" --format --recursive --files-from $output" ;;
+        links) options+=" --format --recursive --files-from --links-dir --search-links $output" ;;
+        preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items $output" ;;
         package) options+=" --to --separate --name --name-suffix --no-links --no-fonts --links-in-doc-folder --no-relink --idml --pdf --text-report --overwrite --extra --extras-folder --links-dir --preset --preset-file" ;;
-        inspect) options+=" --format" ;;
+        inspect|metadata) options+=" --format $output" ;;
         presets)
             if [[ -z $sub ]]; then COMPREPLY=($(compgen -W "$presets --help" -- "$cur")); return; fi
             case $sub in
-                show) options+=" --format" ;;
+                list|show) options+=" --format $output" ;;
                 set) options+=" --add-font-rule --remove-font-rule --add-link-rule --remove-link-rule" ;;
                 new) options+=" --from" ;;
                 export|import) options+=" --replace --keep-both" ;;

@@ -5,6 +5,7 @@
 #include "cli/Interruption.h"
 #include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
+#include "cli/OutputFile.h"
 #include "cli/TerminalText.h"
 #include "host/OfflineIdmlHost.h"
 #include "idml/IdmlDocument.h"
@@ -57,7 +58,7 @@ QString orDash(const QString& text)
     return text.isEmpty() ? QStringLiteral("-") : text;
 }
 
-void printText(const DocumentFacts& facts)
+void printText(std::ostream& out, const DocumentFacts& facts)
 {
     const QNDocInfo& info = facts.info;
     const QList<std::pair<const char*, QString>> lines{
@@ -74,10 +75,10 @@ void printText(const DocumentFacts& facts)
         {"Bleed", info.bleedStr()},
         {"Slug", info.slugStr()},
     };
-    std::cout << printableText(info.docName()) << '\n';
+    out << printableText(info.docName()) << '\n';
     for (const auto& [label, value] : lines)
-        std::cout << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << printableText(value)
-                  << '\n';
+        out << "  " << (QString::fromLatin1(label) + u':').leftJustified(11).toStdString() << printableText(value)
+            << '\n';
 }
 
 // The document's entry: the document information with the record's link count and HFS path.
@@ -93,7 +94,7 @@ QJsonObject jsonFacts(const QString& path, const DocumentFacts& facts)
     return object;
 }
 
-int runInfo(const DocumentSources& sources, const std::string& format)
+int runInfo(const DocumentSources& sources, const std::string& format, const ResultStream& out)
 {
     const ExpandedDocuments documents = expandDocumentSources(sources, "info");
     if (documents.failureStatus != kExitOk)
@@ -117,7 +118,7 @@ int runInfo(const DocumentSources& sources, const std::string& format)
                 array.append(jsonFileEntry(path, {}, facts.error().text()));
             continue;
         }
-        for (const QString& warning : preflight::warningTexts(facts->warnings))
+        for (const QString& warning : out.quiet ? QStringList() : preflight::warningTexts(facts->warnings))
             std::cerr << "quillon info: " << path.toStdString() << ": warning: " << warning.toStdString() << '\n';
         if (!facts->warnings.isEmpty() && status == kExitOk)
             status = kExitAlerts;
@@ -125,16 +126,16 @@ int runInfo(const DocumentSources& sources, const std::string& format)
             array.append(jsonFacts(path, *facts));
         } else {
             if (!first)
-                std::cout << '\n';
-            printText(*facts);
-            std::cout << std::flush;
+                out.stream << '\n';
+            printText(out.stream, *facts);
+            out.stream << std::flush;
         }
         first = false;
     }
     if (json) {
         QJsonObject envelope = jsonEnvelope(QStringLiteral("info"));
         envelope.insert(QStringLiteral("documents"), array);
-        std::cout << jsonText(envelope).toStdString();
+        out.stream << jsonText(envelope).toStdString();
     }
     return status;
 }
@@ -146,6 +147,7 @@ void addInfoCommand(CLI::App& program, std::vector<Command>& commands)
     struct Options {
         DocumentSources documents;
         std::string format = "text";
+        OutputOptions output;
     };
     auto options = std::make_shared<Options>();
     CLI::App* info = program.add_subcommand(
@@ -153,7 +155,12 @@ void addInfoCommand(CLI::App& program, std::vector<Command>& commands)
                 "dates, units, page size, bleed, slug).");
     addDocumentSourceOptions(*info, options->documents);
     info->add_option("--format", options->format, "text (the default) or json")->check(CLI::IsMember({"text", "json"}));
-    commands.push_back({info, [options] { return runInfo(options->documents, options->format); }});
+    addOutputOptions(*info, options->output);
+    commands.push_back({info, [options] {
+                            return runWithOutput(options->output, "info", [&](const ResultStream& out) {
+                                return runInfo(options->documents, options->format, out);
+                            });
+                        }});
 }
 
 } // namespace quillon::cli

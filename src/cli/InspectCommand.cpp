@@ -2,6 +2,7 @@
 
 #include "app/RegularFile.h"
 #include "cli/JsonOutput.h"
+#include "cli/OutputFile.h"
 #include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 
@@ -21,6 +22,7 @@ using fileinspect::FileFacts;
 struct InspectOptions {
     std::vector<std::string> files;
     std::string format = "text";
+    OutputOptions output;
 };
 
 QString listText(const QString& count, const QStringList& items)
@@ -75,7 +77,7 @@ QJsonObject factsJson(const FileFacts& facts)
     return entry;
 }
 
-int runInspect(const InspectOptions& options)
+int runInspect(const InspectOptions& options, const ResultStream& out)
 {
     QStringList paths;
     for (const std::string& file : options.files)
@@ -92,22 +94,23 @@ int runInspect(const InspectOptions& options)
         if (options.format == "json")
             records.append(factsJson(facts));
         else if (facts.error.isEmpty())
-            std::cout << printableLinesText(factsText(facts)) << "\n";
+            out.stream << printableLinesText(factsText(facts)) << "\n";
     }
     if (options.format == "json") {
         QJsonObject envelope = jsonEnvelope(QStringLiteral("inspect"));
         envelope.insert(QStringLiteral("files"), records);
-        std::cout << jsonText(envelope).toStdString();
+        out.stream << jsonText(envelope).toStdString();
     }
     return failed ? kExitFailure : kExitOk;
 }
 
 } // namespace
 
-void addFormatOption(CLI::App* command, std::string& format)
+void addFormatOptions(CLI::App* command, std::string& format, OutputOptions& output)
 {
     command->add_option("--format", format, "Output: text (the default) or json")
         ->check(CLI::IsMember({"text", "json"}));
+    addOutputOptions(*command, output);
 }
 
 void addInspectCommand(CLI::App& program, std::vector<Command>& commands)
@@ -117,8 +120,11 @@ void addInspectCommand(CLI::App& program, std::vector<Command>& commands)
         "inspect", "Show what the linked-file readers find in files: kind, colour mode, ICC profile, duotone inks, "
                    "spot colours and fonts, Illustrator colour model and version, TIFF compression, pixel size.");
     command->add_option("files", options->files, "Files to inspect")->required();
-    addFormatOption(command, options->format);
-    commands.push_back({command, [options] { return runInspect(*options); }});
+    addFormatOptions(command, options->format, options->output);
+    commands.push_back({command, [options] {
+                            return runWithOutput(options->output, "inspect",
+                                                 [&](const ResultStream& out) { return runInspect(*options, out); });
+                        }});
 }
 
 } // namespace quillon::cli

@@ -12,7 +12,9 @@ void addInspectCommand(CLI::App& program, std::vector<Command>& commands);
 // `quillon metadata FILE`: the image-metadata rows of a file, or the page size of a PDF.
 void addMetadataCommand(CLI::App& program, std::vector<Command>& commands);
 
-// The "--format text|json" option of both.
-void addFormatOption(CLI::App* command, std::string& format);
+struct OutputOptions;
+
+// The "--format text|json", --output and --quiet options of both.
+void addFormatOptions(CLI::App* command, std::string& format, OutputOptions& output);
 
 } // namespace quillon::cli

@@ -5,6 +5,7 @@
 #include "cli/Interruption.h"
 #include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
+#include "cli/OutputFile.h"
 #include "cli/TerminalText.h"
 #include "idml/IdmlDocument.h"
 
@@ -30,6 +31,7 @@ struct LinksOptions {
     std::vector<std::string> linkFolders;
     int searchDepth = 0;
     std::string format = "table";
+    OutputOptions output;
 };
 
 // Pads or cuts a text to a column width (by characters, which is what a terminal shows for the
@@ -40,11 +42,10 @@ QString cell(const QString& text, int width)
     return shown.size() > width ? shown.left(width - 1) + u'…' : shown.leftJustified(width);
 }
 
-void printTable(const QString& docPath, const QVariantList& records)
+void printTable(std::ostream& out, const QString& docPath, const QVariantList& records)
 {
     using namespace links;
-    std::cout << printableText(docPath) << "  (" << records.size() << (records.size() == 1 ? " link)" : " links)")
-              << "\n";
+    out << printableText(docPath) << "  (" << records.size() << (records.size() == 1 ? " link)" : " links)") << "\n";
     struct Column {
         const QString* key;
         const char* title;
@@ -59,17 +60,17 @@ void printTable(const QString& docPath, const QVariantList& records)
     QString line;
     for (const Column& column : columns)
         line += cell(QLatin1String(column.title), column.width) + u' ';
-    std::cout << "  " << line.trimmed().toStdString() << "\n";
+    out << "  " << line.trimmed().toStdString() << "\n";
     for (const QVariant& item : records) {
         const QVariantMap record = item.toMap();
         line.clear();
         for (const Column& column : columns)
             line += cell(record.value(*column.key).toString(), column.width) + u' ';
-        std::cout << "  " << line.trimmed().toStdString() << "\n";
+        out << "  " << line.trimmed().toStdString() << "\n";
     }
 }
 
-int runLinks(const LinksOptions& options)
+int runLinks(const LinksOptions& options, const ResultStream& out)
 {
     const ExpandedDocuments documentPaths = expandDocumentSources(options.documents, "links");
     if (documentPaths.failureStatus != kExitOk)
@@ -106,7 +107,7 @@ int runLinks(const LinksOptions& options)
             warnings << app::makeError(linkSearchCappedWarning(path));
         preflight::addWarningsOnce(warnings, processor.warnings());
         const QStringList warningLines = preflight::warningTexts(warnings);
-        for (const QString& warning : warningLines)
+        for (const QString& warning : out.quiet ? QStringList() : warningLines)
             std::cerr << "quillon links: " << printableText(docPath + QStringLiteral(": warning: ") + warning) << "\n";
         bool alerted = !warnings.isEmpty();
         for (const QVariant& record : records) {
@@ -123,8 +124,8 @@ int runLinks(const LinksOptions& options)
             entry.insert(QStringLiteral("links"), links);
             documents.append(entry);
         } else {
-            printTable(docPath, records);
-            std::cout << std::flush;
+            printTable(out.stream, docPath, records);
+            out.stream << std::flush;
         }
     }
     if (json) {
@@ -132,7 +133,7 @@ int runLinks(const LinksOptions& options)
         QJsonObject envelope = jsonEnvelope(QStringLiteral("links"));
         envelope.insert(QStringLiteral("documents"), std::move(documents));
         const QByteArray text = jsonText(envelope);
-        std::cout.write(text.constData(), text.size());
+        out.stream.write(text.constData(), text.size());
     }
     return status;
 }
@@ -154,7 +155,11 @@ void addLinksCommand(CLI::App& program, std::vector<Command>& commands)
         ->allow_extra_args(false);
     links->add_option("--format", options->format, "Output: table (default) or json")
         ->check(CLI::IsMember({"table", "json"}));
-    commands.push_back({links, [options] { return runLinks(*options); }});
+    addOutputOptions(*links, options->output);
+    commands.push_back({links, [options] {
+                            return runWithOutput(options->output, "links",
+                                                 [&](const ResultStream& out) { return runLinks(*options, out); });
+                        }});
 }
 
 } // namespace quillon::cli

@@ -3,6 +3,7 @@
 #include "app/Numbers.h"
 #include "app/RegularFile.h"
 #include "cli/JsonOutput.h"
+#include "cli/OutputFile.h"
 #include "cli/TerminalText.h"
 #include "fileinspect/FileFacts.h"
 #include "fileinspect/PXMetadataController.h"
@@ -25,6 +26,7 @@ using namespace fileinspect::metadatakeys;
 struct MetadataOptions {
     std::string file;
     std::string format = "text";
+    OutputOptions output;
 };
 
 // A PDF has no image metadata; its rows are its first page's size, in points and in the
@@ -47,17 +49,17 @@ app::Result<QVariantList> pdfRows(fileinspect::PXMetadataController& controller,
     };
 }
 
-int runMetadata(const MetadataOptions& options)
+int runMetadata(const MetadataOptions& options, std::ostream& out)
 {
     const QString path = app::pathFromLocalBytes(options.file);
     const bool json = options.format == "json";
-    const auto printJson = [&path](const QJsonArray& rows, const QString& error) {
+    const auto printJson = [&path, &out](const QJsonArray& rows, const QString& error) {
         QJsonObject entry = jsonFileEntry(path, {}, error);
         if (error.isEmpty())
             entry.insert(QStringLiteral("rows"), rows);
         QJsonObject envelope = jsonEnvelope(QStringLiteral("metadata"));
         envelope.insert(QStringLiteral("files"), QJsonArray{entry});
-        std::cout << jsonText(envelope).toStdString();
+        out << jsonText(envelope).toStdString();
     };
     const auto fail = [&](const app::Error& error) {
         std::cerr << "quillon metadata: " << printableText(error.text()) << "\n";
@@ -91,10 +93,10 @@ int runMetadata(const MetadataOptions& options)
     for (const QVariant& value : rows) {
         const QVariantMap row = value.toMap();
         if (fileinspect::isMetadataHeaderRow(row))
-            std::cout << "[" << printableText(row.value(kTag).toString()) << "]\n";
+            out << "[" << printableText(row.value(kTag).toString()) << "]\n";
         else
-            std::cout << "  " << printableText(row.value(kTag).toString()) << ": "
-                      << printableText(fileinspect::metadataValueText(row.value(kValue))) << "\n";
+            out << "  " << printableText(row.value(kTag).toString()) << ": "
+                << printableText(fileinspect::metadataValueText(row.value(kValue))) << "\n";
     }
     return kExitOk;
 }
@@ -108,8 +110,12 @@ void addMetadataCommand(CLI::App& program, std::vector<Command>& commands)
         "metadata", "Show a file's image metadata (EXIF, TIFF, IPTC, GPS) as the metadata viewer lists it, or the "
                     "page size of a PDF.");
     command->add_option("file", options->file, "Image or PDF file")->required();
-    addFormatOption(command, options->format);
-    commands.push_back({command, [options] { return runMetadata(*options); }});
+    addFormatOptions(command, options->format, options->output);
+    commands.push_back({command, [options] {
+                            return runWithOutput(options->output, "metadata", [&](const ResultStream& out) {
+                                return runMetadata(*options, out.stream);
+                            });
+                        }});
 }
 
 } // namespace quillon::cli

@@ -1,8 +1,13 @@
 #include "cli/OutputFile.h"
 
 #include "app/RegularFile.h"
+#include "cli/Commands.h"
 #include "cli/Interruption.h"
+#include "cli/TerminalText.h"
 
+#include <QFileInfo>
+
+#include <iostream>
 #include <ostream>
 #include <streambuf>
 #include <vector>
@@ -58,6 +63,34 @@ OutputRun runIntoFile(const QString& path, const std::function<int(std::ostream&
         return app::Status();
     });
     return result;
+}
+
+void addOutputOptions(CLI::App& command, OutputOptions& options)
+{
+    command
+        .add_option("--output", options.file,
+                    "Write the results in the chosen format to this file (replaced when it exists, and only by a "
+                    "complete output); a summary, where the command has one, still goes to the terminal")
+        ->check(nonEmpty("a file name"));
+    command.add_flag("--quiet", options.quiet, "Print nothing but errors (the exit status still tells the result)");
+}
+
+int runWithOutput(const OutputOptions& options, const char* command,
+                  const std::function<int(const ResultStream& out)>& run)
+{
+    if (options.file.empty()) {
+        std::ostream discard(nullptr); // --quiet: the results go nowhere
+        return run({options.quiet ? discard : std::cout, false, options.quiet});
+    }
+    const QString path = QFileInfo(app::pathFromLocalBytes(options.file)).absoluteFilePath();
+    const OutputRun done = runIntoFile(path, [&](std::ostream& stream) { return run({stream, true, options.quiet}); });
+    if (Interruption::requested())
+        return Interruption::exitStatus();
+    if (!done.written) {
+        std::cerr << "quillon " << command << ": " << printableText(done.written.error().text()) << std::endl;
+        return kExitFailure;
+    }
+    return done.status;
 }
 
 } // namespace quillon::cli

@@ -42,11 +42,10 @@ struct PreflightOptions {
     std::string format = "summary";
     std::string reportDir;
     std::vector<std::string> linkDirs;
-    std::string output;
+    OutputOptions output;
     int jobs = 0;
     std::optional<int> maxItems;
     bool overwrite = false;
-    bool quiet = false;
 };
 
 QString q(const std::string& text)
@@ -181,22 +180,10 @@ int runPreflight(const PreflightOptions& options)
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
     jobOptions.printParaStyles = app::Settings().boolForKey(QStringLiteral("printParas"), false);
 
-    if (options.output.empty()) {
-        std::ostream discard(nullptr); // --quiet: the results go nowhere
+    return runWithOutput(options.output, "preflight", [&](const ResultStream& out) {
         return preflightAll(options, documents.paths, *preset, jobOptions, reportDir,
-                            {options.quiet ? &discard : &std::cout, false, options.quiet});
-    }
-    const QString outputPath = QFileInfo(q(options.output)).absoluteFilePath();
-    const OutputRun run = runIntoFile(outputPath, [&](std::ostream& stream) {
-        return preflightAll(options, documents.paths, *preset, jobOptions, reportDir, {&stream, true, options.quiet});
+                            {&out.stream, out.toFile, out.quiet});
     });
-    if (Interruption::requested())
-        return Interruption::exitStatus();
-    if (!run.written) {
-        printError({}, run.written.error().text());
-        return kExitFailure;
-    }
-    return run.status;
 }
 
 } // namespace
@@ -243,12 +230,7 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
                      "Lines per list in the summary: files or items with alerts beyond N are counted in "
                      "\"… and K more\" (default: all)")
         ->check(CLI::NonNegativeNumber);
-    preflight
-        ->add_option("--output", options->output,
-                     "Write the results in the chosen format to this file (replaced when it exists, and only by a "
-                     "complete output); the summary still goes to the terminal")
-        ->check(nonEmpty("a file name"));
-    preflight->add_flag("--quiet", options->quiet, "Print nothing but errors (the exit status still tells the result)");
+    addOutputOptions(*preflight, options->output);
     commands.push_back({preflight, [options] { return runPreflight(*options); }});
 }
 

@@ -1,6 +1,7 @@
 #include "cli/PresetEdits.h"
 
 #include "results/ColorResults.h"
+#include "results/DocumentChecks.h"
 #include "results/FontRuleTable.h"
 #include "results/LinkRuleTable.h"
 #include "results/PresetKeys.h"
@@ -77,6 +78,72 @@ Setter colorBox(const QString& key)
     };
 }
 
+// A document check, "Document.<key>": `parse` gives what the value stores in the preset's "Document"
+// dictionary; an empty value removes the key, which turns the check off.
+Setter documentCheck(const QString& key, const std::function<app::Result<QVariantMap>(const QString&)>& parse)
+{
+    return [key, parse](rs::PresetEditorState& state, const QString& value) -> app::Status {
+        QVariantMap checks = state.documentChecks.value_or(QVariantMap());
+        if (value.isEmpty()) {
+            checks.remove(key);
+        } else {
+            const app::Result<QVariantMap> stored = parse(value);
+            if (!stored)
+                return stored.error();
+            checks.insert(*stored);
+        }
+        state.documentChecks = checks;
+        return {};
+    };
+}
+
+Setter documentLength(const QString& key)
+{
+    return documentCheck(key, [key](const QString& value) -> app::Result<QVariantMap> {
+        const std::optional<rs::DocumentLength> length = rs::documentLengthOfText(value);
+        if (!length)
+            return app::makeError(
+                QStringLiteral("a length with its unit (%1), such as 3mm; nothing turns the check off")
+                    .arg(rs::documentUnitNames().join(QStringLiteral(", "))));
+        return QVariantMap{{key, length->points}, {rs::kDocUnitKey, length->unit}};
+    });
+}
+
+Setter documentPageCount(const QString& key)
+{
+    return documentCheck(key, [key](const QString& value) -> app::Result<QVariantMap> {
+        bool ok = false;
+        const qint64 pages = value.trimmed().toLongLong(&ok);
+        if (!ok || pages < 0 || pages > 1000000000)
+            return app::makeError(QStringLiteral("a page count (0 or more); nothing turns the check off"));
+        return QVariantMap{{key, pages}};
+    });
+}
+
+Setter documentState(const QString& key)
+{
+    return documentCheck(key, [key](const QString& value) -> app::Result<QVariantMap> {
+        const app::Result<int> checked = onOff(value);
+        if (!checked)
+            return checked.error();
+        return QVariantMap{{key, *checked}};
+    });
+}
+
+Setter documentUnit()
+{
+    return documentCheck(rs::kDocUnitKey, [](const QString& value) -> app::Result<QVariantMap> {
+        if (!rs::documentUnitNames().contains(value))
+            return app::makeError(rs::documentUnitNames().join(QStringLiteral(", ")));
+        return QVariantMap{{rs::kDocUnitKey, value}};
+    });
+}
+
+QString documentKey(const QString& key)
+{
+    return rs::kPresetDocumentKey + u'.' + key;
+}
+
 const QList<SettingKey>& settingKeys()
 {
     using S = rs::PresetEditorState;
@@ -99,6 +166,13 @@ const QList<SettingKey>& settingKeys()
         };
         for (const rs::QNColorRules::CheckBox& box : rs::QNColorRules::keysForButtonTitles())
             list.append({box.key, colorBox(box.key)});
+        for (const QString& key : {rs::kDocMinBleedKey, rs::kDocMinSlugKey, rs::kDocPageWidthKey, rs::kDocPageHeightKey,
+                                   rs::kDocPageSizeToleranceKey})
+            list.append({documentKey(key), documentLength(key)});
+        for (const QString& key : {rs::kDocMinPagesKey, rs::kDocMaxPagesKey})
+            list.append({documentKey(key), documentPageCount(key)});
+        list.append({documentKey(rs::kDocSamePageSizeKey), documentState(rs::kDocSamePageSizeKey)});
+        list.append({documentKey(rs::kDocUnitKey), documentUnit()});
         return list;
     }();
     return keys;

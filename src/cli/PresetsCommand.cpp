@@ -5,6 +5,8 @@
 #include "app/Company.h"
 #include "app/NumericText.h"
 #include "app/Settings.h"
+#include "cli/JsonOutput.h"
+#include "cli/OutputFile.h"
 #include "cli/PresetEdits.h"
 #include "cli/TerminalText.h"
 #include "results/ColorResults.h"
@@ -15,7 +17,7 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonDocument>
+#include <QJsonArray>
 #include <QJsonObject>
 
 #include <iostream>
@@ -98,6 +100,7 @@ struct PresetsOptions {
     std::string folder;
     std::vector<std::string> files;
     std::string format = "text";
+    OutputOptions output;
     PresetEdits edits;
     bool replace = false;
     bool keepBoth = false;
@@ -113,14 +116,14 @@ QString q(const std::string& s)
     return QString::fromStdString(s);
 }
 
-// Loads the presets; a failure to write the default and the preset files left out are reported
-// but do not stop the command.
-rs::QNPresetsTable loadTable()
+// Loads the presets; a failure to write the default and the preset files left out (unless `quiet`)
+// are reported but do not stop the command.
+rs::QNPresetsTable loadTable(bool quiet = false)
 {
     rs::QNPresetsTable table;
     if (const app::Status loaded = table.loadPresets(); !loaded)
         std::cerr << printableText(loaded.error().text()) << std::endl;
-    for (const app::Error& refused : table.refusedFiles())
+    for (const app::Error& refused : quiet ? QList<app::Error>() : table.refusedFiles())
         std::cerr << "warning: preset left out: " << printableText(refused.text()) << std::endl;
     return table;
 }
@@ -138,15 +141,15 @@ std::string onOff(int state)
     return state ? "on" : "off";
 }
 
-void printRules(const QVariantList& rules)
+void printRules(std::ostream& out, const QVariantList& rules)
 {
     if (rules.isEmpty())
-        std::cout << "  (no rules)\n";
+        out << "  (no rules)\n";
     for (const QVariant& entry : rules) {
         const QVariantMap rule = entry.toMap();
-        std::cout << "  " << printableText(rule.value(rs::kRuleAttributeKey).toString()) << " "
-                  << printableText(rule.value(rs::kRuleConditionKey).toString()) << " \""
-                  << printableText(rule.value(rs::kRuleValueKey).toString()) << "\"\n";
+        out << "  " << printableText(rule.value(rs::kRuleAttributeKey).toString()) << " "
+            << printableText(rule.value(rs::kRuleConditionKey).toString()) << " \""
+            << printableText(rule.value(rs::kRuleValueKey).toString()) << "\"\n";
     }
 }
 
@@ -167,45 +170,73 @@ std::string resolutionRange(const QString& below, const QString& above)
            (high > 0 ? std::to_string(high) : std::string("-")) + " dpi";
 }
 
-// The preset as its file holds it, in the envelope of the machine-readable outputs.
-void printPresetJson(const QVariantMap& preset)
+// A preset's entry: its name, its file (null until it is written), whether it is the current
+// one, and what its file holds.
+QJsonObject presetJson(const rs::QNPresetsTable& table, qsizetype row)
 {
-    const QJsonObject envelope{{QStringLiteral("format"), 1},
-                               {QStringLiteral("preset"), QJsonObject::fromVariantMap(preset)}};
-    std::cout << QJsonDocument(envelope).toJson(QJsonDocument::Indented).toStdString();
+    const QVariantMap preset = table.items().at(row).toMap();
+    const QString name = preset.value(rs::kPresetNameKey).toString();
+    const QString file = table.presetFilePath(name);
+    return {{QStringLiteral("name"), name},
+            {QStringLiteral("file"), QFileInfo::exists(file) ? QJsonValue(file) : QJsonValue()},
+            {QStringLiteral("current"), name == rs::selectedPresetName(app::Settings())},
+            {QStringLiteral("preset"), jsonValue(preset)}};
 }
 
-int showPreset(const QString& name, bool json)
+void printPresetsJson(std::ostream& out, const rs::QNPresetsTable& table, const QList<qsizetype>& rows)
 {
-    rs::QNPresetsTable table = loadTable();
+    QJsonArray entries;
+    for (const qsizetype row : rows)
+        entries.append(presetJson(table, row));
+    QJsonObject envelope = jsonEnvelope(QStringLiteral("presets"));
+    envelope.insert(QStringLiteral("presets"), entries);
+    out << jsonText(envelope).toStdString();
+}
+
+int listPresets(std::ostream& out, bool json, bool quiet)
+{
+    const rs::QNPresetsTable table = loadTable(quiet);
+    QList<qsizetype> rows;
+    for (qsizetype row = 0; row < table.items().size(); ++row)
+        rows << row;
+    if (json)
+        printPresetsJson(out, table, rows);
+    else
+        for (const QString& name : table.presetNames())
+            out << printableText(name) << "\n";
+    return table.refusedFiles().isEmpty() ? kExitOk : kExitAlerts;
+}
+
+int showPreset(std::ostream& out, const QString& name, bool json, bool quiet)
+{
+    rs::QNPresetsTable table = loadTable(quiet);
     const qsizetype row = findPreset(table, name);
     if (row < 0)
         return kExitFailure;
     if (json) {
-        printPresetJson(table.items().at(row).toMap());
+        printPresetsJson(out, table, {row});
         return kExitOk;
     }
     const rs::PresetEditorState p = table.selectRow(row);
     const QString file = table.presetFilePath(name);
-    std::cout << "Preset: " << printableText(name) << "\n"
-              << "File: " << (QFileInfo::exists(file) ? printableText(file) : std::string("(not written yet)"))
-              << "\n\nFonts\n";
-    printRules(p.fontRules);
-    std::cout << "  PDF embedding check box: " << onOff(p.embedBtn) << "\n\nLinks\n";
-    printRules(p.linkRules);
-    std::cout << "  Size below: " << sizeLimit(p.sizeBelowField, p.sizeBelowUnits) << "\n"
-              << "  Size above: " << sizeLimit(p.sizeAboveField, p.sizeAboveUnits) << "\n"
-              << "  Effective resolution: " << resolutionRange(p.resBelowField, p.resAboveField) << "\n"
-              << "  Effective resolution, Black and White: " << resolutionRange(p.resBWBelowField, p.resBWAboveField)
-              << "\n"
-              << "  Fonts in EPS and Illustrator files: "
-              << (p.fontsEpsBtn ? (p.fontsEpsMtrx == 0 ? "any fonts" : "embedded fonts") : "off") << "\n"
-              << "  Non-proportional scale: " << onOff(p.scaledNonPropBtn) << "\n"
-              << "  Non-printing: " << onOff(p.nonPrintBtn) << "\n\nColors\n";
+    out << "Preset: " << printableText(name) << "\n"
+        << "File: " << (QFileInfo::exists(file) ? printableText(file) : std::string("(not written yet)"))
+        << "\n\nFonts\n";
+    printRules(out, p.fontRules);
+    out << "  PDF embedding check box: " << onOff(p.embedBtn) << "\n\nLinks\n";
+    printRules(out, p.linkRules);
+    out << "  Size below: " << sizeLimit(p.sizeBelowField, p.sizeBelowUnits) << "\n"
+        << "  Size above: " << sizeLimit(p.sizeAboveField, p.sizeAboveUnits) << "\n"
+        << "  Effective resolution: " << resolutionRange(p.resBelowField, p.resAboveField) << "\n"
+        << "  Effective resolution, Black and White: " << resolutionRange(p.resBWBelowField, p.resBWAboveField) << "\n"
+        << "  Fonts in EPS and Illustrator files: "
+        << (p.fontsEpsBtn ? (p.fontsEpsMtrx == 0 ? "any fonts" : "embedded fonts") : "off") << "\n"
+        << "  Non-proportional scale: " << onOff(p.scaledNonPropBtn) << "\n"
+        << "  Non-printing: " << onOff(p.nonPrintBtn) << "\n\nColors\n";
     rs::QNColorRules colors;
     colors.loadPresetData(p.colorRules);
     for (const auto& box : rs::QNColorRules::keysForButtonTitles())
-        std::cout << "  " << box.title.toStdString() << ": " << onOff(colors.stateForTitle(box.title)) << "\n";
+        out << "  " << box.title.toStdString() << ": " << onOff(colors.stateForTitle(box.title)) << "\n";
     return kExitOk;
 }
 
@@ -268,8 +299,13 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
     CLI::App* list = presets->add_subcommand("list", "List the presets, \"[Default]\" first");
     CLI::App* show = presets->add_subcommand("show", "Show the rules of a preset");
     show->add_option("NAME", options->name, "Preset name")->required();
-    show->add_option("--format", options->format, "text (the default) or json (the preset file's keys and values)")
-        ->check(CLI::IsMember({"text", "json"}));
+    for (CLI::App* sub : {list, show}) {
+        sub->add_option("--format", options->format,
+                        "text (the default) or json (each preset's name, file, whether it is the current one, and "
+                        "its file's keys and values)")
+            ->check(CLI::IsMember({"text", "json"}));
+        addOutputOptions(*sub, options->output);
+    }
     CLI::App* use = presets->add_subcommand("use", "Make a preset the current one, used when no --preset is given");
     use->add_option("NAME", options->name, "Preset name")->required();
     CLI::App* set = presets->add_subcommand(
@@ -279,7 +315,9 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
     set->add_option(
         "KEY=VALUE", options->edits.assignments,
         "Settings: " + presetSettingKeys().join(u' ').toStdString() +
-            ". Sizes and resolutions take a number (empty: off), units KB, MB or GB, check boxes on or off");
+            ". Sizes and resolutions take a number (empty: off), units KB, MB or GB, check boxes on or off; "
+            "the Document lengths a number with its unit (3mm, 0.125in, 8.5pt; empty: off), which the alerts "
+            "are shown in");
     const auto ruleOption = [set](const char* name, std::vector<std::string>& rules, const char* what) {
         set->add_option(name, rules, what)->expected(3)->type_name("ATTRIBUTE CONDITION VALUE");
     };
@@ -307,14 +345,15 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
 
     commands.push_back({presets, [=]() -> int {
                             TerminalAlerts alerts(options->conflictChoice());
-                            if (list->parsed()) {
-                                const rs::QNPresetsTable table = loadTable();
-                                for (const QString& name : table.presetNames())
-                                    std::cout << printableText(name) << "\n";
-                                return table.refusedFiles().isEmpty() ? kExitOk : kExitAlerts;
-                            }
+                            const bool json = options->format == "json";
+                            if (list->parsed())
+                                return runWithOutput(options->output, "presets list", [&](const ResultStream& out) {
+                                    return listPresets(out.stream, json, out.quiet);
+                                });
                             if (show->parsed())
-                                return showPreset(q(options->name), options->format == "json");
+                                return runWithOutput(options->output, "presets show", [&](const ResultStream& out) {
+                                    return showPreset(out.stream, q(options->name), json, out.quiet);
+                                });
                             if (use->parsed()) {
                                 rs::QNPresetsTable table = loadTable();
                                 if (findPreset(table, q(options->name)) < 0)

@@ -198,6 +198,30 @@ void checkPageCount(CheckReader& reader, const inspection::QNDocInfo& info, Docu
 
 } // namespace
 
+std::optional<DocumentLength> documentLengthOfText(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    for (const Unit& unit : kUnits) {
+        if (!trimmed.endsWith(unit.name))
+            continue;
+        bool ok = false;
+        const double number = trimmed.chopped(unit.name.size()).trimmed().toDouble(&ok);
+        if (!ok || !std::isfinite(number) || number < 0)
+            return std::nullopt;
+        // Five decimals keep a round trip through the unit exact to far below the noise of lengths.
+        return DocumentLength{std::round(number / unit.perPoint * 1e5) / 1e5, unit.name};
+    }
+    return std::nullopt;
+}
+
+QStringList documentUnitNames()
+{
+    QStringList names;
+    for (const Unit& unit : kUnits)
+        names << unit.name;
+    return names;
+}
+
 DocumentJudgement judgeDocument(const QVariantMap& checks, const inspection::QNDocInfo& info)
 {
     DocumentJudgement judgement;

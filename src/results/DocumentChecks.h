@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+
 namespace quillon::results {
 
 // One alert of the document checks: the preset key of the rule it broke and what was measured
@@ -24,6 +26,17 @@ struct DocumentJudgement {
     // does not give. Never a silent pass.
     QStringList warnings;
 };
+
+// A length as the checks store it: points, with the unit the user gave it in, which the alerts
+// are then shown in. "3mm", "3 mm", "0.125in", "8.5pt", "1cm"; nothing for text without a unit, a
+// negative or an unreadable number.
+struct DocumentLength {
+    double points = 0;
+    QString unit;
+};
+std::optional<DocumentLength> documentLengthOfText(const QString& text);
+// "pt", "mm", "cm", "in".
+QStringList documentUnitNames();
 
 // Judges the document information by a checkup preset's "Document" dictionary.
 DocumentJudgement judgeDocument(const QVariantMap& checks, const inspection::QNDocInfo& info);

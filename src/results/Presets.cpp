@@ -220,6 +220,8 @@ PresetEditorState QNPresetsTable::loadSelectedPreset() const
     state.fontRules = fonts.value(kConditionsKey).toList();
     state.embedBtn = app::intValueOf(fonts.value(kFontsEmbedBtnKey));
     state.colorRules = preset.value(kPresetColorsKey).toMap();
+    if (preset.contains(kPresetDocumentKey))
+        state.documentChecks = preset.value(kPresetDocumentKey).toMap();
     return state;
 }
 
@@ -270,6 +272,8 @@ app::Status QNPresetsTable::writeCurrPreset(const PresetEditorState& shown)
     fonts.insert(kFontsEmbedBtnKey, shown.embedBtn);
     preset.insert(kPresetFontsKey, fonts);
     preset.insert(kPresetColorsKey, shown.colorRules);
+    if (shown.documentChecks)
+        preset.insert(kPresetDocumentKey, *shown.documentChecks);
 
     m_items[m_selectedRow] = preset;
     return writePreset(preset);

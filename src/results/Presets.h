@@ -75,6 +75,9 @@ struct PresetEditorState {
     QVariantList fontRules;
     int embedBtn = 0;
     QVariantMap colorRules;
+    // The "Document" checks, which the window does not edit: written back only when set, so that a
+    // state made without them leaves the preset's as they are.
+    std::optional<QVariantMap> documentChecks;
 };
 
 // The main window's presets pop-up, as far as the presets table changes it.

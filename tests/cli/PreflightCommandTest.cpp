@@ -121,27 +121,55 @@ TEST_F(PreflightCommand, EverySampleInEveryCommandFollowsTheSchema)
         EXPECT_FALSE(quillon::test::schemaViolations(QByteArray(run.out).replace(from, to)).isEmpty()) << to;
 }
 
-TEST_F(PreflightCommand, OutputGoesToTheNamedFileAndQuietPrintsOnlyErrors)
+// Every command that prints results writes them to the file of --output instead, the same bytes
+// with the same exit status; --quiet prints nothing; a file that cannot be made stops the command
+// before it does anything, with status 2.
+TEST_F(PreflightCommand, EveryCommandWritesToTheNamedFileAndQuietPrintsOnlyErrors)
 {
     const QString interview = samplePath(QStringLiteral("idml/interview.idml"));
+    const QString image = samplePath(QStringLiteral("jpeg/GPS.jpg"));
     const QString file = m_out.filePath(QStringLiteral("result.json"));
-    quillon::test::writeAll(file, "an earlier result");
-    const CliRun plain = preflight({interview});
-    CliRun run =
-        preflight({interview, QStringLiteral("--format"), QStringLiteral("json"), QStringLiteral("--output"), file});
-    EXPECT_EQ(run.exitCode, plain.exitCode) << run.err.toStdString();
-    EXPECT_EQ(run.out, plain.out) << "the summary still goes to the terminal";
-    EXPECT_EQ(quillon::test::jsonEntries(quillon::test::readAll(file)).size(), 1);
-    EXPECT_EQ(QDir(m_out.path()).entryList(QDir::Files), (QStringList{QStringLiteral("result.json")}));
+    const QStringList json{QStringLiteral("--format"), QStringLiteral("json")};
+    const QList<QStringList> commands{
+        QStringList{QStringLiteral("preflight"), interview} + json,
+        QStringList{QStringLiteral("info"), interview} + json,
+        QStringList{QStringLiteral("links"), interview, QStringLiteral("/gone.idml")} + json,
+        QStringList{QStringLiteral("inspect"), image} + json,
+        QStringList{QStringLiteral("metadata"), image},
+        QStringList{QStringLiteral("presets"), QStringLiteral("show"), QStringLiteral("[Default]")} + json,
+        QStringList{QStringLiteral("presets"), QStringLiteral("list")},
+    };
+    for (const QStringList& command : commands) {
+        const std::string name = command.join(u' ').toStdString();
+        quillon::test::writeAll(file, "an earlier result");
+        const CliRun plain = runQuillon(command, environment());
+        CliRun run = runQuillon(command + QStringList{QStringLiteral("--output"), file}, environment());
+        EXPECT_EQ(run.exitCode, plain.exitCode) << name << run.err.toStdString();
+        EXPECT_EQ(quillon::test::readAll(file), plain.out) << name;
+        EXPECT_EQ(run.err, plain.err) << name;
+        EXPECT_EQ(QDir(m_out.path()).entryList(QDir::Files), (QStringList{QStringLiteral("result.json")})) << name;
+        if (command.first() != QLatin1String("preflight")) {
+            EXPECT_TRUE(run.out.isEmpty()) << name << run.out.toStdString();
+        }
 
-    run = preflight({interview, QStringLiteral("--quiet")});
-    EXPECT_EQ(run.exitCode, plain.exitCode);
-    EXPECT_TRUE(run.out.isEmpty() && run.err.isEmpty()) << run.out.toStdString() << run.err.toStdString();
-    const QString gone = m_out.filePath(QStringLiteral("gone.idml"));
-    run = preflight(
-        {gone, QStringLiteral("--quiet"), QStringLiteral("--output"), m_out.filePath(QStringLiteral("no/x.json"))});
-    EXPECT_EQ(run.exitCode, 2);
-    EXPECT_TRUE(run.err.contains("no/x.json: cannot be written")) << run.err.toStdString();
+        run = runQuillon(command + QStringList{QStringLiteral("--quiet")}, environment());
+        EXPECT_EQ(run.exitCode, plain.exitCode) << name;
+        EXPECT_TRUE(run.out.isEmpty()) << name << run.out.toStdString();
+        EXPECT_EQ(run.err.isEmpty(), plain.exitCode != 2) << name << run.err.toStdString();
+
+        // Only the refusal is said: the documents were never read.
+        run = runQuillon(command + QStringList{QStringLiteral("--quiet"), QStringLiteral("--output"),
+                                               m_out.filePath(QStringLiteral("no/x.json"))},
+                         environment());
+        EXPECT_EQ(run.exitCode, 2) << name;
+        EXPECT_TRUE(run.err.contains("no/x.json: cannot be written") && run.err.count('\n') == 1)
+            << name << run.err.toStdString();
+    }
+    // The preflight's summary still reaches the terminal.
+    EXPECT_EQ(
+        preflight({interview, QStringLiteral("--format"), QStringLiteral("json"), QStringLiteral("--output"), file})
+            .out,
+        preflight({interview}).out);
 }
 
 TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)

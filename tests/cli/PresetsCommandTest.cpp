@@ -1,4 +1,5 @@
 #include "CliRunner.h"
+#include "JsonSchema.h"
 
 #include "app/PropertyList.h"
 #include "app/Settings.h"
@@ -188,17 +189,26 @@ TEST_F(PresetsCommand, UseSetAndShowAsJson)
     ASSERT_EQ(presets({QStringLiteral("use"), name}).exitCode, 0);
     EXPECT_EQ(userSettings().value(QStringLiteral("selectedPreset")).toString(), name);
 
-    CliRun run = presets({QStringLiteral("set"), name, QStringLiteral("resBelowField=150"),
-                          QStringLiteral("sizeAboveField=1.5"), QStringLiteral("RGB=on"),
-                          QStringLiteral("--remove-font-rule"), QStringLiteral("Status"), QStringLiteral("is"),
-                          QStringLiteral("Missing"), QStringLiteral("--add-font-rule"), QStringLiteral("Type"),
-                          QStringLiteral("is"), QStringLiteral("TrueType"), QStringLiteral("--add-link-rule"),
-                          QStringLiteral("Kind"), QStringLiteral("contains"), QStringLiteral("EPS")});
+    CliRun run =
+        presets(QStringLiteral("set|New Preset 1|resBelowField=150|sizeAboveField=1.5|RGB=on|Document.minBleed=3mm|"
+                               "Document.samePageSize=on|Document.maxPages=1|Document.minSlug=0.5in|Document.minSlug=|"
+                               "--remove-font-rule|Status|is|Missing|--add-font-rule|Type|is|TrueType|"
+                               "--add-link-rule|Kind|contains|EPS")
+                    .split(u'|'));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     run = presets({QStringLiteral("show"), name, QStringLiteral("--format"), QStringLiteral("json")});
-    const QJsonObject shown = QJsonDocument::fromJson(run.out).object();
-    EXPECT_EQ(shown.value(QStringLiteral("format")).toInt(), 1);
-    const QJsonObject preset = shown.value(QStringLiteral("preset")).toObject();
+    EXPECT_EQ(schemaViolations(run.out), QString()) << run.out.toStdString();
+    const QJsonArray shown = QJsonDocument::fromJson(run.out).object().value(QStringLiteral("presets")).toArray();
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown[0].toObject().value(QStringLiteral("file")).toString(), presetFile(name));
+    EXPECT_TRUE(shown[0].toObject().value(QStringLiteral("current")).toBool());
+    const QJsonObject preset = shown[0].toObject().value(QStringLiteral("preset")).toObject();
+    // Points with the unit last given; an empty value takes the check out.
+    EXPECT_EQ(preset.value(QStringLiteral("Document")).toObject(),
+              (QJsonObject{{QStringLiteral("minBleed"), 8.50394},
+                           {QStringLiteral("samePageSize"), 1},
+                           {QStringLiteral("maxPages"), 1},
+                           {QStringLiteral("unit"), QStringLiteral("in")}}));
     const QJsonObject links = preset.value(QStringLiteral("Links")).toObject();
     EXPECT_EQ(links.value(QStringLiteral("resBelowField")).toString(), QStringLiteral("150"));
     EXPECT_EQ(links.value(QStringLiteral("sizeAboveBytes")).toInteger(), 1572864) << "bytes follow the field";
@@ -226,6 +236,12 @@ TEST_F(PresetsCommand, UseSetAndShowAsJson)
         {name, QStringLiteral("--add-link-rule"), QStringLiteral("Size"), QStringLiteral("is"), QStringLiteral("big")},
         {name, QStringLiteral("--remove-link-rule"), QStringLiteral("Kind"), QStringLiteral("contains"),
          QStringLiteral("PSD")},
+        {name, QStringLiteral("Document.minBleed=3")},
+        {name, QStringLiteral("Document.minBleed=-3mm")},
+        {name, QStringLiteral("Document.pageWidth=210 px")},
+        {name, QStringLiteral("Document.maxPages=1.5")},
+        {name, QStringLiteral("Document.unit=px")},
+        {name, QStringLiteral("Document.bleed=3mm")},
     };
     for (const QStringList& arguments : refused) {
         run = presets(QStringList{QStringLiteral("set")} + arguments);
@@ -235,6 +251,48 @@ TEST_F(PresetsCommand, UseSetAndShowAsJson)
     EXPECT_EQ(readAll(presetFile(name)), before);
     EXPECT_EQ(readAll(presetFile(QStringLiteral("[Default]"))), defaultBefore);
     EXPECT_EQ(QDir(m_presets).entryList(QDir::Files | QDir::Hidden).size(), 2);
+
+    // The list holds every preset, the current one marked.
+    run = presets({QStringLiteral("list"), QStringLiteral("--format"), QStringLiteral("json")});
+    EXPECT_EQ(schemaViolations(run.out), QString()) << run.out.toStdString();
+    const QJsonArray listed = QJsonDocument::fromJson(run.out).object().value(QStringLiteral("presets")).toArray();
+    ASSERT_EQ(listed.size(), 2);
+    EXPECT_EQ(listed[0].toObject().value(QStringLiteral("name")).toString(), QStringLiteral("[Default]"));
+    EXPECT_FALSE(listed[0].toObject().value(QStringLiteral("current")).toBool());
+    EXPECT_EQ(listed[1].toObject().value(QStringLiteral("preset")).toObject(), preset);
+}
+
+// Document checks set here raise alerts in the preflight's JSON on real samples, and clear on a
+// document that meets them.
+TEST_F(PresetsCommand, DocumentChecksRaiseAlertsInThePreflightsJson)
+{
+    ASSERT_EQ(presets({QStringLiteral("new")}).exitCode, 0);
+    ASSERT_EQ(presets({QStringLiteral("set"), QStringLiteral("New Preset 1"), QStringLiteral("Document.minBleed=3mm"),
+                       QStringLiteral("Document.samePageSize=on")})
+                  .exitCode,
+              0);
+    const QList<std::pair<const char*, QStringList>> expected{
+        {"idml/parser.idml", {}},
+        {"idml/manual_template_example_mixed_ink.idml", {QStringLiteral("minBleed: Bleed 0 mm < 3 mm")}},
+        {"idml/Minimalist Magazine Layout (link without StoredState).idml",
+         {QStringLiteral("samePageSize: Mixed page sizes: 210 x 297 mm (30 pages), 215.9 x 279.4 mm (30 pages)")}},
+    };
+    for (const auto& [sample, alerts] : expected) {
+        const CliRun run =
+            runQuillon({QStringLiteral("preflight"), samplePath(QLatin1String(sample)), QStringLiteral("--preset"),
+                        QStringLiteral("New Preset 1"), QStringLiteral("--format"), QStringLiteral("json")});
+        const QJsonArray documents = jsonEntries(run.out);
+        ASSERT_EQ(documents.size(), 1) << sample;
+        const QJsonObject document = documents[0].toObject();
+        QStringList shown;
+        for (const QJsonValue& alert :
+             document.value(QStringLiteral("document")).toObject().value(QStringLiteral("alerts")).toArray())
+            shown << alert[QStringLiteral("rule")].toString() + QStringLiteral(": ") +
+                         alert[QStringLiteral("text")].toString();
+        EXPECT_EQ(shown, alerts) << sample;
+        EXPECT_EQ(document.value(QStringLiteral("counts"))[QStringLiteral("document")].toInt(), alerts.size())
+            << sample;
+    }
 }
 
 } // namespace

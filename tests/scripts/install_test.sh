@@ -30,5 +30,22 @@ got=$(complete_words quillon preflight --search)
 for command in $("$prefix/bin/quillon" --help | sed -n '/^Subcommands:/,/^$/p' | awk 'NR > 1 && /^  [a-z]/ {print $1}'); do
     [[ " $(complete_words quillon '') " == *" $command "* ]] || fail "command $command is not completed"
 done
+# Every long option each command's --help lists is completed by bash, and named in the zsh
+# completion and the manual page.
+subcommands() { "$prefix/bin/quillon" "$@" --help | sed -n '/^Subcommands:/,/^$/p' | awk 'NR > 1 && /^  [a-z]/ {print $1}'; }
+targets=()
+for command in $(subcommands); do
+    nested=$(subcommands "$command")
+    if [[ -z $nested ]]; then targets+=("$command"); else for sub in $nested; do targets+=("$command $sub"); done; fi
+done
+for target in "${targets[@]}"; do
+    offered=" $(complete_words quillon $target --)"
+    for option in $("$prefix/bin/quillon" $target --help | sed -n '/^Options:/,/^$/p' | grep -oE '^  (-[a-zA-Z],)?--[a-z-]+' | sed 's/.*,//'); do
+        [[ $offered == *" $option "* ]] || fail "the bash completion of '$target' lacks $option"
+        [[ $option == --help ]] && continue
+        grep -qE -- "(^|[^a-z-])$option([^a-z-]|\$)" "$source/completions/_quillon" || fail "the zsh completion lacks $option"
+        grep -qF -- "${option//-/\\-}" "$source/docs/quillon.1" || fail "the manual page lacks $option"
+    done
+done
 grep -q '^\.TH QUILLON 1' "$source/docs/quillon.1" || fail "manual page header"
 echo "install test passed"
