@@ -105,6 +105,11 @@ public:
     // failures among them.
     QList<app::Error> waitForDeliveries();
 
+    // Copies a package folder into a hot folder under its own name, under a hidden name first so
+    // that the taker never sees it half copied; a folder of that name already there is never
+    // replaced.
+    static app::Status copyToHotFolder(const QString& folder, const QString& hotFolder);
+
 private:
     struct Choice {
         QString appName;
@@ -113,7 +118,6 @@ private:
     };
     Choice storedChoice() const;
     app::Status send(const Choice& choice, const QString& folder);
-    app::Status copyToHotFolder(const QString& folder, const QString& hotFolder);
 
     app::Settings& m_settings;
     app::AlertSink& m_alerts;
