@@ -149,13 +149,14 @@ QJsonObject packageJson(const package::PackageOutcome& outcome, const QList<pack
 {
     QJsonArray fontsNotCopied;
     for (const package::FontNotCopied& font : outcome.fontsNotCopied)
-        fontsNotCopied.append(QJsonObject{{QStringLiteral("name"), font.name}, {QStringLiteral("reason"), font.reason}});
+        fontsNotCopied.append(
+            QJsonObject{{QStringLiteral("name"), font.name}, {QStringLiteral("reason"), font.reason}});
     QList<app::Error> warnings = outcome.warnings;
     for (const package::PreflightedDocument& document : documents)
         warnings += document.preflightProblems;
     const char* ended = outcome.ended == package::PackageEnding::Completed ? "completed"
                         : outcome.ended == package::PackageEnding::Stopped ? "stopped"
-                                                                            : "cancelled";
+                                                                           : "cancelled";
     return QJsonObject{{QStringLiteral("ended"), QLatin1String(ended)},
                        {QStringLiteral("folders"), QJsonArray::fromStringList(outcome.packageFolders)},
                        {QStringLiteral("documents"), QJsonArray::fromStringList(outcome.pathsOfPackagedDocs)},
@@ -217,7 +218,8 @@ int runPackage(const PackageOptions& options)
         }
         linkFolders << folder.absoluteFilePath();
     }
-    const QString hotFolder = options.hotFolder.empty() ? QString() : QFileInfo(q(options.hotFolder)).absoluteFilePath();
+    const QString hotFolder =
+        options.hotFolder.empty() ? QString() : QFileInfo(q(options.hotFolder)).absoluteFilePath();
     if (!hotFolder.isEmpty() && !QFileInfo(hotFolder).isDir()) {
         printError(hotFolder, QStringLiteral("--hot-folder needs a folder, and there is none here"));
         return kExitFailure;
@@ -368,8 +370,9 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
         ->allow_extra_args(false);
     package->add_flag("--no-manifest", options->noManifest,
                       "Do not write package-manifest.json (the file list with SHA-256 that quillon verify checks)");
-    package->add_option("--hot-folder", options->hotFolder,
-                        "Hand each finished package folder to this hot folder (copied in under its own name)")
+    package
+        ->add_option("--hot-folder", options->hotFolder,
+                     "Hand each finished package folder to this hot folder (copied in under its own name)")
         ->check(nonEmpty("a folder name"));
     package->add_option("--format", options->format, "Output: text (default) or json")
         ->check(CLI::IsMember({"text", "json"}));

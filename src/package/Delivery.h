@@ -24,7 +24,6 @@ namespace quillon::package {
 inline const app::SettingKey kSelectedDestinationSetting{"selectedDestination", QString()};
 inline const app::SettingKey kDeliveryAppNameSetting{"deliveryAppName", QString()};
 inline const app::SettingKey kDestinationHotFolderSetting{"destinationHotFolder", QString()};
-inline const app::SettingKey kEnableDeliverySetting{"enableDelivery", false};
 
 // The two delivery applications, and the bundle identifiers scripts address them by.
 inline constexpr const char* kRelayonName = "Relayon";

@@ -203,7 +203,7 @@ Result<CopiedFile> copyRegular(const QString& source, const QString& destination
     copied.warnings = keepFileMetadata(in->descriptor(), copy.fd(), info);
     if (hash)
         copied.sha256 = hash->result().toHex();
-    if (struct stat placed {}; ::fstat(copy.fd(), &placed) == 0)
+    if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
         copied.stamp = fileStamp(placed);
     if (!copy.close())
         return writeError(destination, errno);
@@ -228,7 +228,7 @@ Result<CopiedFile> copyLink(const QString& source, const QString& destination, T
     copied.warnings = keepLinkMetadata(from, copy.path(), info);
     if (options.sha256)
         copied.sha256 = QCryptographicHash::hash(target, QCryptographicHash::Sha256).toHex();
-    if (struct stat placed {}; ::lstat(copy.path().constData(), &placed) == 0)
+    if (struct stat placed{}; ::lstat(copy.path().constData(), &placed) == 0)
         copied.stamp = fileStamp(placed);
     return copied;
 }

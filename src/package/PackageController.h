@@ -167,7 +167,7 @@ private:
     QStringList m_foldersMadeByRun; // package folders that were not there before the run
     QSet<QString> m_fontsCopied;
     QSet<QString> m_fontsNotCopied;
-    CopiedFileRecords m_copies;               // what the copies hashed, by the copy's path
+    CopiedFileRecords m_copies; // what the copies hashed, by the copy's path
     QList<ManifestDocument> m_packagedDocuments;
     int m_indexOfCurrDocInBatch = 0;
 };

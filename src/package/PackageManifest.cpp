@@ -12,6 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
+#include <QTimeZone>
 
 #include <cerrno>
 #include <vector>
@@ -85,7 +86,7 @@ app::Result<QByteArray> sha256OfFile(const QString& path, const struct stat& inf
 QString isoTime(const struct stat& info)
 {
     const qint64 ms = qint64(info.st_mtim.tv_sec) * 1000 + info.st_mtim.tv_nsec / 1'000'000;
-    return QDateTime::fromMSecsSinceEpoch(ms, QTimeZone::UTC).toString(Qt::ISODateWithMs);
+    return QDateTime::fromMSecsSinceEpoch(ms, QTimeZone::utc()).toString(Qt::ISODateWithMs);
 }
 
 // Hashes the files for which `needed` is true, several at once; a file that cannot be read leaves
@@ -111,8 +112,8 @@ app::Error manifestError(const QString& manifest, const QString& problem)
 
 } // namespace
 
-app::Status writePackageManifest(const QString& folder, const ManifestHeader& header,
-                                 const CopiedFileRecords& copies, const app::CancelFlag* cancel)
+app::Status writePackageManifest(const QString& folder, const ManifestHeader& header, const CopiedFileRecords& copies,
+                                 const app::CancelFlag* cancel)
 {
     const QList<FileOnDisk> files = filesUnder(folder);
     const auto count = static_cast<size_t>(files.size());
@@ -157,8 +158,7 @@ app::Status writePackageManifest(const QString& folder, const ManifestHeader& he
     }
     const QJsonObject manifest{{QStringLiteral("manifestFormat"), 1},
                                {QStringLiteral("quillonVersion"), QString::fromLatin1(app::kQuillonVersion)},
-                               {QStringLiteral("created"),
-                                QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)},
+                               {QStringLiteral("created"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs)},
                                {QStringLiteral("preset"), header.preset},
                                {QStringLiteral("documents"), documents},
                                {QStringLiteral("files"), entries}};
@@ -213,7 +213,8 @@ app::Result<PackageCheck> verifyPackage(const QString& folder)
         }
         const FileOnDisk& file = onDisk.at(*found);
         if (file.info.st_size != size) {
-            check.changed << ChangedFile{path, QStringLiteral("size %1, listed as %2").arg(file.info.st_size).arg(size)};
+            check.changed << ChangedFile{path,
+                                         QStringLiteral("size %1, listed as %2").arg(file.info.st_size).arg(size)};
             continue;
         }
         needed[static_cast<size_t>(*found)] = true;

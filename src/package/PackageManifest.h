@@ -40,8 +40,8 @@ struct ManifestHeader {
 // keeps the hash computed while copying; every other file (the relinked document, reports, fonts)
 // is hashed now, being final. Written through a temporary file renamed into place, so a manifest
 // is whole or absent.
-app::Status writePackageManifest(const QString& folder, const ManifestHeader& header,
-                                 const CopiedFileRecords& copies, const app::CancelFlag* cancel = nullptr);
+app::Status writePackageManifest(const QString& folder, const ManifestHeader& header, const CopiedFileRecords& copies,
+                                 const app::CancelFlag* cancel = nullptr);
 
 struct ChangedFile {
     QString path;

@@ -27,7 +27,7 @@ TEST(PackageCommand, PackagesTheSampleAndKeepsTheExitStatusContract)
     const QString brochure = repoPath(u"resources/sample/sample-brochure.idml"_s);
     const QString interview = samplePath(u"idml/interview.idml"_s);
     const QString to = out.filePath(u"packages"_s);
-    const QStringList common{u"package"_s, brochure,    interview, u"--to"_s,          to,     u"--preset-file"_s,
+    const QStringList common{u"package"_s, brochure,       interview, u"--to"_s,          to,     u"--preset-file"_s,
                              lenient,      u"--unified"_s, u"Job:"_s, u"--name-suffix"_s, u"7"_s, u"--no-relink"_s};
 
     CliRun run = runQuillon(common + QStringList{u"--text-report"_s}, environment);
@@ -76,8 +76,8 @@ TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkIns
 
     // The packaged copy opened again: every link that was found at home is found in the package.
     const auto linksOf = [&](const QString& document) {
-        return QJsonDocument::fromJson(
-                   runQuillon({u"links"_s, document, u"--format"_s, u"json"_s}, environment).out)["documents"][0]["links"]
+        return QJsonDocument::fromJson(runQuillon({u"links"_s, document, u"--format"_s, u"json"_s}, environment)
+                                           .out)["documents"][0]["links"]
             .toArray();
     };
     const QJsonArray original = linksOf(brochure), packaged = linksOf(folder + u"/sample-brochure.idml"_s);
@@ -105,19 +105,19 @@ TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkIns
     quillon::test::writeAll(folder + u"/notes.txt"_s, "extra");
     run = runQuillon({u"verify"_s, folder}, environment);
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(run.out.startsWith(u"missing: Links/%1\nchanged: Links/%2 (content differs)\nunexpected: notes.txt\n"_s
-                                       .arg(links[1], links[0])
-                                       .toUtf8()))
+    EXPECT_TRUE(run.out.startsWith(
+        u"missing: Links/%1\nchanged: Links/%2 (content differs)\nunexpected: notes.txt\n"_s.arg(links[1], links[0])
+            .toUtf8()))
         << run.out.toStdString();
     run = runQuillon({u"verify"_s, folder, u"--format"_s, u"json"_s}, environment);
     EXPECT_EQ(quillon::test::schemaViolations(run.out), QString());
     EXPECT_FALSE(QJsonDocument::fromJson(run.out)["verify"]["intact"].toBool(true));
 
     // Without a manifest there is nothing to prove: a clear message and status 2.
-    ASSERT_LE(runQuillon({u"package"_s, brochure, u"--to"_s, to, u"--unified"_s, u"Bare"_s, u"--no-manifest"_s},
-                         environment)
-                  .exitCode,
-              1);
+    ASSERT_LE(
+        runQuillon({u"package"_s, brochure, u"--to"_s, to, u"--unified"_s, u"Bare"_s, u"--no-manifest"_s}, environment)
+            .exitCode,
+        1);
     run = runQuillon({u"verify"_s, to + u"/Bare"_s}, environment);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("package-manifest.json: the package has no manifest")) << run.err.toStdString();
