@@ -359,7 +359,9 @@ GeneratedIdml writeGeneratedIdml(const QString& path, const IdmlShape& shape)
     result.archiveBytes = QFileInfo(path).size();
     if (!shape.linkedFilesFolder.isEmpty()) {
         QDir().mkpath(shape.linkedFilesFolder);
-        const QByteArray tiff = smallTiff();
+        QByteArray tiff = smallTiff();
+        if (shape.linkedFileBytes > tiff.size())
+            tiff.append(QByteArray(shape.linkedFileBytes - tiff.size(), '\x5a'));
         for (const QString& name : xml.linkNames()) {
             QFile file(QDir(shape.linkedFilesFolder).filePath(name));
             if (!file.open(QIODevice::WriteOnly) || file.write(tiff) != tiff.size())

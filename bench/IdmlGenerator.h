@@ -25,6 +25,9 @@ struct IdmlShape {
     // file name, so that the link analysis finds them (it looks in the "Links" folder beside
     // the document by name).
     QString linkedFilesFolder;
+    // The size of each of those files: the TIFF followed by padding that no reader looks at, for a
+    // copy of realistic sizes; 0 keeps the bare TIFF.
+    qint64 linkedFileBytes = 0;
 };
 
 // What was written.

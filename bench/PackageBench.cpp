@@ -41,6 +41,7 @@ struct Fixture {
         bench::IdmlShape shape;
         shape.linksPerSpread = 10;
         shape.linkedFilesFolder = links;
+        shape.linkedFileBytes = 27'294; // 273 MB over the 10,002 files, as a real job's previews
         const bench::GeneratedIdml written = bench::writeGeneratedIdml(document, shape);
         QDirIterator it(links, QDir::Files);
         while (it.hasNext()) {
@@ -70,6 +71,7 @@ void packageRun(benchmark::State& state)
     request.sizeOfLinksWithoutDuplicates = f.batch.sizeOfLinksWithoutDuplicates();
     request.choices.basePackageFolderPath = base;
     request.choices.relinkToPackagedLinks = false;
+    request.choices.writeManifest = state.range(0) != 0; // 1: the links hashed as they are copied
     request.stagingFolder = f.dir.filePath(QStringLiteral("staging"));
     for (auto _ : state) {
         state.PauseTiming();
@@ -100,7 +102,7 @@ void linksWithCp(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * f.linkBytes);
 }
 
-BENCHMARK(packageRun)->Iterations(3)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(packageRun)->Arg(0)->Arg(1)->Iterations(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(linksWithCp)->Iterations(3)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace

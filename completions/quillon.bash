@@ -7,7 +7,7 @@ _quillon()
     else
         cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} words=("${COMP_WORDS[@]}") cword=$COMP_CWORD
     fi
-    local commands="info links preflight package inspect metadata presets schema"
+    local commands="info links preflight package verify inspect metadata presets schema"
     local presets="list show use set new rename delete export import"
     local command="" sub="" i
     for ((i = 1; i < cword; i++)); do
@@ -39,7 +39,8 @@ _quillon()
         info) options+=" --format --recursive --files-from $output" ;;
         links) options+=" --format --recursive --files-from --links-dir --search-links $output" ;;
         preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items $output" ;;
-        package) options+=" --to --separate --name --name-suffix --no-links --no-fonts --links-in-doc-folder --no-relink --idml --pdf --text-report --overwrite --extra --extras-folder --links-dir --preset --preset-file" ;;
+        package) options+=" --to --unified --separate --name-suffix --no-links --no-fonts --links-beside-document --no-relink --idml --pdf --text-report --no-manifest --hot-folder --format --overwrite --extras --extras-folder --links-dir --preset --preset-file" ;;
+        verify) options+=" --format" ;;
         inspect|metadata) options+=" --format $output" ;;
         presets)
             if [[ -z $sub ]]; then COMPREPLY=($(compgen -W "$presets --help" -- "$cur")); return; fi

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, preflights the bundled sample document (a small brochure in
-# resources/sample, with its linked files and a checkup preset made for it) and packages it.
+# resources/sample, with its linked files and a checkup preset made for it), packages it and
+# verifies the package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh release
@@ -29,5 +30,8 @@ status=0
 if ((status > 1)); then
   exit "$status"
 fi
+echo
+# The manifest lists every file of the package with its SHA-256: prove nothing was lost or changed.
+"$quillon" verify "$packages/sample-brochure"
 echo
 echo "The package is in $packages."

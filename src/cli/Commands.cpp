@@ -13,6 +13,7 @@ void addCommands(CLI::App& program, std::vector<Command>& commands)
     addInfoCommand(program, commands);
     addPreflightCommand(program, commands);
     addPackageCommand(program, commands);
+    addVerifyCommand(program, commands);
     addInspectCommand(program, commands);
     addMetadataCommand(program, commands);
     addSchemaCommand(program, commands);

@@ -44,4 +44,7 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands);
 // `quillon package DOC.idml... --to FOLDER`: preflight documents and package them.
 void addPackageCommand(CLI::App& program, std::vector<Command>& commands);
 
+// `quillon verify FOLDER`: check a package folder against its manifest.
+void addVerifyCommand(CLI::App& program, std::vector<Command>& commands);
+
 } // namespace quillon::cli

@@ -5,17 +5,20 @@
 #include "app/Numbers.h"
 #include "app/RegularFile.h"
 #include "cli/Interruption.h"
+#include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
 #include "cli/PresetChoice.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
 #include "host/OfflineIdmlHost.h"
+#include "package/Delivery.h"
 #include "package/PackageController.h"
 #include "package/PreflightToPackageController.h"
 #include "preflight/DocumentWarnings.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
 
 #include <iostream>
 #include <memory>
@@ -34,7 +37,7 @@ struct PackageOptions {
     std::string nameSuffix;
     bool noLinks = false;
     bool noFonts = false;
-    bool linksInDocFolder = false;
+    bool linksBesideDocument = false;
     bool idml = false;
     std::string pdfPreset;
     bool textReport = false;
@@ -45,6 +48,10 @@ struct PackageOptions {
     std::vector<std::string> linkDirs;
     std::string preset;
     std::string presetFile;
+    bool noManifest = false;
+    std::string hotFolder;
+    std::string format = "text";
+    int jobs = 0;
 };
 
 QString q(const std::string& text)
@@ -137,6 +144,45 @@ void printSummary(const package::PackageOutcome& outcome, const QList<package::P
     std::cout.flush();
 }
 
+QJsonObject packageJson(const package::PackageOutcome& outcome, const QList<package::PreflightedDocument>& documents,
+                        int alerts)
+{
+    QJsonArray fontsNotCopied;
+    for (const package::FontNotCopied& font : outcome.fontsNotCopied)
+        fontsNotCopied.append(
+            QJsonObject{{QStringLiteral("name"), font.name}, {QStringLiteral("reason"), font.reason}});
+    QList<app::Error> warnings = outcome.warnings;
+    for (const package::PreflightedDocument& document : documents)
+        warnings += document.preflightProblems;
+    const char* ended = outcome.ended == package::PackageEnding::Completed ? "completed"
+                        : outcome.ended == package::PackageEnding::Stopped ? "stopped"
+                                                                           : "cancelled";
+    return QJsonObject{{QStringLiteral("ended"), QLatin1String(ended)},
+                       {QStringLiteral("folders"), QJsonArray::fromStringList(outcome.packageFolders)},
+                       {QStringLiteral("documents"), QJsonArray::fromStringList(outcome.pathsOfPackagedDocs)},
+                       {QStringLiteral("linksCopied"), outcome.linksCopied},
+                       {QStringLiteral("extrasCopied"), outcome.extrasCopied},
+                       {QStringLiteral("bytesCopied"), outcome.bytesCopied},
+                       {QStringLiteral("fontsCopied"), QJsonArray::fromStringList(outcome.fontsCopied)},
+                       {QStringLiteral("fontsNotCopied"), fontsNotCopied},
+                       {QStringLiteral("preflightAlerts"), alerts},
+                       {QStringLiteral("warnings"), QJsonArray::fromStringList(preflight::warningTexts(warnings))}};
+}
+
+void printOutcome(const PackageOptions& options, const package::PackageOutcome& outcome,
+                  const QList<package::PreflightedDocument>& documents, int alerts)
+{
+    if (options.format != "json") {
+        printSummary(outcome, documents, alerts);
+        return;
+    }
+    QJsonObject envelope = jsonEnvelope(QStringLiteral("package"));
+    envelope.insert(QStringLiteral("package"), packageJson(outcome, documents, alerts));
+    const QByteArray text = jsonText(envelope);
+    std::cout.write(text.constData(), text.size());
+    std::cout.flush();
+}
+
 int runPackage(const PackageOptions& options)
 {
     const app::Result<ChosenPreset> preset = choosePreset(options.preset, options.presetFile, "package");
@@ -157,7 +203,7 @@ int runPackage(const PackageOptions& options)
     for (const std::string& extra : options.extras) {
         const QFileInfo info(q(extra));
         if (!info.exists()) {
-            printError(q(extra), QStringLiteral("--extra names nothing that exists"));
+            printError(q(extra), QStringLiteral("--extras names nothing that exists"));
             return kExitFailure;
         }
         extras << (info.isDir() ? package::TNFileItem::folderItemWithPath(info.absoluteFilePath())
@@ -171,6 +217,12 @@ int runPackage(const PackageOptions& options)
             return kExitFailure;
         }
         linkFolders << folder.absoluteFilePath();
+    }
+    const QString hotFolder =
+        options.hotFolder.empty() ? QString() : QFileInfo(q(options.hotFolder)).absoluteFilePath();
+    if (!hotFolder.isEmpty() && !QFileInfo(hotFolder).isDir()) {
+        printError(hotFolder, QStringLiteral("--hot-folder needs a folder, and there is none here"));
+        return kExitFailure;
     }
     const QString base = QFileInfo(q(options.to)).absoluteFilePath();
     if (!QDir().mkpath(base) || !QFileInfo(base).isWritable()) {
@@ -226,8 +278,8 @@ int runPackage(const PackageOptions& options)
     choices.overwrite = options.overwrite;
     choices.collectLinks = !options.noLinks;
     choices.collectFonts = !options.noFonts;
-    choices.placeLinksInDocFolder = options.linksInDocFolder;
-    choices.relinkBesideDocument = options.linksInDocFolder;
+    choices.placeLinksInDocFolder = options.linksBesideDocument;
+    choices.relinkBesideDocument = options.linksBesideDocument;
     choices.relinkToPackagedLinks = !options.noRelink;
     choices.createIdml = options.idml;
     choices.createPdf = !options.pdfPreset.empty();
@@ -236,6 +288,14 @@ int runPackage(const PackageOptions& options)
     choices.extrasInSubfolder = !options.extrasFolder.empty();
     choices.extrasSubfolderName = q(options.extrasFolder);
     choices.fontsFromRecords = true; // the offline host copies the document alone
+    choices.writeManifest = !options.noManifest;
+    choices.presetName = preset->name;
+    QList<app::Error> deliveryFailures;
+    if (!hotFolder.isEmpty())
+        request.deliver = [&hotFolder, &deliveryFailures](const QString& folder) {
+            if (const app::Status copied = package::RYDelivery::copyToHotFolder(folder, hotFolder); !copied)
+                deliveryFailures << copied.error();
+        };
 
     PackageLine packageLine(line);
     package::QNPackageController controller;
@@ -248,16 +308,18 @@ int runPackage(const PackageOptions& options)
     if (outcome.ended == package::PackageEnding::Stopped) {
         const app::Error failure = outcome.failure.value_or(app::makeError(QStringLiteral("packaging stopped")));
         printError(failure.file, failure.message);
-        printSummary(outcome, request.documents, 0);
+        printOutcome(options, outcome, request.documents, 0);
         return kExitFailure;
     }
+    for (const app::Error& failure : deliveryFailures)
+        printError(failure.file, QStringLiteral("not handed to the hot folder: %1").arg(failure.message));
     int alertRows = 0;
-    bool problems = !outcome.warnings.isEmpty();
+    bool problems = !outcome.warnings.isEmpty() || !deliveryFailures.isEmpty();
     for (const package::PreflightedDocument& document : request.documents) {
         alertRows += alertCount(document);
         problems = problems || !document.preflightProblems.isEmpty();
     }
-    printSummary(outcome, request.documents, alertRows);
+    printOutcome(options, outcome, request.documents, alertRows);
     return problems || alertRows > 0 ? kExitAlerts : kExitOk;
 }
 
@@ -276,14 +338,17 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
     CLI::Option* separate =
         package->add_flag("--separate", options->separate, "A package folder for each document (default: one for all)");
     package
-        ->add_option("--name", options->name,
-                     "Name of the unified package folder (default: the first document's name without extension)")
+        ->add_option("--unified", options->name,
+                     "One package folder for all documents, with this name (the default mode; default name: the "
+                     "first document's name without extension)")
         ->excludes(separate);
+    // The earlier spelling, kept for scripts that use it.
+    package->add_option("--name", options->name)->excludes(separate)->group("");
     package->add_option("--name-suffix", options->nameSuffix, "Text added to the package folder's name");
     CLI::Option* noLinks = package->add_flag("--no-links", options->noLinks, "Do not copy the linked files");
     package->add_flag("--no-fonts", options->noFonts, "Do not copy the font files");
     package
-        ->add_flag("--links-in-doc-folder", options->linksInDocFolder,
+        ->add_flag("--links-beside-document", options->linksBesideDocument,
                    "Put the links beside the document instead of in a Links folder")
         ->excludes(noLinks);
     package->add_flag("--idml", options->idml, "Also write the IDML copy relinked to the packaged links");
@@ -293,7 +358,7 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
     package->add_flag("--overwrite", options->overwrite,
                       "Use an existing package folder of the same name, replacing its files (without it the new "
                       "folder is numbered: <name>_1)");
-    package->add_option("--extra", options->extras, "File or folder added to every package (may be repeated)")
+    package->add_option("--extras", options->extras, "File or folder added to every package (may be repeated)")
         ->allow_extra_args(false);
     package->add_option("--extras-folder", options->extrasFolder,
                         "Subfolder of the package that receives the extras (default: the package folder)");
@@ -303,6 +368,14 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
                      "Folder searched by file name for links missing where the document recorded them "
                      "(may be given several times)")
         ->allow_extra_args(false);
+    package->add_flag("--no-manifest", options->noManifest,
+                      "Do not write package-manifest.json (the file list with SHA-256 that quillon verify checks)");
+    package
+        ->add_option("--hot-folder", options->hotFolder,
+                     "Hand each finished package folder to this hot folder (copied in under its own name)")
+        ->check(nonEmpty("a folder name"));
+    package->add_option("--format", options->format, "Output: text (default) or json")
+        ->check(CLI::IsMember({"text", "json"}));
     CLI::Option* presetName =
         package->add_option("--preset", options->preset, "Checkup preset by name (default: the current preset)");
     CLI::Option* presetFile = package->add_option("--preset-file", options->presetFile,

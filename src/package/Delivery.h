@@ -24,7 +24,6 @@ namespace quillon::package {
 inline const app::SettingKey kSelectedDestinationSetting{"selectedDestination", QString()};
 inline const app::SettingKey kDeliveryAppNameSetting{"deliveryAppName", QString()};
 inline const app::SettingKey kDestinationHotFolderSetting{"destinationHotFolder", QString()};
-inline const app::SettingKey kEnableDeliverySetting{"enableDelivery", false};
 
 // The two delivery applications, and the bundle identifiers scripts address them by.
 inline constexpr const char* kRelayonName = "Relayon";
@@ -105,6 +104,11 @@ public:
     // failures among them.
     QList<app::Error> waitForDeliveries();
 
+    // Copies a package folder into a hot folder under its own name, under a hidden name first so
+    // that the taker never sees it half copied; a folder of that name already there is never
+    // replaced.
+    static app::Status copyToHotFolder(const QString& folder, const QString& hotFolder);
+
 private:
     struct Choice {
         QString appName;
@@ -113,7 +117,6 @@ private:
     };
     Choice storedChoice() const;
     app::Status send(const Choice& choice, const QString& folder);
-    app::Status copyToHotFolder(const QString& folder, const QString& hotFolder);
 
     app::Settings& m_settings;
     app::AlertSink& m_alerts;

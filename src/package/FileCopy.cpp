@@ -5,11 +5,13 @@
 #include "app/FilePaths.h"
 #include "app/RegularFile.h"
 
+#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include <fcntl.h>
@@ -34,7 +36,8 @@ public:
     {
         if (m_fd >= 0)
             ::close(m_fd);
-        if (!m_placed)
+        // Only what this copy made goes: the name may be a file that was there.
+        if (m_made && !m_placed)
             ::unlink(m_path.constData());
     }
     TemporaryCopy(const TemporaryCopy&) = delete;
@@ -42,7 +45,12 @@ public:
 
     const QByteArray& path() const { return m_path; }
     int fd() const { return m_fd; }
-    void setFd(int fd) { m_fd = fd; }
+    void setFd(int fd)
+    {
+        m_fd = fd;
+        m_made = fd >= 0;
+    }
+    void made() { m_made = true; }
     // Closes the file; false with errno when the system reports a late write failure.
     bool close()
     {
@@ -54,6 +62,7 @@ public:
 private:
     QByteArray m_path;
     int m_fd = -1;
+    bool m_made = false;
     bool m_placed = false;
 };
 
@@ -94,20 +103,48 @@ bool writeAll(int fd, const char* bytes, ssize_t size)
     return true;
 }
 
+bool readFor(int fd, std::vector<char>& buffer, const FileCopyOptions& options, ssize_t& got)
+{
+    if (buffer.empty())
+        buffer.resize(static_cast<size_t>(std::min<qint64>(options.chunkBytes, 1 << 20)));
+    do
+        got = ::read(fd, buffer.data(), buffer.size());
+    while (got < 0 && errno == EINTR);
+    return got >= 0;
+}
+
+// Hashes what is left of `in` to its end; 0, ECANCELED or the read's errno.
+int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
+{
+    std::vector<char> buffer;
+    while (true) {
+        if (isCancelled(options))
+            return ECANCELED;
+        ssize_t got = 0;
+        if (!readFor(in, buffer, options, got))
+            return errno;
+        if (got == 0)
+            return 0;
+        hash.addData(QByteArrayView(buffer.data(), got));
+    }
+}
+
 // The kernel copies without the data passing through this process where it can; across file
 // systems on older kernels, or on file systems that refuse, plain reads and writes take over
-// from where it stopped. Returns 0, ECANCELED or the failing call's errno.
-int copyData(int in, int out, const FileCopyOptions& options, qint64& copied)
+// from where it stopped. A hash wanted makes the data pass through here, read once for both.
+// Returns 0, ECANCELED or the failing call's errno.
+int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QCryptographicHash* hash)
 {
-    // A file system that shares blocks between files makes the copy at once.
+    // A file system that shares blocks between files makes the copy at once; the hash then reads
+    // the source once.
     if (struct stat info{}; ::ioctl(out, FICLONE, in) == 0 && ::fstat(out, &info) == 0) {
         copied = info.st_size;
         if (options.onBytes)
             options.onBytes(copied);
-        return 0;
+        return hash != nullptr ? hashRest(in, options, *hash) : 0;
     }
     ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
-    bool inKernel = true;
+    bool inKernel = hash == nullptr;
     std::vector<char> buffer;
     while (true) {
         if (isCancelled(options))
@@ -121,15 +158,14 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied)
                 inKernel = false;
                 continue;
             }
-        } else {
-            if (buffer.empty())
-                buffer.resize(static_cast<size_t>(std::min<qint64>(options.chunkBytes, 1 << 20)));
-            got = ::read(in, buffer.data(), buffer.size());
-            if (got > 0 && !writeAll(out, buffer.data(), got))
+            if (got < 0 && errno == EINTR)
+                continue;
+        } else if (readFor(in, buffer, options, got) && got > 0) {
+            if (hash != nullptr)
+                hash->addData(QByteArrayView(buffer.data(), got));
+            if (!writeAll(out, buffer.data(), got))
                 return errno;
         }
-        if (got < 0 && errno == EINTR)
-            continue;
         if (got < 0)
             return errno;
         if (got == 0)
@@ -153,7 +189,11 @@ Result<CopiedFile> copyRegular(const QString& source, const QString& destination
     if (copy.fd() < 0)
         return writeError(destination, errno);
     CopiedFile copied;
-    if (const int failed = copyData(in->descriptor(), copy.fd(), options, copied.bytes); failed != 0) {
+    std::optional<QCryptographicHash> hash;
+    if (options.sha256)
+        hash.emplace(QCryptographicHash::Sha256);
+    if (const int failed = copyData(in->descriptor(), copy.fd(), options, copied.bytes, hash ? &*hash : nullptr);
+        failed != 0) {
         if (failed == ECANCELED)
             return cancelled(source);
         return makeError(QStringLiteral("could not be copied to %1: %2")
@@ -161,13 +201,17 @@ Result<CopiedFile> copyRegular(const QString& source, const QString& destination
                          source);
     }
     copied.warnings = keepFileMetadata(in->descriptor(), copy.fd(), info);
+    if (hash)
+        copied.sha256 = hash->result().toHex();
+    if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
+        copied.stamp = fileStamp(placed);
     if (!copy.close())
         return writeError(destination, errno);
     return copied;
 }
 
 Result<CopiedFile> copyLink(const QString& source, const QString& destination, TemporaryCopy& copy,
-                            const struct stat& info)
+                            const struct stat& info, const FileCopyOptions& options)
 {
     const QByteArray from = app::localBytesOfPath(source);
     QByteArray target(static_cast<qsizetype>(info.st_size) + 1, Qt::Uninitialized);
@@ -179,8 +223,13 @@ Result<CopiedFile> copyLink(const QString& source, const QString& destination, T
     target.truncate(length);
     if (::symlink(target.constData(), copy.path().constData()) != 0)
         return writeError(destination, errno);
+    copy.made();
     CopiedFile copied;
     copied.warnings = keepLinkMetadata(from, copy.path(), info);
+    if (options.sha256)
+        copied.sha256 = QCryptographicHash::hash(target, QCryptographicHash::Sha256).toHex();
+    if (struct stat placed{}; ::lstat(copy.path().constData(), &placed) == 0)
+        copied.stamp = fileStamp(placed);
     return copied;
 }
 
@@ -217,6 +266,11 @@ Result<QString> placeCopy(TemporaryCopy& copy, const QString& destination, Exist
 
 } // namespace
 
+FileStamp fileStamp(const struct stat& info)
+{
+    return {info.st_size, qint64(info.st_mtim.tv_sec) * 1'000'000'000 + info.st_mtim.tv_nsec, info.st_ino};
+}
+
 Result<CopiedFile> copyFile(const QString& source, const QString& destination, const FileCopyOptions& options)
 {
     struct stat info {};
@@ -224,11 +278,20 @@ Result<CopiedFile> copyFile(const QString& source, const QString& destination, c
         return app::openError(source, errno);
     if (isCancelled(options))
         return cancelled(source);
-    TemporaryCopy copy(temporaryName(destination));
-    Result<CopiedFile> copied = S_ISLNK(info.st_mode) ? copyLink(source, destination, copy, info)
+    const QByteArray finalName = app::localBytesOfPath(destination);
+    // In a folder of the run's own, the name is claimed by the exclusive create itself.
+    const bool direct = options.ownedFolder && S_ISREG(info.st_mode) &&
+                        ::faccessat(AT_FDCWD, finalName.constData(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
+    TemporaryCopy copy(direct ? finalName : temporaryName(destination));
+    Result<CopiedFile> copied = S_ISLNK(info.st_mode) ? copyLink(source, destination, copy, info, options)
                                                       : copyRegular(source, destination, copy, options);
     if (!copied)
         return copied;
+    if (direct) {
+        copy.placed();
+        copied->destination = destination;
+        return copied;
+    }
     Result<QString> placed = placeCopy(copy, destination, options.existing);
     if (!placed)
         return placed.error();

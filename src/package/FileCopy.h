@@ -8,6 +8,8 @@
 
 #include <functional>
 
+#include <sys/stat.h>
+
 namespace quillon::package {
 
 // Small enough that a cancel or a progress tick is never far away, large enough that the kernel
@@ -27,12 +29,30 @@ struct FileCopyOptions {
     // Checked before every chunk.
     const app::CancelFlag* cancel = nullptr;
     qint64 chunkBytes = kCopyChunkBytes;
+    // The SHA-256 of the data, computed from the chunks as they pass, so the data is read once.
+    bool sha256 = false;
+    // The destination folder was made by this run, so no user file can be there: the copy is
+    // written at its own name (claimed exclusively) without a temporary name and rename. A failure
+    // or a cancel still removes it; a name already taken falls back to the temporary name.
+    bool ownedFolder = false;
 };
+
+// What identifies a file's state: a copy whose size, modification time and inode are unchanged
+// still has the data it was hashed with.
+struct FileStamp {
+    qint64 size = 0;
+    qint64 modifiedNs = 0;
+    quint64 inode = 0;
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+FileStamp fileStamp(const struct stat& info);
 
 struct CopiedFile {
     QString destination;  // where the copy landed: numbered when the name was taken
     qint64 bytes = 0;     // data bytes copied
     QStringList warnings; // what of the file's metadata could not be kept
+    QByteArray sha256;    // hex; only when asked for
+    FileStamp stamp;      // of the copy as placed
 };
 
 // Copies one file, or a symbolic link as a link, to the path `destination`, keeping its mode,

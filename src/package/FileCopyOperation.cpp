@@ -39,11 +39,15 @@ void FileCopyOperation::main()
     FileCopyOptions options;
     options.existing = m_existing;
     options.cancel = &m_cancel;
+    options.sha256 = m_sha256Wanted;
+    options.ownedFolder = m_ownedFolder;
     options.onBytes = [this](qint64 copied) { m_written.store(copied, std::memory_order_relaxed); };
     app::Result<CopiedFile> copied = copyFile(m_source, m_destination, options);
     if (copied) {
         m_copiedTo = copied->destination;
         m_warnings = copied->warnings;
+        m_sha256 = copied->sha256;
+        m_stamp = copied->stamp;
     } else {
         m_error = copied.error();
         app::logError(QStringLiteral("copy failed: %1").arg(copied.error().text()));

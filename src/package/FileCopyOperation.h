@@ -43,6 +43,10 @@ public:
     // Tells the delegate, copies, tells the delegate. An operation cancelled before it started
     // fails at once without telling anybody.
     void main();
+    // Before it is queued: compute the copy's SHA-256 while copying.
+    void hashWhileCopying() { m_sha256Wanted = true; }
+    // Before it is queued: the destination folder is the run's own (see FileCopyOptions).
+    void writeInOwnedFolder() { m_ownedFolder = true; }
     void cancel() { m_cancel.cancel(); }
     bool isCancelled() const { return m_cancel.isCancelled(); }
 
@@ -61,6 +65,8 @@ public:
     const std::optional<app::Error>& error() const { return m_error; }
     const QString& copiedTo() const { return m_copiedTo; } // numbered when the name was taken
     const QStringList& warnings() const { return m_warnings; }
+    const QByteArray& sha256() const { return m_sha256; } // hex; empty unless hashed
+    const FileStamp& copiedStamp() const { return m_stamp; }
 
 private:
     FileCopyOperation(const QString& source, const QString& destination, FileCopyDelegate* delegate,
@@ -78,6 +84,10 @@ private:
     std::optional<app::Error> m_error;
     QString m_copiedTo;
     QStringList m_warnings;
+    bool m_sha256Wanted = false;
+    bool m_ownedFolder = false;
+    QByteArray m_sha256;
+    FileStamp m_stamp;
 };
 
 } // namespace quillon::package

@@ -13,6 +13,7 @@
 #include "links/LinkRecordKeys.h"
 #include "reports/PreflightResults.h"
 #include "reports/TextReport.h"
+#include "results/Summary.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -69,6 +70,8 @@ PackageOutcome QNPackageController::packageDocuments(const PackageRequest& reque
     m_foldersMadeByRun.clear();
     m_fontsCopied.clear();
     m_fontsNotCopied.clear();
+    m_copies.clear();
+    m_packagedDocuments.clear();
     m_indexOfCurrDocInBatch = 0;
     createFreshTmpPackageFolder();
     if (request.choices.mode == PackageMode::Unified)
@@ -259,8 +262,13 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
             m_outcome.warnings << app::makeError(QStringLiteral("not found, so not packaged"), source);
             continue;
         }
-        operations.push_back(FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
-                                                       &progress, existingDestination()));
+        auto operation = FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
+                                                   &progress, existingDestination());
+        if (m_request->choices.writeManifest)
+            operation->hashWhileCopying();
+        if (m_foldersMadeByRun.contains(m_targetPackageFolderPath))
+            operation->writeInOwnedFolder();
+        operations.push_back(std::move(operation));
     }
     progress.prepareProgr2ForFilesArr(static_cast<int>(operations.size()));
     for (const auto& operation : operations)
@@ -285,6 +293,9 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
             continue;
         }
         (extras ? m_outcome.extrasCopied : m_outcome.linksCopied) += 1;
+        if (!operation->sha256().isEmpty())
+            m_copies.insert(operation->copiedTo(),
+                            {operation->srcPath(), operation->sha256(), operation->copiedStamp()});
         m_outcome.bytesCopied += operation->fSize().value_or(0);
         for (const QString& warning : operation->warnings())
             m_outcome.warnings << app::makeError(warning, operation->copiedTo());
@@ -300,10 +311,15 @@ void QNPackageController::moveLinksOutOfLinksFolder()
     const QDir links(QDir(m_targetPackageFolderPath).filePath(kLinksFolderName));
     bool allMoved = true;
     for (const QString& name : links.entryList(QDir::AllEntries | QDir::NoDotAndDotDot)) {
-        if (const app::Status moved = movePath(links.filePath(name), QDir(m_targetPackageFolderPath).filePath(name));
-            !moved) {
+        const QString destination = QDir(m_targetPackageFolderPath).filePath(name);
+        if (const app::Status moved = movePath(links.filePath(name), destination); !moved) {
             log(QStringLiteral("-> can't move link out of Links: %1").arg(moved.error().text()));
             allMoved = false;
+        } else if (const auto copy = m_copies.constFind(links.filePath(name)); copy != m_copies.constEnd()) {
+            // A rename keeps the file's stamp; a move across file systems does not, and it is hashed again.
+            const CopiedFileRecord record = *copy;
+            m_copies.erase(copy);
+            m_copies.insert(destination, record);
         }
     }
     if (allMoved && !QDir(links).removeRecursively())
@@ -361,7 +377,7 @@ bool QNPackageController::collectFontsForDocAtPath(const PreflightedDocument& do
         return false;
     }
     if (!unified)
-        m_outcome.pathsOfPackagedDocs << QDir(destination).filePath(name);
+        packagedDocument(document, QDir(destination).filePath(name));
     if (!m_request->choices.fontsFromRecords || !m_request->choices.collectFonts)
         return true;
     FontFilesCopied fonts =
@@ -428,7 +444,7 @@ bool QNPackageController::moveDocFromTmpFolderToPackageFolder(const PreflightedD
     if (QFileInfo::exists(destination))
         QFile::remove(destination);
     const app::Status moved = movePath(source, destination);
-    m_outcome.pathsOfPackagedDocs << destination;
+    packagedDocument(document, destination);
     if (!moved) {
         suspend(QStringLiteral("Cannot copy document \"%1\"").arg(name),
                 QStringLiteral("Error: %1\n\nFile: %2\n\nFolder: %3")
@@ -469,6 +485,9 @@ void QNPackageController::clearAndCleanUpAfterSeparateDoc()
 {
     m_progress->clearProgressArea(2);
     showProgress();
+    // The package handed on now holds a manifest of what it holds now; the batch end writes it
+    // again once the relinking has changed the document.
+    writeManifestOf(m_targetPackageFolderPath);
     if (m_request->deliver && !m_targetPackageFolderPath.isEmpty())
         m_request->deliver(m_targetPackageFolderPath);
 }
@@ -509,6 +528,8 @@ void QNPackageController::clearAndCleanAfterBatchDone()
         showProgress();
     }
     setInDesignScriptUserInteraction(m_request->host, true);
+    for (const QString& folder : std::as_const(m_outcome.packageFolders))
+        writeManifestOf(folder);
     if (m_request->deliver && !m_targetPackageFolderPath.isEmpty())
         m_request->deliver(m_targetPackageFolderPath);
     if (choices.openPackagedDocs) {
@@ -572,6 +593,30 @@ void QNPackageController::log(const QString& line) const
     app::logLine(line);
     if (m_sinks->log)
         m_sinks->log(line);
+}
+
+void QNPackageController::packagedDocument(const PreflightedDocument& document, const QString& packagedPath)
+{
+    m_outcome.pathsOfPackagedDocs << packagedPath;
+    m_packagedDocuments << ManifestDocument{
+        document.docItem.path, packagedPath,
+        results::QNSummaryOutlineController::loadPreflightStatusResults(
+            document.finalFontItems, document.finalColorItems, document.finalLinkItems)
+            .text};
+}
+
+void QNPackageController::writeManifestOf(const QString& folder)
+{
+    if (!m_request->choices.writeManifest || folder.isEmpty() || !QFileInfo(folder).isDir())
+        return;
+    ManifestHeader header{m_request->choices.presetName, {}};
+    for (const ManifestDocument& document : std::as_const(m_packagedDocuments))
+        if (document.packaged.startsWith(folder + u'/'))
+            header.documents << document;
+    if (const app::Status written = writePackageManifest(folder, header, m_copies, m_request->cancel); !written) {
+        log(QStringLiteral("-> can't write the package manifest: %1").arg(written.error().text()));
+        m_outcome.warnings << written.error();
+    }
 }
 
 void QNPackageController::showProgress() const

@@ -2,6 +2,7 @@
 
 #include "package/FileItem.h"
 #include "package/PackageFonts.h"
+#include "package/PackageManifest.h"
 #include "package/PackageProgress.h"
 #include "package/PreflightedDocument.h"
 
@@ -52,6 +53,9 @@ struct PackageRunChoices {
     bool fontsFromRecords = false;
     bool openPackagedDocs = false;  // "packOpenDoc"
     bool openPackagedCopies = true; // "openPackagedDocFlag": the copies, else the documents as added
+    // Every package folder gets its manifest, the copies hashed as they are made.
+    bool writeManifest = false;
+    QString presetName; // named in the manifest
 };
 
 // Told whenever the bars change, and every 0.1 s while files are copied.
@@ -147,6 +151,9 @@ private:
     void removeHalfMadePackage();
     void log(const QString& line) const;
     void showProgress() const;
+    void packagedDocument(const PreflightedDocument& document, const QString& packagedPath);
+    // Written last in a folder, after everything the run puts there; a failure is a warning.
+    void writeManifestOf(const QString& folder);
 
     const PackageRequest* m_request = nullptr;
     const PackageSinks* m_sinks = nullptr;
@@ -160,6 +167,8 @@ private:
     QStringList m_foldersMadeByRun; // package folders that were not there before the run
     QSet<QString> m_fontsCopied;
     QSet<QString> m_fontsNotCopied;
+    CopiedFileRecords m_copies; // what the copies hashed, by the copy's path
+    QList<ManifestDocument> m_packagedDocuments;
     int m_indexOfCurrDocInBatch = 0;
 };
 

@@ -1,10 +1,15 @@
 #include "CliRunner.h"
+#include "JsonSchema.h"
 
 #include "support/TestSupport.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QTemporaryDir>
+#include <QTimeZone>
 
 #include <gtest/gtest.h>
 
@@ -24,8 +29,8 @@ TEST(PackageCommand, PackagesTheSampleAndKeepsTheExitStatusContract)
     const QString brochure = repoPath(u"resources/sample/sample-brochure.idml"_s);
     const QString interview = samplePath(u"idml/interview.idml"_s);
     const QString to = out.filePath(u"packages"_s);
-    const QStringList common{u"package"_s, brochure,    interview, u"--to"_s,          to,     u"--preset-file"_s,
-                             lenient,      u"--name"_s, u"Job:"_s, u"--name-suffix"_s, u"7"_s, u"--no-relink"_s};
+    const QStringList common{u"package"_s, brochure,       interview, u"--to"_s,          to,     u"--preset-file"_s,
+                             lenient,      u"--unified"_s, u"Job:"_s, u"--name-suffix"_s, u"7"_s, u"--no-relink"_s};
 
     CliRun run = runQuillon(common + QStringList{u"--text-report"_s}, environment);
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString() << run.out.toStdString();
@@ -53,4 +58,79 @@ TEST(PackageCommand, PackagesTheSampleAndKeepsTheExitStatusContract)
     EXPECT_TRUE(run.err.contains("gone.idml")) << run.err.toStdString();
     // A file where the folder for packages should be.
     EXPECT_EQ(runQuillon({u"package"_s, interview, u"--to"_s, lenient}, environment).exitCode, 2);
+}
+
+TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkInside)
+{
+    QTemporaryDir config, tmp, out;
+    const QStringList environment{u"XDG_CONFIG_HOME="_s + config.path(), u"TMPDIR="_s + tmp.path(), u"LC_ALL=C"_s};
+    // A copy of the sample whose links bear the time the document recorded (git keeps no times).
+    const QString brochure = out.filePath(u"sample-brochure.idml"_s);
+    QFile::copy(repoPath(u"resources/sample/sample-brochure.idml"_s), brochure);
+    QDir().mkpath(out.filePath(u"Links"_s));
+    for (const QString& name : QDir(repoPath(u"resources/sample/Links"_s)).entryList(QDir::Files)) {
+        QFile::copy(repoPath(u"resources/sample/Links/"_s + name), out.filePath(u"Links/"_s + name));
+        QFile link(out.filePath(u"Links/"_s + name));
+        ASSERT_TRUE(link.open(QIODevice::ReadWrite));
+        link.setFileTime(QDateTime(QDate(2026, 1, 15), QTime(10, 0), QTimeZone::utc()),
+                         QFileDevice::FileModificationTime);
+    }
+    const QString to = out.filePath(u"packages"_s), hot = out.filePath(u"hot"_s);
+    QDir().mkpath(hot);
+    CliRun run = runQuillon({u"package"_s, brochure, u"--to"_s, to, u"--unified"_s, u"Job"_s, u"--hot-folder"_s, hot,
+                             u"--format"_s, u"json"_s},
+                            environment);
+    ASSERT_LE(run.exitCode, 1) << run.err.toStdString();
+    EXPECT_EQ(quillon::test::schemaViolations(run.out), QString());
+    const QString folder = to + u"/Job"_s;
+    EXPECT_EQ(QJsonDocument::fromJson(run.out)["package"]["folders"][0].toString(), folder);
+    EXPECT_TRUE(QFile::exists(hot + u"/Job/package-manifest.json"_s)); // handed over whole, manifest included
+
+    // The packaged copy opened again: every link that was found at home is found in the package.
+    const auto linksOf = [&](const QString& document) {
+        return QJsonDocument::fromJson(runQuillon({u"links"_s, document, u"--format"_s, u"json"_s}, environment)
+                                           .out)["documents"][0]["links"]
+            .toArray();
+    };
+    const QJsonArray original = linksOf(brochure), packaged = linksOf(folder + u"/sample-brochure.idml"_s);
+    ASSERT_EQ(packaged.size(), original.size());
+    int inside = 0;
+    for (qsizetype i = 0; i < packaged.size(); ++i) {
+        if (original[i]["status"].toString() != u"OK"_s)
+            continue;
+        EXPECT_EQ(packaged[i]["status"].toString(), u"OK"_s) << packaged[i]["path"].toString().toStdString();
+        EXPECT_TRUE(packaged[i]["path"].toString().startsWith(folder + u"/Links/"_s));
+        ++inside;
+    }
+    EXPECT_GT(inside, 0);
+
+    run = runQuillon({u"verify"_s, folder}, environment);
+    EXPECT_EQ(run.exitCode, 0) << run.out.toStdString();
+    EXPECT_TRUE(run.out.startsWith("Intact: ")) << run.out.toStdString();
+    // A changed byte, a missing file and an extra one, one line each.
+    const QStringList links = QDir(folder + u"/Links"_s).entryList(QDir::Files, QDir::Name);
+    ASSERT_GE(links.size(), 2);
+    QByteArray bytes = quillon::test::readAll(folder + u"/Links/"_s + links[0]);
+    bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
+    quillon::test::writeAll(folder + u"/Links/"_s + links[0], bytes);
+    QFile::remove(folder + u"/Links/"_s + links[1]);
+    quillon::test::writeAll(folder + u"/notes.txt"_s, "extra");
+    run = runQuillon({u"verify"_s, folder}, environment);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.out.startsWith(
+        u"missing: Links/%1\nchanged: Links/%2 (content differs)\nunexpected: notes.txt\n"_s.arg(links[1], links[0])
+            .toUtf8()))
+        << run.out.toStdString();
+    run = runQuillon({u"verify"_s, folder, u"--format"_s, u"json"_s}, environment);
+    EXPECT_EQ(quillon::test::schemaViolations(run.out), QString());
+    EXPECT_FALSE(QJsonDocument::fromJson(run.out)["verify"]["intact"].toBool(true));
+
+    // Without a manifest there is nothing to prove: a clear message and status 2.
+    ASSERT_LE(
+        runQuillon({u"package"_s, brochure, u"--to"_s, to, u"--unified"_s, u"Bare"_s, u"--no-manifest"_s}, environment)
+            .exitCode,
+        1);
+    run = runQuillon({u"verify"_s, to + u"/Bare"_s}, environment);
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.contains("package-manifest.json: the package has no manifest")) << run.err.toStdString();
 }

@@ -5,10 +5,12 @@
 #include "support/TestSupport.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QTemporaryDir>
 
 #include <thread>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -151,9 +153,12 @@ struct RecordingDelegate : FileCopyDelegate {
     std::vector<QString> calls;
     FileCopyManager* cancelOnStart = nullptr;
     int cancelWhenQueued = 0;
+    QString removeOnStart; // a source that vanishes while the queue runs
     void fileCopyOperationWillStart(const std::shared_ptr<FileCopyOperation>& operation) override
     {
         calls.push_back(u"start "_s + operation->fName());
+        if (!removeOnStart.isEmpty())
+            QFile::remove(std::exchange(removeOnStart, QString()));
         if (cancelOnStart != nullptr) {
             // The worker may start the first copy before the test has queued the rest.
             while (cancelOnStart->operationCount() < cancelWhenQueued)
@@ -180,11 +185,13 @@ TEST(FileCopyManager, CopiesOneAtATimeInOrderWithStatesAndCounts)
     {
         FileCopyManager manager([&](int count) { counts.push_back(count); });
         for (const QString& name : {u"a.tif"_s, u"missing.tif"_s, u"c.tif"_s}) {
-            if (name != u"missing.tif"_s)
-                writeAll(dir.filePath(name), pattern(name == u"a.tif"_s ? 3000 : 70000));
+            writeAll(dir.filePath(name), pattern(name == u"a.tif"_s ? 3000 : 70000));
             operations.push_back(FileCopyOperation::create(dir.filePath(name), out + u'/' + name, &delegate));
+            operations.back()->hashWhileCopying();
+            operations.back()->writeInOwnedFolder();
             EXPECT_EQ(operations.back()->fCopyState(), FileCopyState::Created);
         }
+        delegate.removeOnStart = dir.filePath(u"missing.tif"_s);
         for (const auto& operation : operations)
             manager.addOPeration(operation);
         manager.waitUntilAllOperationsAreFinished();
@@ -195,9 +202,11 @@ TEST(FileCopyManager, CopiesOneAtATimeInOrderWithStatesAndCounts)
     EXPECT_EQ(operations[0]->bWritten(), 3000);
     EXPECT_EQ(operations[2]->bWritten(), 70000);
     EXPECT_EQ(operations[0]->fSize(), 3000);
-    EXPECT_FALSE(operations[1]->fSize().has_value());
+    EXPECT_EQ(operations[2]->sha256(), QCryptographicHash::hash(pattern(70000), QCryptographicHash::Sha256).toHex());
+    EXPECT_EQ(operations[2]->copiedStamp(), fileStamp(lstatOf(out + u"/c.tif"_s)));
+    // The source removed after it was queued fails by name and leaves no file behind.
     EXPECT_EQ(operations[1]->fCopyExitCode(), -1);
-    EXPECT_EQ(operations[1]->error()->file, dir.filePath(u"missing.tif"_s));
+    EXPECT_EQ(operations[1]->error()->text(), dir.filePath(u"missing.tif"_s) + u": the file does not exist"_s);
     ASSERT_FALSE(counts.empty());
     EXPECT_EQ(counts.back(), 0);
     EXPECT_EQ(entries(out), (QStringList{u"a.tif"_s, u"c.tif"_s}));
@@ -216,6 +225,7 @@ TEST(FileCopyManager, CancelStopsTheRunningCopyRemovesItsPartAndSkipsTheRest)
     FileCopyOptions options;
     options.cancel = &cancel;
     options.onBytes = [&](qint64) { cancel.cancel(); };
+    options.ownedFolder = true; // written at its own name, and still removed
     const auto stopped = copyFile(dir.filePath(u"big.psd"_s), out + u"/big.psd"_s, options);
     ASSERT_FALSE(stopped.ok());
     EXPECT_EQ(stopped.error().text(), dir.filePath(u"big.psd"_s) + u": copying was cancelled"_s);

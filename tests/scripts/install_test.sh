@@ -20,7 +20,7 @@ complete_words() {
         _ "$prefix/share/bash-completion/completions/quillon" "$@" | sort | tr '\n' ' '
 }
 got=$(complete_words quillon '')
-[[ $got == "--help --version info inspect links metadata package preflight presets schema " ]] || fail "commands offered: $got"
+[[ $got == "--help --version info inspect links metadata package preflight presets schema verify " ]] || fail "commands offered: $got"
 got=$(complete_words quillon presets '')
 [[ $got == "--help delete export import list new rename set show use " ]] || fail "presets commands offered: $got"
 got=$(complete_words quillon preflight --search)
