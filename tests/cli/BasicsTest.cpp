@@ -33,7 +33,8 @@ TEST(Cli, EveryUsageErrorExits64WithOneLineNamingTheProblem)
         const char* named; // what the line must name
     } cases[] = {
         {{"--no-such-option"}, "--no-such-option"},
-        {{"frob"}, "unknown command 'frob'; commands: links, presets, info, preflight, package, verify, inspect, metadata"},
+        {{"frob"},
+         "unknown command 'frob'; commands: links, presets, info, preflight, package, verify, inspect, metadata"},
         {{"presets", "frob"}, "quillon presets: unknown command 'frob'; commands: list, show"},
         {{"preflight"}, "no documents to process: give IDML files, folders or --files-from"},
         {{"preflight", "--jobs", "0", "a.idml"}, "--jobs: Value 0 not in range 1 to 64"},

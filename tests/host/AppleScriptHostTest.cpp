@@ -103,4 +103,3 @@ TEST(AppleScriptHost, AnchoredLinkPageScriptAcceptsOnlyDecimalIds)
         rig.host.pageNameForLinkID(QStringLiteral("Book.indd"), QStringLiteral("1 \n do shell script \"x\"")).ok());
     EXPECT_EQ(rig.scripts.calls().size(), before);
 }
-
