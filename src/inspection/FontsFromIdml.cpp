@@ -264,25 +264,73 @@ QString fontTypeFromIdml(const QString& fontType)
     return fontType;
 }
 
-app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
-                                                         const app::CancelFlag* cancel)
-{
-    PartReader reader(document, cancel);
-    const TextStyleSheet sheet =
-        TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences()));
+struct FontsFromParts::State {
+    State(const idml::IdmlDocument& document, std::shared_ptr<FontFileFinder> finder, const app::CancelFlag* cancel)
+        : reader(document, cancel), finder(std::move(finder)),
+          sheet(TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences())))
+    {
+        catalog.load(reader.read(document.fonts()));
+    }
+
+    PartReader reader;
+    std::shared_ptr<FontFileFinder> finder;
+    TextStyleSheet sheet;
     FontCatalog catalog;
-    catalog.load(reader.read(document.fonts()));
+    // Each story's fonts in the order first met, and the stories that could not be read: the pass
+    // meets the stories in its own order, the answer follows the designmap's.
+    QHash<QString, QList<UsedFont>> storyFonts;
+    QHash<QString, app::Error> unreadable;
+};
 
-    UsedFontCollector collector(sheet);
-    walkStories(document.stories(), collector, reader);
-    if (reader.cancelled())
+FontsFromParts::FontsFromParts(const idml::IdmlDocument& document, std::shared_ptr<FontFileFinder> finder,
+                               const app::CancelFlag* cancel)
+    : m_state(std::make_unique<State>(document, std::move(finder), cancel))
+{
+}
+
+FontsFromParts::~FontsFromParts() = default;
+
+QStringList FontsFromParts::partNames(const idml::IdmlDocument& document) const
+{
+    return document.stories();
+}
+
+void FontsFromParts::visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part)
+{
+    if (m_state->reader.cancelled())
+        return;
+    if (!part) {
+        m_state->unreadable.insert(name, part.error());
+        return;
+    }
+    UsedFontCollector collector(m_state->sheet);
+    walkStoryText((*part)->document().document_element(), collector);
+    m_state->storyFonts.insert(name, collector.fonts());
+}
+
+app::Result<Inspected<QVariantList>> FontsFromParts::finish()
+{
+    State& state = *m_state;
+    if (state.reader.cancelled())
         return inspectionCancelled();
-
     Inspected<QVariantList> inspected;
+    inspected.skipped = state.reader.warnings();
+    QList<UsedFont> usedFonts;
+    QSet<QString> seenFonts;
+    for (const QString& story : state.reader.document().stories()) {
+        if (const auto failed = state.unreadable.constFind(story); failed != state.unreadable.cend())
+            inspected.skipped.append(*failed);
+        for (const UsedFont& used : state.storyFonts.value(story))
+            if (!seenFonts.contains(used.key())) {
+                seenFonts.insert(used.key());
+                usedFonts.append(used);
+            }
+    }
+
     QSet<QString> names;
-    for (const UsedFont& used : collector.fonts()) {
-        for (const UsedFont& font : catalog.expand(used)) {
-            QVariantMap record = fontRecord(font, catalog.face(font), finder);
+    for (const UsedFont& used : std::as_const(usedFonts)) {
+        for (const UsedFont& font : state.catalog.expand(used)) {
+            QVariantMap record = fontRecord(font, state.catalog.face(font), *state.finder);
             const QString name = record.value(kFontNameKey).toString();
             if (names.contains(name))
                 continue;
@@ -291,8 +339,15 @@ app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocumen
         }
     }
     sortFontRecordsByName(inspected.found);
-    inspected.skipped = reader.warnings();
     return inspected;
+}
+
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
+                                                         const app::CancelFlag* cancel)
+{
+    FontsFromParts fonts(document, std::shared_ptr<FontFileFinder>(std::shared_ptr<FontFileFinder>(), &finder), cancel);
+    document.visitParts({&fonts}, cancel);
+    return fonts.finish();
 }
 
 } // namespace quillon::inspection
