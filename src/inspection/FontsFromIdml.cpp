@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -270,15 +271,17 @@ struct FontsFromParts::State {
           sheet(TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences())))
     {
         catalog.load(reader.read(document.fonts()));
+        collector.emplace(sheet);
     }
 
     PartReader reader;
     std::shared_ptr<FontFileFinder> finder;
     TextStyleSheet sheet;
     FontCatalog catalog;
-    // Each story's fonts in the order first met, and the stories that could not be read: the pass
-    // meets the stories in its own order, the answer follows the designmap's.
-    QHash<QString, QList<UsedFont>> storyFonts;
+    // The fonts in the order the pass meets the stories: the designmap's, which decides the record
+    // kept when two fonts give one name.
+    std::optional<UsedFontCollector> collector;
+    // The stories that could not be read, named in the designmap's order.
     QHash<QString, app::Error> unreadable;
 };
 
@@ -303,9 +306,7 @@ void FontsFromParts::visit(const QString& name, const app::Result<std::shared_pt
         m_state->unreadable.insert(name, part.error());
         return;
     }
-    UsedFontCollector collector(m_state->sheet);
-    walkStoryText((*part)->document().document_element(), collector);
-    m_state->storyFonts.insert(name, collector.fonts());
+    walkStoryText((*part)->document().document_element(), *m_state->collector);
 }
 
 app::Result<Inspected<QVariantList>> FontsFromParts::finish()
@@ -315,20 +316,12 @@ app::Result<Inspected<QVariantList>> FontsFromParts::finish()
         return inspectionCancelled();
     Inspected<QVariantList> inspected;
     inspected.skipped = state.reader.warnings();
-    QList<UsedFont> usedFonts;
-    QSet<QString> seenFonts;
-    for (const QString& story : state.reader.document().stories()) {
+    for (const QString& story : state.reader.document().stories())
         if (const auto failed = state.unreadable.constFind(story); failed != state.unreadable.cend())
             inspected.skipped.append(*failed);
-        for (const UsedFont& used : state.storyFonts.value(story))
-            if (!seenFonts.contains(used.key())) {
-                seenFonts.insert(used.key());
-                usedFonts.append(used);
-            }
-    }
 
     QSet<QString> names;
-    for (const UsedFont& used : std::as_const(usedFonts)) {
+    for (const UsedFont& used : state.collector->fonts()) {
         for (const UsedFont& font : state.catalog.expand(used)) {
             QVariantMap record = fontRecord(font, state.catalog.face(font), *state.finder);
             const QString name = record.value(kFontNameKey).toString();

@@ -15,6 +15,7 @@
 #include "links/LinkedFileReader.h"
 
 #include <cstring>
+#include <iterator>
 
 using namespace quillon::idml;
 
@@ -87,6 +88,7 @@ void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
     m_storyFramePages = StoryFramePages();
     m_warnings.clear();
     m_sources.clear();
+    m_stories.clear();
     m_mastersMet = m_spreadsMet = m_storiesMet = 0;
     m_readsStories.reset();
     LinkRecordBuilder::Context context;
@@ -132,6 +134,7 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
     m_document = &document;
     m_masterNames = QSet<QString>(document.masterSpreadFiles().cbegin(), document.masterSpreadFiles().cend());
     m_spreadNames = QSet<QString>(document.spreadFiles().cbegin(), document.spreadFiles().cend());
+    m_storyNames = QSet<QString>(document.storyFiles().cbegin(), document.storyFiles().cend());
 
     app::logLine(QStringLiteral("---> start idml spreads"));
     const auto visitEach = [&](const QString& name) { visit(name, document.part(name)); };
@@ -145,10 +148,20 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
         visitors.insert(visitors.end(), alongside.begin(), alongside.end());
         document.visitParts(visitors, m_controller.cancel);
     }
-    m_document = nullptr;
-    if (cancelled())
+    if (cancelled()) {
+        m_document = nullptr;
         return {};
+    }
     readsStories();
+    // The stories' links follow the spreads' in the byte order of the stories' file names.
+    for (const QString& story : document.storyFiles())
+        if (const auto met = m_stories.find(story); met != m_stories.end()) {
+            if (met->unreadable)
+                m_warnings.append(*met->unreadable);
+            std::move(met->sources.begin(), met->sources.end(), std::back_inserter(m_sources));
+        }
+    m_stories.clear();
+    m_document = nullptr;
     const QVariantList records = completeRecords(m_sources);
     m_sources.clear();
     app::logLine(QStringLiteral("---> end idml spreads"));
@@ -164,7 +177,14 @@ QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& do
 
 QStringList QNIDMLLinksProcessor::partNames(const IdmlDocument& document) const
 {
-    return document.masterSpreadFiles() + document.spreadFiles() + document.storyFiles();
+    // The stories the designmap lists come in its order, as the font inspection sharing the pass
+    // meets them; the links reorder theirs.
+    QStringList names = document.masterSpreadFiles() + document.spreadFiles();
+    const QSet<QString> storyFiles(document.storyFiles().cbegin(), document.storyFiles().cend());
+    for (const QString& story : document.stories())
+        if (storyFiles.contains(story))
+            names.append(story);
+    return names + document.storyFiles();
 }
 
 bool QNIDMLLinksProcessor::readsStories()
@@ -191,20 +211,24 @@ void QNIDMLLinksProcessor::visit(const QString& name, const app::Result<std::sha
                               : QStringLiteral("Preflighting links: Spread %1").arg(++m_spreadsMet));
         m_geometry.beginSpreadFile(isMaster);
     } else {
-        if (!readsStories())
+        if (!m_storyNames.contains(name) || !readsStories())
             return;
         reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++m_storiesMet));
     }
+    const bool isSpread = isMaster || m_spreadNames.contains(name);
     if (!part) {
         // A part that cannot be read yields no records and is named; the rest still counts.
         app::logFailure(QStringLiteral("load %1: %2").arg(name, part.error().text()));
-        m_warnings.append(part.error());
+        if (isSpread)
+            m_warnings.append(part.error());
+        else
+            m_stories[name].unreadable = part.error();
         return;
     }
-    if (isMaster || m_spreadNames.contains(name))
+    if (isSpread)
         collectSpreadLinks(**part, name, isMaster);
     else
-        collectStoryLinks(**part);
+        collectStoryLinks(**part, m_stories[name].sources);
 }
 
 void QNIDMLLinksProcessor::collectSpreadLinks(const XmlPart& part, const QString& name, bool isMaster)
@@ -224,7 +248,7 @@ void QNIDMLLinksProcessor::collectSpreadLinks(const XmlPart& part, const QString
     });
 }
 
-void QNIDMLLinksProcessor::collectStoryLinks(const XmlPart& part)
+void QNIDMLLinksProcessor::collectStoryLinks(const XmlPart& part, std::vector<LinkSource>& sources)
 {
     const pugi::xml_node root = part.root();
     const QString storyId = qstr(attr(root.first_child(), "Self"));
@@ -238,7 +262,7 @@ void QNIDMLLinksProcessor::collectStoryLinks(const XmlPart& part)
         const QString pageName = pages.pageNameForLinkID(idStringFromHexString(source.self), storyId);
         source.page.name = pageName + kLinkAnchoredPageMark;
         source.page.sortOrder = m_geometry.sortOrderForPageName(pageName).value_or(1.0);
-        m_sources.push_back(std::move(source));
+        sources.push_back(std::move(source));
     });
 }
 

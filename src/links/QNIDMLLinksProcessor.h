@@ -6,6 +6,7 @@
 #include "links/PageGeometry.h"
 #include "links/StoryFramePages.h"
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -98,7 +99,7 @@ private:
     bool cancelled() const;
     void reportStatus(const QString& text) const;
     void collectSpreadLinks(const idml::XmlPart& part, const QString& name, bool isMaster);
-    void collectStoryLinks(const idml::XmlPart& part);
+    void collectStoryLinks(const idml::XmlPart& part, std::vector<LinkSource>& sources);
     QVariantList completeRecords(const std::vector<LinkSource>& sources) const;
 
     LinksController m_controller;
@@ -111,7 +112,14 @@ private:
     const idml::IdmlDocument* m_document = nullptr;
     QSet<QString> m_masterNames;
     QSet<QString> m_spreadNames;
+    QSet<QString> m_storyNames;
     std::vector<LinkSource> m_sources;
+    // What each story gave, put in order when the pass is done.
+    struct StoryLinks {
+        std::vector<LinkSource> sources;
+        std::optional<app::Error> unreadable;
+    };
+    QHash<QString, StoryLinks> m_stories;
     int m_mastersMet = 0;
     int m_spreadsMet = 0;
     int m_storiesMet = 0;
