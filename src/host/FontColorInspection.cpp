@@ -38,6 +38,12 @@ app::Result<Inspected<QVariantList>> processFontsFromIdml(const idml::IdmlDocume
     return fontRecordsFromIdml(document, finder, cancel);
 }
 
+std::unique_ptr<PartInspection<QVariantList>>
+fontsFromIdmlParts(const idml::IdmlDocument& document, const QString& documentPath, const app::CancelFlag* cancel)
+{
+    return std::make_unique<FontsFromParts>(document, std::make_shared<FontFileFinder>(documentPath), cancel);
+}
+
 app::Result<Inspected<ColorInspection>> processColorsFromIdml(const idml::IdmlDocument& document,
                                                               const QString& registrationInTextFlag,
                                                               const app::CancelFlag* cancel)

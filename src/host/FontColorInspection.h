@@ -3,16 +3,14 @@
 #include "app/Result.h"
 #include "host/FontColorScripts.h"
 #include "inspection/ColorInspection.h"
-#include "inspection/PartWarnings.h"
+#include "inspection/PartInspection.h"
 
 #include <QString>
 
+#include <memory>
+
 namespace quillon::app {
 class CancelFlag;
-}
-
-namespace quillon::idml {
-class IdmlDocument;
 }
 
 namespace quillon::host {
@@ -29,6 +27,10 @@ namespace quillon::host {
 app::Result<inspection::Inspected<QVariantList>> processFontsFromIdml(const idml::IdmlDocument& document,
                                                                       const QString& documentPath,
                                                                       const app::CancelFlag* cancel = nullptr);
+// The font inspection as a reader of the stories in a pass over the parts.
+std::unique_ptr<inspection::PartInspection<QVariantList>> fontsFromIdmlParts(const idml::IdmlDocument& document,
+                                                                             const QString& documentPath,
+                                                                             const app::CancelFlag* cancel = nullptr);
 app::Result<inspection::Inspected<inspection::ColorInspection>>
 processColorsFromIdml(const idml::IdmlDocument& document, const QString& registrationInTextFlag,
                       const app::CancelFlag* cancel = nullptr);

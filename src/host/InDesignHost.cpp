@@ -19,6 +19,22 @@ std::shared_ptr<const idml::IdmlDocument> InDesignHost::idmlDocument(const QStri
     return nullptr;
 }
 
+std::unique_ptr<inspection::PartInspection<QVariantList>>
+InDesignHost::fontsFromParts(const inspection::DocumentRecord& record, const idml::IdmlDocument& document,
+                             const app::CancelFlag* cancel)
+{
+    (void)record, (void)document, (void)cancel;
+    return nullptr;
+}
+
+std::unique_ptr<inspection::PartInspection<inspection::ColorInspection>>
+InDesignHost::colorsFromParts(const inspection::DocumentRecord& record, const idml::IdmlDocument& document,
+                              const QString& registrationInTextFlag, const app::CancelFlag* cancel)
+{
+    (void)record, (void)document, (void)registrationInTextFlag, (void)cancel;
+    return nullptr;
+}
+
 app::Status InDesignHost::showLinkID(const QString& linkId, const QString& docName)
 {
     return app::makeError(QStringLiteral("Selecting link %1 is not available with %2.").arg(linkId, applicationName()),

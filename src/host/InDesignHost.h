@@ -3,7 +3,7 @@
 #include "app/Result.h"
 #include "inspection/ColorInspection.h"
 #include "inspection/DocumentRecord.h"
-#include "inspection/PartWarnings.h"
+#include "inspection/PartInspection.h"
 
 #include <QString>
 #include <QStringList>
@@ -12,10 +12,6 @@
 
 namespace quillon::app {
 class CancelFlag;
-}
-
-namespace quillon::idml {
-class IdmlDocument;
 }
 
 namespace quillon::host {
@@ -104,6 +100,15 @@ public:
     virtual app::Result<inspection::Inspected<inspection::ColorInspection>>
     processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
                   const QString& registrationInTextFlag, const app::CancelFlag* cancel = nullptr) = 0;
+    // The same inspections as readers of the export's parts, for the preflight to run in the pass
+    // its link analysis makes over them (then finished in place of processFonts and processColors).
+    // Null from a host that does not read the parts, or when the record is incomplete.
+    virtual std::unique_ptr<inspection::PartInspection<QVariantList>>
+    fontsFromParts(const inspection::DocumentRecord& record, const idml::IdmlDocument& document,
+                   const app::CancelFlag* cancel = nullptr);
+    virtual std::unique_ptr<inspection::PartInspection<inspection::ColorInspection>>
+    colorsFromParts(const inspection::DocumentRecord& record, const idml::IdmlDocument& document,
+                    const QString& registrationInTextFlag, const app::CancelFlag* cancel = nullptr);
     // The paragraph-styles report of the open document `docName`, with the parts it skipped;
     // `document`, when given, is its IDML.
     virtual app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,

@@ -8,6 +8,7 @@
 #include "host/IdmlRelinking.h"
 #include "idml/IdmlDocument.h"
 #include "idml/XmlPath.h"
+#include "inspection/ColorsFromIdml.h"
 #include "links/LinkValues.h"
 
 #include <QDir>
@@ -332,6 +333,24 @@ OfflineIdmlHost::processColors(const inspection::DocumentRecord& record, const I
     if (!read)
         return read.error();
     return processColorsFromIdml(**read, registrationInTextFlag, cancel);
+}
+
+std::unique_ptr<inspection::PartInspection<QVariantList>>
+OfflineIdmlHost::fontsFromParts(const inspection::DocumentRecord& record, const IdmlDocument& document,
+                                const app::CancelFlag* cancel)
+{
+    if (!checkRecord(record))
+        return nullptr; // processFonts says why
+    return fontsFromIdmlParts(document, record.posixPath, cancel);
+}
+
+std::unique_ptr<inspection::PartInspection<inspection::ColorInspection>>
+OfflineIdmlHost::colorsFromParts(const inspection::DocumentRecord& record, const IdmlDocument& document,
+                                 const QString& registrationInTextFlag, const app::CancelFlag* cancel)
+{
+    if (!checkRecord(record))
+        return nullptr; // processColors says why
+    return std::make_unique<inspection::ColorsFromParts>(document, registrationInTextFlag, cancel);
 }
 
 Result<inspection::Inspected<QString>> OfflineIdmlHost::paraReport(const QString& docName, const IdmlDocument* document)

@@ -51,6 +51,12 @@ public:
     app::Result<inspection::Inspected<inspection::ColorInspection>>
     processColors(const inspection::DocumentRecord& record, const idml::IdmlDocument* document,
                   const QString& registrationInTextFlag, const app::CancelFlag* cancel) override;
+    std::unique_ptr<inspection::PartInspection<QVariantList>> fontsFromParts(const inspection::DocumentRecord& record,
+                                                                             const idml::IdmlDocument& document,
+                                                                             const app::CancelFlag* cancel) override;
+    std::unique_ptr<inspection::PartInspection<inspection::ColorInspection>>
+    colorsFromParts(const inspection::DocumentRecord& record, const idml::IdmlDocument& document,
+                    const QString& registrationInTextFlag, const app::CancelFlag* cancel) override;
     app::Result<inspection::Inspected<QString>> paraReport(const QString& docName,
                                                            const idml::IdmlDocument* document) override;
 

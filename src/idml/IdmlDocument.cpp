@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -292,6 +293,29 @@ void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* 
             return;
         begin = end;
     }
+}
+
+void IdmlDocument::visitParts(const std::vector<PartVisitor*>& visitors, const app::CancelFlag* cancel) const
+{
+    QStringList names;
+    QSet<QString> named;
+    std::vector<QSet<QString>> wanted;
+    for (const PartVisitor* visitor : visitors) {
+        QSet<QString>& own = wanted.emplace_back();
+        for (const QString& name : visitor->partNames(*this)) {
+            own.insert(name);
+            if (!named.contains(name)) {
+                named.insert(name);
+                names.append(name);
+            }
+        }
+    }
+    forEachPart(names, cancel, [&](const QString& name) {
+        const Result<std::shared_ptr<const XmlPart>> read = part(name);
+        for (size_t index = 0; index < visitors.size(); ++index)
+            if (wanted[index].contains(name))
+                visitors[index]->visit(name, read);
+    });
 }
 
 void IdmlDocument::release(const QStringList& names) const

@@ -21,6 +21,18 @@ class CancelFlag;
 namespace quillon::idml {
 
 class IdmlArchive;
+class IdmlDocument;
+
+// One reader of the parts in a pass that several readers share, so that a document too large to
+// keep its parts is still parsed once for all of them.
+class PartVisitor {
+public:
+    virtual ~PartVisitor() = default;
+    // The parts it reads, in the order it wants them.
+    virtual QStringList partNames(const IdmlDocument& document) const = 0;
+    // One of its parts, parsed, or why it cannot be read; each once, in the pass's order.
+    virtual void visit(const QString& name, const app::Result<std::shared_ptr<const XmlPart>>& part) = 0;
+};
 
 // The parts of one IDML package as its designmap.xml lists them, read from the archive in memory
 // or from a package unpacked into a folder, and each parsed at most once however many readers ask
@@ -73,6 +85,10 @@ public:
     // the parts not kept go when their window has been visited. Stops early when cancelled.
     void forEachPart(const QStringList& names, const app::CancelFlag* cancel,
                      const std::function<void(const QString& name)>& visit) const;
+    // One pass for several readers: the parts of the first visitor in its order, then those of the
+    // next it did not name, and so on; each visitor is handed the parts it named. Stops early when
+    // cancelled.
+    void visitParts(const std::vector<PartVisitor*>& visitors, const app::CancelFlag* cancel) const;
     // How much part text (the archive's uncompressed sizes) one window holds at most, unless a
     // single part is larger.
     static constexpr qint64 kWindowTextBytes = qint64(24) << 20;

@@ -385,85 +385,123 @@ QVariantMap colorRecord(const Swatch& swatch, const SwatchTable& table, bool use
 
 } // namespace
 
-app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::IdmlDocument& document,
-                                                                const QString& registrationInTextFlag,
-                                                                const app::CancelFlag* cancel)
-{
-    PartReader reader(document, cancel);
+struct ColorsFromParts::State {
+    State(const idml::IdmlDocument& document, const QString& registrationInTextFlag, const app::CancelFlag* cancel)
+        : reader(document, cancel)
+    {
+        if (std::shared_ptr<const pugi::xml_document> graphic = reader.read(document.graphic()))
+            swatches.load(std::move(graphic));
+        const std::shared_ptr<const pugi::xml_document> stylesDoc = reader.read(document.styles());
+        if (stylesDoc)
+            styleRefs.load(*stylesDoc);
 
-    SwatchTable swatches;
-    if (std::shared_ptr<const pugi::xml_document> graphic = reader.read(document.graphic()))
-        swatches.load(std::move(graphic));
-    const std::shared_ptr<const pugi::xml_document> stylesDoc = reader.read(document.styles());
-    StyleReferences styleRefs;
-    if (stylesDoc)
-        styleRefs.load(*stylesDoc);
-
-    const bool countRegistration = countsRegistrationInText(registrationInTextFlag);
-    std::optional<TextStyleSheet> sheet;
-    QSet<QString> registration;
-    if (countRegistration) {
-        sheet = TextStyleSheet::fromDocuments(stylesDoc, reader.read(document.preferences()));
-        const QString registrationId = swatches.registrationId();
-        if (!registrationId.isEmpty()) {
-            registration.insert(registrationId);
-            for (const Swatch& swatch : swatches.all())
-                if (swatch.kind == "Tint" && text(swatch.node.attribute("BaseColor").value()) == registrationId)
-                    registration.insert(swatch.id);
+        QSet<QString> registration;
+        if (countsRegistrationInText(registrationInTextFlag)) {
+            sheet = TextStyleSheet::fromDocuments(stylesDoc, reader.read(document.preferences()));
+            const QString registrationId = swatches.registrationId();
+            if (!registrationId.isEmpty()) {
+                registration.insert(registrationId);
+                for (const Swatch& swatch : swatches.all())
+                    if (swatch.kind == "Tint" && text(swatch.node.attribute("BaseColor").value()) == registrationId)
+                        registration.insert(swatch.id);
+            }
         }
+        if (sheet && !registration.isEmpty())
+            counter.emplace(*sheet, registration);
+        stories = QSet<QString>(document.stories().cbegin(), document.stories().cend());
     }
 
-    QStringList pending;
-    for (const Swatch& swatch : swatches.all())
-        if (swatch.inPanel)
-            pending += swatch.builtOn;
+    PartReader reader;
+    SwatchTable swatches;
+    StyleReferences styleRefs;
+    std::optional<TextStyleSheet> sheet;
     std::optional<RegistrationTextCounter> counter;
-    if (sheet && !registration.isEmpty())
-        counter.emplace(*sheet, registration);
+    QSet<QString> stories;
     // Each reference once: a large document makes millions, of a few hundred names.
     QSet<QString> referenced;
-    for (const QStringList* list : {&document.spreads(), &document.masterSpreads(), &document.stories()}) {
-        const bool isStory = list == &document.stories();
-        document.forEachPart(*list, cancel, [&](const QString& path) {
-            const std::shared_ptr<const pugi::xml_document> doc = reader.read(path);
-            if (!doc)
-                return;
-            QStringList refs;
-            collectReferences(doc->document_element(), refs);
-            for (const QString& ref : std::as_const(refs))
-                referenced.insert(ref);
-            if (isStory && counter)
-                walkStoryText(doc->document_element(), *counter);
-        });
-    }
-    if (reader.cancelled())
-        return inspectionCancelled();
-    pending += referenced.values();
+    // The parts that could not be read, named in the answer in the designmap's order.
+    QHash<QString, app::Error> unreadable;
+};
 
+ColorsFromParts::ColorsFromParts(const idml::IdmlDocument& document, const QString& registrationInTextFlag,
+                                 const app::CancelFlag* cancel)
+    : m_state(std::make_unique<State>(document, registrationInTextFlag, cancel))
+{
+}
+
+ColorsFromParts::~ColorsFromParts() = default;
+
+QStringList ColorsFromParts::partNames(const idml::IdmlDocument& document) const
+{
+    return document.spreads() + document.masterSpreads() + document.stories();
+}
+
+void ColorsFromParts::visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part)
+{
+    State& state = *m_state;
+    if (state.reader.cancelled())
+        return;
+    if (!part) {
+        state.unreadable.insert(name, part.error());
+        return;
+    }
+    const pugi::xml_node root = (*part)->document().document_element();
+    QStringList refs;
+    collectReferences(root, refs);
+    for (const QString& ref : std::as_const(refs))
+        state.referenced.insert(ref);
+    if (state.counter && state.stories.contains(name))
+        walkStoryText(root, *state.counter);
+}
+
+app::Result<Inspected<ColorInspection>> ColorsFromParts::finish()
+{
+    State& state = *m_state;
+    if (state.reader.cancelled())
+        return inspectionCancelled();
+    const idml::IdmlDocument& document = state.reader.document();
+    Inspected<ColorInspection> inspected;
+    inspected.skipped = state.reader.warnings();
+    for (const QString& name : partNames(document))
+        if (const auto failed = state.unreadable.constFind(name); failed != state.unreadable.cend())
+            inspected.skipped.append(*failed);
+
+    QStringList pending;
+    for (const Swatch& swatch : state.swatches.all())
+        if (swatch.inPanel)
+            pending += swatch.builtOn;
+    pending += state.referenced.values();
     QSet<QString> used;
     while (!pending.isEmpty()) {
         const QString id = pending.takeLast();
         if (used.contains(id))
             continue;
         used.insert(id);
-        if (const QStringList* refs = styleRefs.find(id))
+        if (const QStringList* refs = state.styleRefs.find(id))
             pending += *refs;
-        else if (const Swatch* swatch = swatches.find(id))
+        else if (const Swatch* swatch = state.swatches.find(id))
             pending += swatch->builtOn;
     }
 
-    Inspected<ColorInspection> inspected;
     ColorInspection& inspection = inspected.found;
-    for (const Swatch* swatch : swatches.panelOrder(&document.designmap())) {
+    for (const Swatch* swatch : state.swatches.panelOrder(&document.designmap())) {
         const bool isUsed = swatch->special != Special::No || used.contains(swatch->id);
-        QVariantMap record = colorRecord(*swatch, swatches, isUsed);
+        QVariantMap record = colorRecord(*swatch, state.swatches, isUsed);
         if (!isUsed)
             inspection.namesOfUnusedColors.append(record.value(kColorNameKey).toString());
         inspection.records.append(record);
     }
-    inspection.registrationInTextCount = counter ? counter->count() : 0;
-    inspected.skipped = reader.warnings();
+    inspection.registrationInTextCount = state.counter ? state.counter->count() : 0;
     return inspected;
+}
+
+app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::IdmlDocument& document,
+                                                                const QString& registrationInTextFlag,
+                                                                const app::CancelFlag* cancel)
+{
+    ColorsFromParts colors(document, registrationInTextFlag, cancel);
+    document.visitParts({&colors}, cancel);
+    return colors.finish();
 }
 
 } // namespace quillon::inspection

@@ -2,16 +2,14 @@
 
 #include "app/Result.h"
 #include "inspection/ColorInspection.h"
-#include "inspection/PartWarnings.h"
+#include "inspection/PartInspection.h"
 
 #include <QString>
 
+#include <memory>
+
 namespace quillon::app {
 class CancelFlag;
-}
-
-namespace quillon::idml {
-class IdmlDocument;
 }
 
 namespace quillon::inspection {
@@ -33,5 +31,21 @@ namespace quillon::inspection {
 app::Result<Inspected<ColorInspection>> colorInspectionFromIdml(const idml::IdmlDocument& document,
                                                                 const QString& registrationInTextFlag,
                                                                 const app::CancelFlag* cancel = nullptr);
+
+// The same inspection as a reader of the spreads, master spreads and stories in a pass over the
+// parts (the swatches, styles and preferences are read when it is made).
+class ColorsFromParts final : public PartInspection<ColorInspection> {
+public:
+    ColorsFromParts(const idml::IdmlDocument& document, const QString& registrationInTextFlag,
+                    const app::CancelFlag* cancel = nullptr);
+    ~ColorsFromParts() override;
+    QStringList partNames(const idml::IdmlDocument& document) const override;
+    void visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part) override;
+    app::Result<Inspected<ColorInspection>> finish() override;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
 
 } // namespace quillon::inspection

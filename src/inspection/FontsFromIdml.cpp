@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <unordered_set>
 
@@ -264,25 +265,65 @@ QString fontTypeFromIdml(const QString& fontType)
     return fontType;
 }
 
-app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
-                                                         const app::CancelFlag* cancel)
-{
-    PartReader reader(document, cancel);
-    const TextStyleSheet sheet =
-        TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences()));
+struct FontsFromParts::State {
+    State(const idml::IdmlDocument& document, std::shared_ptr<FontFileFinder> finder, const app::CancelFlag* cancel)
+        : reader(document, cancel), finder(std::move(finder)),
+          sheet(TextStyleSheet::fromDocuments(reader.read(document.styles()), reader.read(document.preferences())))
+    {
+        catalog.load(reader.read(document.fonts()));
+        collector.emplace(sheet);
+    }
+
+    PartReader reader;
+    std::shared_ptr<FontFileFinder> finder;
+    TextStyleSheet sheet;
     FontCatalog catalog;
-    catalog.load(reader.read(document.fonts()));
+    // The fonts in the order the pass meets the stories: the designmap's, which decides the record
+    // kept when two fonts give one name.
+    std::optional<UsedFontCollector> collector;
+    // The stories that could not be read, named in the designmap's order.
+    QHash<QString, app::Error> unreadable;
+};
 
-    UsedFontCollector collector(sheet);
-    walkStories(document.stories(), collector, reader);
-    if (reader.cancelled())
+FontsFromParts::FontsFromParts(const idml::IdmlDocument& document, std::shared_ptr<FontFileFinder> finder,
+                               const app::CancelFlag* cancel)
+    : m_state(std::make_unique<State>(document, std::move(finder), cancel))
+{
+}
+
+FontsFromParts::~FontsFromParts() = default;
+
+QStringList FontsFromParts::partNames(const idml::IdmlDocument& document) const
+{
+    return document.stories();
+}
+
+void FontsFromParts::visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part)
+{
+    if (m_state->reader.cancelled())
+        return;
+    if (!part) {
+        m_state->unreadable.insert(name, part.error());
+        return;
+    }
+    walkStoryText((*part)->document().document_element(), *m_state->collector);
+}
+
+app::Result<Inspected<QVariantList>> FontsFromParts::finish()
+{
+    State& state = *m_state;
+    if (state.reader.cancelled())
         return inspectionCancelled();
-
     Inspected<QVariantList> inspected;
+    inspected.skipped = state.reader.warnings();
+    for (const QString& story : state.reader.document().stories())
+        if (const auto failed = state.unreadable.constFind(story); failed != state.unreadable.cend())
+            inspected.skipped.append(*failed);
+
     QSet<QString> names;
-    for (const UsedFont& used : collector.fonts()) {
-        for (const UsedFont& font : catalog.expand(used)) {
-            QVariantMap record = fontRecord(font, catalog.face(font), finder);
+    for (const UsedFont& used : state.collector->fonts()) {
+        for (const UsedFont& font : state.catalog.expand(used)) {
+            QVariantMap record = fontRecord(font, state.catalog.face(font), *state.finder);
             const QString name = record.value(kFontNameKey).toString();
             if (names.contains(name))
                 continue;
@@ -291,8 +332,15 @@ app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocumen
         }
     }
     sortFontRecordsByName(inspected.found);
-    inspected.skipped = reader.warnings();
     return inspected;
+}
+
+app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
+                                                         const app::CancelFlag* cancel)
+{
+    FontsFromParts fonts(document, std::shared_ptr<FontFileFinder>(std::shared_ptr<FontFileFinder>(), &finder), cancel);
+    document.visitParts({&fonts}, cancel);
+    return fonts.finish();
 }
 
 } // namespace quillon::inspection

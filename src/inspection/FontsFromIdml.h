@@ -1,17 +1,15 @@
 #pragma once
 
 #include "app/Result.h"
-#include "inspection/PartWarnings.h"
+#include "inspection/PartInspection.h"
 
 #include <QString>
 #include <QVariantList>
 
+#include <memory>
+
 namespace quillon::app {
 class CancelFlag;
-}
-
-namespace quillon::idml {
-class IdmlDocument;
 }
 
 namespace quillon::inspection {
@@ -30,6 +28,22 @@ class FontFileFinder;
 // warning; only a cancelled inspection fails.
 app::Result<Inspected<QVariantList>> fontRecordsFromIdml(const idml::IdmlDocument& document, FontFileFinder& finder,
                                                          const app::CancelFlag* cancel = nullptr);
+
+// The same inspection as a reader of the stories in a pass over the parts (the styles, the
+// preferences and the fonts part are read when it is made).
+class FontsFromParts final : public PartInspection<QVariantList> {
+public:
+    FontsFromParts(const idml::IdmlDocument& document, std::shared_ptr<FontFileFinder> finder,
+                   const app::CancelFlag* cancel = nullptr);
+    ~FontsFromParts() override;
+    QStringList partNames(const idml::IdmlDocument& document) const override;
+    void visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part) override;
+    app::Result<Inspected<QVariantList>> finish() override;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
 
 // The IDML's FontType in the words of the font record: "OpenTypeCFF" gives "OpenType CFF" (every
 // OpenType flavour keeps "OpenType"), "Type1" "type 1", "Bitmap" "bitmap", others as they are.

@@ -15,6 +15,7 @@
 #include "links/LinkedFileReader.h"
 
 #include <cstring>
+#include <iterator>
 
 using namespace quillon::idml;
 
@@ -86,6 +87,10 @@ void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
     m_geometry = PageGeometry();
     m_storyFramePages = StoryFramePages();
     m_warnings.clear();
+    m_sources.clear();
+    m_stories.clear();
+    m_mastersMet = m_spreadsMet = m_storiesMet = 0;
+    m_readsStories.reset();
     LinkRecordBuilder::Context context;
     context.documentPath = origInDesignDocPath;
     context.linkSearchFolders = linkSearchFolders(origInDesignDocPath, m_controller.linkFolders);
@@ -122,87 +127,120 @@ QVariantList QNIDMLLinksProcessor::processLinksInIDMLFolder(const QString& packa
 }
 
 QVariantList QNIDMLLinksProcessor::processLinksInDocument(const IdmlDocument& document,
-                                                          const QString& origInDesignDocPath)
+                                                          const QString& origInDesignDocPath,
+                                                          const std::vector<PartVisitor*>& alongside)
 {
     beginRun(origInDesignDocPath);
-    QVariantMap documentNode{{app::kGroupNameKey, app::lastPathComponent(origInDesignDocPath)},
-                             {app::kGroupIsDockKey, true}};
+    m_document = &document;
+    m_masterNames = QSet<QString>(document.masterSpreadFiles().cbegin(), document.masterSpreadFiles().cend());
+    m_spreadNames = QSet<QString>(document.spreadFiles().cbegin(), document.spreadFiles().cend());
+    m_storyNames = QSet<QString>(document.storyFiles().cbegin(), document.storyFiles().cend());
 
     app::logLine(QStringLiteral("---> start idml spreads"));
-    const QStringList& masters = document.masterSpreadFiles();
-    const QStringList& spreads = document.spreadFiles();
-    std::vector<LinkSource> sources;
-    for (const auto& [parts, label, isMaster] :
-         {std::tuple{&masters, "Master Spread", true}, std::tuple{&spreads, "Spread", false}}) {
-        int count = 0;
-        document.forEachPart(*parts, m_controller.cancel, [&](const QString& name) {
-            if (cancelled())
-                return;
-            reportStatus(QStringLiteral("Preflighting links: %1 %2").arg(QLatin1String(label)).arg(++count));
-            collectSpreadLinks(document, name, isMaster, sources);
-        });
-        if (cancelled())
-            return {};
+    const auto visitEach = [&](const QString& name) { visit(name, document.part(name)); };
+    if (alongside.empty()) {
+        // Alone, the stories are parsed only when the links need them.
+        document.forEachPart(document.masterSpreadFiles() + document.spreadFiles(), m_controller.cancel, visitEach);
+        if (!cancelled() && readsStories())
+            document.forEachPart(document.storyFiles(), m_controller.cancel, visitEach);
+    } else {
+        std::vector<PartVisitor*> visitors{this};
+        visitors.insert(visitors.end(), alongside.begin(), alongside.end());
+        document.visitParts(visitors, m_controller.cancel);
     }
-    app::logLine(QStringLiteral("-> all spreads done"));
-
-    const int linksInDoc = m_controller.numberOfLinksInDoc;
-    if (linksInDoc < 0 || linksInDoc > static_cast<int>(sources.size())) {
-        app::logLine(QStringLiteral("more links in doc, check stories"));
-        m_storyFramePages.setSpreadOrder(document.spreads());
-        const QStringList& stories = document.storyFiles();
-        int count = 0;
-        document.forEachPart(stories, m_controller.cancel, [&](const QString& name) {
-            if (cancelled())
-                return;
-            reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++count));
-            collectStoryLinks(document, name, sources);
-        });
-        if (cancelled())
-            return {};
-    }
-    if (cancelled())
+    if (cancelled()) {
+        m_document = nullptr;
         return {};
-    const QVariantList records = completeRecords(sources);
+    }
+    readsStories();
+    // The stories' links follow the spreads' in the byte order of the stories' file names.
+    for (const QString& story : document.storyFiles())
+        if (const auto met = m_stories.find(story); met != m_stories.end()) {
+            if (met->unreadable)
+                m_warnings.append(*met->unreadable);
+            std::move(met->sources.begin(), met->sources.end(), std::back_inserter(m_sources));
+        }
+    m_stories.clear();
+    m_document = nullptr;
+    const QVariantList records = completeRecords(m_sources);
+    m_sources.clear();
     app::logLine(QStringLiteral("---> end idml spreads"));
     if (cancelled())
         return {};
 
-    documentNode.insert(app::kGroupChildrenKey, records);
+    QVariantMap documentNode{{app::kGroupNameKey, app::lastPathComponent(origInDesignDocPath)},
+                             {app::kGroupIsDockKey, true},
+                             {app::kGroupChildrenKey, records}};
     m_linkDataTree = QVariantMap{{origInDesignDocPath, documentNode}};
     return records;
 }
 
-namespace {
-
-// The part, or null with its error logged and added to `warnings`.
-std::shared_ptr<const XmlPart> readPart(const IdmlDocument& document, const QString& name, QList<app::Error>& warnings)
+QStringList QNIDMLLinksProcessor::partNames(const IdmlDocument& document) const
 {
-    app::Result<std::shared_ptr<const XmlPart>> part = document.part(name);
-    if (part)
-        return *part;
-    app::logFailure(QStringLiteral("load %1: %2").arg(name, part.error().text()));
-    warnings.append(part.error());
-    return {};
+    // The stories the designmap lists come in its order, as the font inspection sharing the pass
+    // meets them; the links reorder theirs.
+    QStringList names = document.masterSpreadFiles() + document.spreadFiles();
+    const QSet<QString> storyFiles(document.storyFiles().cbegin(), document.storyFiles().cend());
+    for (const QString& story : document.stories())
+        if (storyFiles.contains(story))
+            names.append(story);
+    return names + document.storyFiles();
 }
 
-} // namespace
-
-void QNIDMLLinksProcessor::collectSpreadLinks(const IdmlDocument& document, const QString& name, bool isMaster,
-                                              std::vector<LinkSource>& sources)
+bool QNIDMLLinksProcessor::readsStories()
 {
-    const std::shared_ptr<const XmlPart> part = readPart(document, name, m_warnings);
-    m_geometry.beginSpreadFile(isMaster);
-    if (!part)
+    if (m_readsStories)
+        return *m_readsStories;
+    app::logLine(QStringLiteral("-> all spreads done"));
+    const int linksInDoc = m_controller.numberOfLinksInDoc;
+    m_readsStories = linksInDoc < 0 || linksInDoc > static_cast<int>(m_sources.size());
+    if (*m_readsStories) {
+        app::logLine(QStringLiteral("more links in doc, check stories"));
+        m_storyFramePages.setSpreadOrder(m_document ? m_document->spreads() : QStringList());
+    }
+    return *m_readsStories;
+}
+
+void QNIDMLLinksProcessor::visit(const QString& name, const app::Result<std::shared_ptr<const XmlPart>>& part)
+{
+    if (cancelled())
         return;
-    const pugi::xml_node root = part->root();
+    const bool isMaster = m_masterNames.contains(name);
+    if (isMaster || m_spreadNames.contains(name)) {
+        reportStatus(isMaster ? QStringLiteral("Preflighting links: Master Spread %1").arg(++m_mastersMet)
+                              : QStringLiteral("Preflighting links: Spread %1").arg(++m_spreadsMet));
+        m_geometry.beginSpreadFile(isMaster);
+    } else {
+        if (!m_storyNames.contains(name) || !readsStories())
+            return;
+        reportStatus(QStringLiteral("Preflighting anchored links: Story %1").arg(++m_storiesMet));
+    }
+    const bool isSpread = isMaster || m_spreadNames.contains(name);
+    if (!part) {
+        // A part that cannot be read yields no records and is named; the rest still counts.
+        app::logFailure(QStringLiteral("load %1: %2").arg(name, part.error().text()));
+        if (isSpread)
+            m_warnings.append(part.error());
+        else
+            m_stories[name].unreadable = part.error();
+        return;
+    }
+    if (isSpread)
+        collectSpreadLinks(**part, name, isMaster);
+    else
+        collectStoryLinks(**part, m_stories[name].sources);
+}
+
+void QNIDMLLinksProcessor::collectSpreadLinks(const XmlPart& part, const QString& name, bool isMaster)
+{
+    const pugi::xml_node root = part.root();
     m_geometry.parseSpreadAndPagesInfoInRootNode(root);
     forEachElement(root, [&](pugi::xml_node element) {
         const char* elementName = element.name();
         if (std::strcmp(elementName, "Link") == 0) {
             LinkSource source = sourceOfLink(element);
             source.page = m_geometry.parentPageNameForGraphicNode(element.parent().parent());
-            sources.push_back(std::move(source));
+            m_sources.push_back(std::move(source));
         } else if (!isMaster && std::strcmp(elementName, "TextFrame") == 0) {
             if (const std::string_view story = attr(element, "ParentStory"); !story.empty())
                 m_storyFramePages.addFrame(name, qstr(story), m_geometry.parentPageNameForGraphicNode(element).name);
@@ -210,13 +248,9 @@ void QNIDMLLinksProcessor::collectSpreadLinks(const IdmlDocument& document, cons
     });
 }
 
-void QNIDMLLinksProcessor::collectStoryLinks(const IdmlDocument& document, const QString& name,
-                                             std::vector<LinkSource>& sources)
+void QNIDMLLinksProcessor::collectStoryLinks(const XmlPart& part, std::vector<LinkSource>& sources)
 {
-    const std::shared_ptr<const XmlPart> part = readPart(document, name, m_warnings);
-    if (!part)
-        return;
-    const pugi::xml_node root = part->root();
+    const pugi::xml_node root = part.root();
     const QString storyId = qstr(attr(root.first_child(), "Self"));
     AnchoredLinkPageSource& pages =
         m_controller.anchoredLinkPages ? *m_controller.anchoredLinkPages : m_storyFramePages;

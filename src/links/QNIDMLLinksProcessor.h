@@ -1,17 +1,21 @@
 #pragma once
 
 #include "app/Result.h"
+#include "idml/IdmlDocument.h"
 #include "links/LinkRecordBuilder.h"
 #include "links/PageGeometry.h"
 #include "links/StoryFramePages.h"
 
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quillon::app {
@@ -19,10 +23,6 @@ class AlertSink;
 class CancelFlag;
 class ProgressSink;
 } // namespace quillon::app
-
-namespace quillon::idml {
-class IdmlDocument;
-} // namespace quillon::idml
 
 namespace quillon::links {
 
@@ -61,7 +61,7 @@ struct LinksController {
 // Nothing here aborts the run: a part that cannot be read yields no records and a warning naming
 // it, a link that is not a file link is skipped, missing attributes fall back to "?", "-", "   -"
 // or "".
-class QNIDMLLinksProcessor {
+class QNIDMLLinksProcessor final : public idml::PartVisitor {
 public:
     explicit QNIDMLLinksProcessor(LinksController controller);
     ~QNIDMLLinksProcessor();
@@ -72,8 +72,11 @@ public:
     static bool processLinksInIDMLFolderAtPath(const QString& packageFolder, const QString& origInDesignDocPath,
                                                const LinksController& controller, PageSizes* docPageSizes = nullptr);
 
-    // The records ("children") of the document; empty when cancelled.
-    QVariantList processLinksInDocument(const idml::IdmlDocument& document, const QString& origInDesignDocPath);
+    // The records ("children") of the document; empty when cancelled. The `alongside` readers are
+    // handed their parts in the same pass over the document (the stories then read whether the
+    // links need them or not).
+    QVariantList processLinksInDocument(const idml::IdmlDocument& document, const QString& origInDesignDocPath,
+                                        const std::vector<idml::PartVisitor*>& alongside = {});
     // The same for a package unpacked into a folder; a folder that cannot be read as one is
     // named in the warnings.
     QVariantList processLinksInIDMLFolder(const QString& packageFolder, const QString& origInDesignDocPath);
@@ -86,13 +89,17 @@ public:
     const PageGeometry& pageGeometry() const { return m_geometry; }
     const PageSizes& docPageSizes() const { return m_geometry.docPageSizes(); }
 
+    QStringList partNames(const idml::IdmlDocument& document) const override;
+    void visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>& part) override;
+
 private:
     void beginRun(const QString& origInDesignDocPath);
+    // Whether the stories are read for anchored links: decided once the spreads are done.
+    bool readsStories();
     bool cancelled() const;
     void reportStatus(const QString& text) const;
-    void collectSpreadLinks(const idml::IdmlDocument& document, const QString& name, bool isMaster,
-                            std::vector<LinkSource>& sources);
-    void collectStoryLinks(const idml::IdmlDocument& document, const QString& name, std::vector<LinkSource>& sources);
+    void collectSpreadLinks(const idml::XmlPart& part, const QString& name, bool isMaster);
+    void collectStoryLinks(const idml::XmlPart& part, std::vector<LinkSource>& sources);
     QVariantList completeRecords(const std::vector<LinkSource>& sources) const;
 
     LinksController m_controller;
@@ -101,6 +108,22 @@ private:
     PageGeometry m_geometry;
     StoryFramePages m_storyFramePages;
     QVariantMap m_linkDataTree;
+    // This run's document and what its pass has met so far.
+    const idml::IdmlDocument* m_document = nullptr;
+    QSet<QString> m_masterNames;
+    QSet<QString> m_spreadNames;
+    QSet<QString> m_storyNames;
+    std::vector<LinkSource> m_sources;
+    // What each story gave, put in order when the pass is done.
+    struct StoryLinks {
+        std::vector<LinkSource> sources;
+        std::optional<app::Error> unreadable;
+    };
+    QHash<QString, StoryLinks> m_stories;
+    int m_mastersMet = 0;
+    int m_spreadsMet = 0;
+    int m_storiesMet = 0;
+    std::optional<bool> m_readsStories;
     QList<app::Error> m_warnings;
 };
 

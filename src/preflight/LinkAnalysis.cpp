@@ -18,9 +18,11 @@ LinkAnalysisOutcome analyseLinksInIdml(const LinkAnalysisRequest& request)
     controller.linkFolders = request.linkFolders;
     links::QNIDMLLinksProcessor processor(controller);
     const QVariantList records =
-        request.document ? processor.processLinksInDocument(*request.document, request.documentPath) : QVariantList();
+        request.document ? processor.processLinksInDocument(*request.document, request.documentPath, request.alongside)
+                         : QVariantList();
 
     LinkAnalysisOutcome outcome;
+    outcome.visitedAlongside = request.document != nullptr;
     // The count has always been read through a one-byte truth value: 256 links read as none.
     outcome.foundLinks = static_cast<std::uint8_t>(records.size()) != 0;
     const links::PageGeometry& geometry = processor.pageGeometry();

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace quillon::app {
 class AlertSink;
@@ -18,6 +19,7 @@ class ProgressSink;
 
 namespace quillon::idml {
 class IdmlDocument;
+class PartVisitor;
 } // namespace quillon::idml
 
 namespace quillon::preflight {
@@ -32,6 +34,8 @@ struct LinkAnalysisRequest {
     app::ProgressSink* progress = nullptr; // per-spread status
     app::CancelFlag* cancel = nullptr;
     app::AlertSink* alerts = nullptr; // the file readers' alerts
+    // The later stages' readers of the parts, handed their parts in the analysis' pass.
+    std::vector<idml::PartVisitor*> alongside;
 };
 
 struct LinkAnalysisOutcome {
@@ -44,6 +48,8 @@ struct LinkAnalysisOutcome {
     QVariantMap linkData;
     // The parts that could not be read and were skipped, each named.
     QList<app::Error> warnings;
+    // The `alongside` readers were handed their parts; otherwise their stages read them.
+    bool visitedAlongside = false;
 };
 
 // The analysis the driver runs; replaceable so that tests can make it fail.

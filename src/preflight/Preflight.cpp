@@ -3,6 +3,7 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/Log.h"
+#include "idml/IdmlDocument.h"
 #include "preflight/BatchPreflight.h"
 #include "preflight/DocumentWarnings.h"
 #include "preflight/IdmlCreator.h"
@@ -52,9 +53,24 @@ struct PreflightContext {
     app::CancelFlag* cancel;
     PreflightOutcome outcome;
     UnpackedDocument unpacked;
+    // The font and colour inspections, handed their parts in the link analysis' pass; null when
+    // the host inspects otherwise or the pass did not happen, and their stages then ask the host.
+    std::unique_ptr<inspection::PartInspection<QVariantList>> fontsFromParts;
+    std::unique_ptr<inspection::PartInspection<inspection::ColorInspection>> colorsFromParts;
 };
 
 namespace {
+
+QString registrationInTextFlag(const PreflightContext& context)
+{
+    return context.request.judging.registrationInText ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+void forgetInspectionsFromParts(PreflightContext& context)
+{
+    context.fontsFromParts.reset();
+    context.colorsFromParts.reset();
+}
 
 // Stage 1: the export and unpacking, then the link analysis. A failed export cancels the rest.
 void createAndParseIDMLForInDesignFilePath(PreflightContext& context)
@@ -80,11 +96,26 @@ void createAndParseIDMLForInDesignFilePath(PreflightContext& context)
         context.addWarnings({repairedArchiveWarning()});
 
     showProgressStage(ProgressStage::Links, context.sinks);
+    // One pass over the parts for every stage that reads them: a document too large to keep its
+    // parts would otherwise be parsed once per stage.
+    std::vector<idml::PartVisitor*> alongside;
+    if (context.unpacked.parts) {
+        const idml::IdmlDocument& parts = *context.unpacked.parts;
+        context.fontsFromParts = context.request.host.fontsFromParts(context.outcome.record, parts, context.cancel);
+        context.colorsFromParts = context.request.host.colorsFromParts(context.outcome.record, parts,
+                                                                       registrationInTextFlag(context), context.cancel);
+        for (idml::PartVisitor* visitor : {static_cast<idml::PartVisitor*>(context.fontsFromParts.get()),
+                                           static_cast<idml::PartVisitor*>(context.colorsFromParts.get())})
+            if (visitor)
+                alongside.push_back(visitor);
+    }
     QString failure;
     try {
         LinkAnalysisOutcome found = context.request.linkAnalysis(
             {context.unpacked.parts, path, context.outcome.record.numberOfLinks(), context.request.linkFolders,
-             context.sinks.batch != nullptr, &context.sinks.progress, context.cancel, &context.alerts});
+             context.sinks.batch != nullptr, &context.sinks.progress, context.cancel, &context.alerts, alongside});
+        if (!found.visitedAlongside)
+            forgetInspectionsFromParts(context);
         context.outcome.docInfo.setDocPageSizes(found.pageSizes);
         context.outcome.foundLinks = found.foundLinks;
         context.outcome.linkData = std::move(found.linkData);
@@ -98,6 +129,7 @@ void createAndParseIDMLForInDesignFilePath(PreflightContext& context)
     } catch (...) {
         failure = QStringLiteral("an exception of unknown type");
     }
+    forgetInspectionsFromParts(context);
     app::logException(QStringLiteral("exception 398: %1").arg(failure));
     alertLinkAnalysisFailure(failure, context.alerts, context.sinks.alertReceiver);
 }
@@ -130,20 +162,23 @@ void takeInspection(PreflightContext& context, const QString& what,
 // Stages 5 and 7: the inspections, of the export's parts the link analysis parsed already.
 void processFonts(PreflightContext& context)
 {
-    takeInspection(
-        context, QStringLiteral("fonts"),
-        context.request.host.processFonts(context.outcome.record, context.unpacked.parts.get(), context.cancel),
-        context.outcome.fonts);
+    takeInspection(context, QStringLiteral("fonts"),
+                   context.fontsFromParts ? context.fontsFromParts->finish()
+                                          : context.request.host.processFonts(
+                                                context.outcome.record, context.unpacked.parts.get(), context.cancel),
+                   context.outcome.fonts);
+    context.fontsFromParts.reset();
 }
 
 void processColors(PreflightContext& context)
 {
-    const QString registrationInTextFlag =
-        context.request.judging.registrationInText ? QStringLiteral("1") : QStringLiteral("0");
     takeInspection(context, QStringLiteral("colors"),
-                   context.request.host.processColors(context.outcome.record, context.unpacked.parts.get(),
-                                                      registrationInTextFlag, context.cancel),
+                   context.colorsFromParts
+                       ? context.colorsFromParts->finish()
+                       : context.request.host.processColors(context.outcome.record, context.unpacked.parts.get(),
+                                                            registrationInTextFlag(context), context.cancel),
                    context.outcome.colors);
+    context.colorsFromParts.reset();
     // Nothing reads the parts after this: their memory goes back before the results are judged.
     context.unpacked.parts.reset();
 }

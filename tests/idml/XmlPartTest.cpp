@@ -107,4 +107,25 @@ TEST(IdmlDocument, EachPartIsParsedOnceHoweverManyReadersAskAndABrokenOneIsNamed
     EXPECT_EQ((*document)->parseCount(), beforeVisit + 3);
     EXPECT_TRUE((*document)->part(parts[1]).ok());
     EXPECT_EQ((*document)->parseCount(), beforeVisit + 4);
+
+    // One pass for two readers: the first reader's order, then the parts only the second names;
+    // each reader is handed its own parts (an unreadable one as an error), each parsed once.
+    struct Reader final : PartVisitor {
+        QStringList names, met;
+        QStringList partNames(const IdmlDocument&) const override { return names; }
+        void visit(const QString& name, const app::Result<std::shared_ptr<const XmlPart>>& part) override
+        {
+            met << (part ? name : name + u'!');
+        }
+    };
+    Reader stories;
+    Reader others;
+    stories.names = {parts[2], parts[1]};
+    others.names = {parts[0], parts[2]};
+    (*document)->release(parts);
+    const int beforePass = (*document)->parseCount();
+    (*document)->visitParts({&stories, &others}, nullptr);
+    EXPECT_EQ(stories.met, (QStringList{parts[2] + u'!', parts[1]}));
+    EXPECT_EQ(others.met, (QStringList{parts[2] + u'!', parts[0]}));
+    EXPECT_EQ((*document)->parseCount(), beforePass + 3);
 }

@@ -75,15 +75,18 @@ void writePackage(const QString& folder, const std::map<std::string, std::string
                   std::initializer_list<std::string> spreadOrder)
 {
     std::string designmap = "<?xml version=\"1.0\"?><Document xmlns:idPkg=\"p\">";
-    // The spreads in the order given, then every other part.
+    const auto kindOf = [](const std::string& path) -> const char* {
+        return path.rfind("MasterSpreads/", 0) == 0 ? "MasterSpread"
+               : path.rfind("Spreads/", 0) == 0     ? "Spread"
+               : path.rfind("Stories/", 0) == 0     ? "Story"
+                                                    : nullptr;
+    };
+    // The parts in the order given, then every other part.
     std::set<std::string> listed(spreadOrder);
-    for (const std::string& spread : spreadOrder)
-        designmap += "<idPkg:Spread src=\"" + spread + "\"/>";
+    for (const std::string& part : spreadOrder)
+        designmap += std::string("<idPkg:") + kindOf(part) + " src=\"" + part + "\"/>";
     for (const auto& [path, text] : files) {
-        const char* kind = path.rfind("MasterSpreads/", 0) == 0 ? "MasterSpread"
-                           : path.rfind("Spreads/", 0) == 0     ? "Spread"
-                           : path.rfind("Stories/", 0) == 0     ? "Story"
-                                                                : nullptr;
+        const char* kind = kindOf(path);
         const bool hidden = path.find("/.") != std::string::npos;
         if (kind && !hidden && listed.insert(path).second)
             designmap += std::string("<idPkg:") + kind + " src=\"" + path + "\"/>";

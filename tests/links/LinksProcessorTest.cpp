@@ -226,7 +226,7 @@ TEST(LinksProcessor, AnchoredPagesFollowTheDesignmapOrderOfSpreads)
                {"Spreads/Spread_b.xml", test::spreadXml(1, 0, 900, {{"3", 0}}, test::textFrameXml("ust", 1))},
                {"Stories/Story_ust.xml", test::storyXml("ust", test::placedLinkXml(anchored))},
                {"Stories/Story_lost.xml", test::storyXml("lost", test::placedLinkXml(lost))}},
-              {"Spreads/Spread_b.xml", "Spreads/Spread_a.xml"});
+              {"Spreads/Spread_b.xml", "Spreads/Spread_a.xml", "Stories/Story_ust.xml", "Stories/Story_lost.xml"});
     const QVariantList records = doc.run();
     ASSERT_EQ(records.size(), 2);
     // Stories are read in file-name order: "Story_lost" before "Story_ust".
@@ -234,6 +234,26 @@ TEST(LinksProcessor, AnchoredPagesFollowTheDesignmapOrderOfSpreads)
     EXPECT_EQ(records[0].toMap().value(kLinkSortOrderOfPageInDocKey).toDouble(), 1.0);
     EXPECT_EQ(records[1].toMap().value(kLinkPageKey), QStringLiteral("3ª"));
     EXPECT_EQ(records[1].toMap().value(kLinkSortOrderOfPageInDocKey).toDouble(), 900.0);
+
+    // Sharing its pass with another reader, which meets the stories in the designmap's order, the
+    // analysis keeps its own.
+    struct Reader final : idml::PartVisitor {
+        QStringList met;
+        QStringList partNames(const idml::IdmlDocument& document) const override { return document.stories(); }
+        void visit(const QString& name, const app::Result<std::shared_ptr<const idml::XmlPart>>&) override
+        {
+            met << name;
+        }
+    } reader;
+    const auto document = idml::IdmlDocument::fromFolder(doc.package());
+    ASSERT_TRUE(document.ok());
+    QNIDMLLinksProcessor processor(doc.controller);
+    const QVariantList shared = processor.processLinksInDocument(**document, doc.docPath(), {&reader});
+    ASSERT_EQ(shared.size(), 2);
+    for (const qsizetype i : {0, 1})
+        EXPECT_EQ(shared[i].toMap().value(kLinkPageKey), records[i].toMap().value(kLinkPageKey)) << i;
+    EXPECT_EQ(reader.met,
+              (QStringList{QStringLiteral("Stories/Story_ust.xml"), QStringLiteral("Stories/Story_lost.xml")}));
 }
 
 TEST(LinksProcessor, AHostCanTellThePageOfAnchoredLinks)
