@@ -132,8 +132,10 @@ int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
 // The kernel copies without the data passing through this process where it can; across file
 // systems on older kernels, or on file systems that refuse, plain reads and writes take over
 // from where it stopped. A hash wanted makes the data pass through here, read once for both.
-// Returns 0, ECANCELED or the failing call's errno.
-int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QCryptographicHash* hash)
+// The kernel's copy stops at the size seen when the source was opened, as the copy's record
+// says, which saves the call that would find the end. Returns 0, ECANCELED or the failing
+// call's errno.
+int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, QCryptographicHash* hash)
 {
     // A file system that shares blocks between files makes the copy at once; the hash then reads
     // the source once.
@@ -143,15 +145,19 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QC
             options.onBytes(copied);
         return hash != nullptr ? hashRest(in, options, *hash) : 0;
     }
-    ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     bool inKernel = hash == nullptr;
+    if (!inKernel)
+        ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     std::vector<char> buffer;
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
         ssize_t got = 0;
         if (inKernel) {
-            got = ::copy_file_range(in, nullptr, out, nullptr, static_cast<size_t>(options.chunkBytes), 0);
+            if (copied >= size)
+                return 0;
+            got = ::copy_file_range(in, nullptr, out, nullptr,
+                                    static_cast<size_t>(std::min(options.chunkBytes, size - copied)), 0);
             // 0 is also what some file systems answer for data they cannot copy: let a read say.
             if (got == 0 ||
                 (got < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP))) {
@@ -176,23 +182,32 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QC
     }
 }
 
-Result<CopiedFile> copyRegular(const QString& source, const QString& destination, TemporaryCopy& copy,
-                               const FileCopyOptions& options)
-{
-    Result<app::ReadableFile> in = app::openRegularFile(source);
-    if (!in)
-        return in.error();
+// The source opened for reading, with what it is. Non-blocking, so that a FIFO put in its place
+// cannot stall the open; a regular file's reads ignore the flag.
+struct OpenedSource {
+    int fd = -1;
     struct stat info {};
-    if (::fstat(in->descriptor(), &info) != 0)
-        return app::openError(source, errno);
-    copy.setFd(::open(copy.path().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    ~OpenedSource()
+    {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
+
+Result<CopiedFile> copyRegular(const QString& source, const OpenedSource& in, const QString& destination,
+                               TemporaryCopy& copy, const FileCopyOptions& options)
+{
+    if (!S_ISREG(in.info.st_mode))
+        return makeError(QStringLiteral("is not a regular file"), source);
+    if (copy.fd() < 0)
+        copy.setFd(::open(copy.path().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (copy.fd() < 0)
         return writeError(destination, errno);
     CopiedFile copied;
     std::optional<QCryptographicHash> hash;
     if (options.sha256)
         hash.emplace(QCryptographicHash::Sha256);
-    if (const int failed = copyData(in->descriptor(), copy.fd(), options, copied.bytes, hash ? &*hash : nullptr);
+    if (const int failed = copyData(in.fd, copy.fd(), in.info.st_size, options, copied.bytes, hash ? &*hash : nullptr);
         failed != 0) {
         if (failed == ECANCELED)
             return cancelled(source);
@@ -200,11 +215,13 @@ Result<CopiedFile> copyRegular(const QString& source, const QString& destination
                              .arg(app::displayPath(destination), app::systemErrorText(failed)),
                          source);
     }
-    copied.warnings = keepFileMetadata(in->descriptor(), copy.fd(), info);
-    if (hash)
+    copied.warnings = keepFileMetadata(in.fd, copy.fd(), in.info);
+    // Only the manifest asks for the copy's stamp.
+    if (hash) {
         copied.sha256 = hash->result().toHex();
-    if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
-        copied.stamp = fileStamp(placed);
+        if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
+            copied.stamp = fileStamp(placed);
+    }
     if (!copy.close())
         return writeError(destination, errno);
     return copied;
@@ -273,25 +290,35 @@ FileStamp fileStamp(const struct stat& info)
 
 Result<CopiedFile> copyFile(const QString& source, const QString& destination, const FileCopyOptions& options)
 {
-    struct stat info {};
-    if (::lstat(app::localBytesOfPath(source).constData(), &info) != 0)
-        return app::openError(source, errno);
     if (isCancelled(options))
         return cancelled(source);
+    const QByteArray from = app::localBytesOfPath(source);
+    OpenedSource in;
+    in.fd = ::open(from.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
+    // A symbolic link refuses to open without following; it is copied as a link.
+    const bool isLink =
+        in.fd < 0 && errno == ELOOP && ::lstat(from.constData(), &in.info) == 0 && S_ISLNK(in.info.st_mode);
+    if (!isLink && (in.fd < 0 || ::fstat(in.fd, &in.info) != 0))
+        return app::openError(source, errno);
+    // In a folder of the run's own, the name is claimed by the exclusive create itself; a name
+    // already taken falls back to a temporary name.
     const QByteArray finalName = app::localBytesOfPath(destination);
-    // In a folder of the run's own, the name is claimed by the exclusive create itself.
-    const bool direct = options.ownedFolder && S_ISREG(info.st_mode) &&
-                        ::faccessat(AT_FDCWD, finalName.constData(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
-    TemporaryCopy copy(direct ? finalName : temporaryName(destination));
-    Result<CopiedFile> copied = S_ISLNK(info.st_mode) ? copyLink(source, destination, copy, info, options)
-                                                      : copyRegular(source, destination, copy, options);
-    if (!copied)
-        return copied;
-    if (direct) {
-        copy.placed();
-        copied->destination = destination;
+    TemporaryCopy direct(finalName);
+    if (options.ownedFolder && !isLink)
+        direct.setFd(::open(finalName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (direct.fd() >= 0) {
+        Result<CopiedFile> copied = copyRegular(source, in, destination, direct, options);
+        if (copied) {
+            direct.placed();
+            copied->destination = destination;
+        }
         return copied;
     }
+    TemporaryCopy copy(temporaryName(destination));
+    Result<CopiedFile> copied = isLink ? copyLink(source, destination, copy, in.info, options)
+                                       : copyRegular(source, in, destination, copy, options);
+    if (!copied)
+        return copied;
     Result<QString> placed = placeCopy(copy, destination, options.existing);
     if (!placed)
         return placed.error();
