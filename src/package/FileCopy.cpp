@@ -1,17 +1,19 @@
 #include "package/FileCopy.h"
 
 #include "package/FileMetadata.h"
+#include "package/Sha256.h"
 
 #include "app/FilePaths.h"
 #include "app/RegularFile.h"
 
-#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <fcntl.h>
@@ -103,10 +105,17 @@ bool writeAll(int fd, const char* bytes, ssize_t size)
     return true;
 }
 
-bool readFor(int fd, std::vector<char>& buffer, const FileCopyOptions& options, ssize_t& got)
+// The buffer reads and writes go through, made once for each copying thread: thousands of small
+// files would otherwise each pay for clearing a megabyte.
+std::span<char> copyBuffer(const FileCopyOptions& options)
 {
-    if (buffer.empty())
-        buffer.resize(static_cast<size_t>(std::min<qint64>(options.chunkBytes, 1 << 20)));
+    constexpr size_t kBufferBytes = 1 << 20;
+    thread_local const std::unique_ptr<char[]> buffer = std::make_unique_for_overwrite<char[]>(kBufferBytes);
+    return {buffer.get(), std::min<size_t>(kBufferBytes, static_cast<size_t>(std::max<qint64>(options.chunkBytes, 1)))};
+}
+
+bool readFor(int fd, std::span<char> buffer, ssize_t& got)
+{
     do
         got = ::read(fd, buffer.data(), buffer.size());
     while (got < 0 && errno == EINTR);
@@ -114,14 +123,14 @@ bool readFor(int fd, std::vector<char>& buffer, const FileCopyOptions& options, 
 }
 
 // Hashes what is left of `in` to its end; 0, ECANCELED or the read's errno.
-int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
+int hashRest(int in, const FileCopyOptions& options, Sha256& hash)
 {
-    std::vector<char> buffer;
+    const std::span<char> buffer = copyBuffer(options);
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
         ssize_t got = 0;
-        if (!readFor(in, buffer, options, got))
+        if (!readFor(in, buffer, got))
             return errno;
         if (got == 0)
             return 0;
@@ -135,7 +144,7 @@ int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
 // The kernel's copy stops at the size seen when the source was opened, as the copy's record
 // says, which saves the call that would find the end. Returns 0, ECANCELED or the failing
 // call's errno.
-int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, QCryptographicHash* hash)
+int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, Sha256* hash)
 {
     // A file system that shares blocks between files makes the copy at once; the hash then reads
     // the source once.
@@ -148,7 +157,7 @@ int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint6
     bool inKernel = hash == nullptr;
     if (!inKernel)
         ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
-    std::vector<char> buffer;
+    const std::span<char> buffer = copyBuffer(options);
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
@@ -166,7 +175,7 @@ int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint6
             }
             if (got < 0 && errno == EINTR)
                 continue;
-        } else if (readFor(in, buffer, options, got) && got > 0) {
+        } else if (readFor(in, buffer, got) && got > 0) {
             if (hash != nullptr)
                 hash->addData(QByteArrayView(buffer.data(), got));
             if (!writeAll(out, buffer.data(), got))
@@ -204,9 +213,9 @@ Result<CopiedFile> copyRegular(const QString& source, const OpenedSource& in, co
     if (copy.fd() < 0)
         return writeError(destination, errno);
     CopiedFile copied;
-    std::optional<QCryptographicHash> hash;
+    std::optional<Sha256> hash;
     if (options.sha256)
-        hash.emplace(QCryptographicHash::Sha256);
+        hash.emplace();
     if (const int failed = copyData(in.fd, copy.fd(), in.info.st_size, options, copied.bytes, hash ? &*hash : nullptr);
         failed != 0) {
         if (failed == ECANCELED)
@@ -218,7 +227,7 @@ Result<CopiedFile> copyRegular(const QString& source, const OpenedSource& in, co
     copied.warnings = keepFileMetadata(in.fd, copy.fd(), in.info);
     // Only the manifest asks for the copy's stamp.
     if (hash) {
-        copied.sha256 = hash->result().toHex();
+        copied.sha256 = hash->hexResult();
         if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
             copied.stamp = fileStamp(placed);
     }
@@ -244,7 +253,7 @@ Result<CopiedFile> copyLink(const QString& source, const QString& destination, T
     CopiedFile copied;
     copied.warnings = keepLinkMetadata(from, copy.path(), info);
     if (options.sha256)
-        copied.sha256 = QCryptographicHash::hash(target, QCryptographicHash::Sha256).toHex();
+        copied.sha256 = Sha256::hexOf(target);
     if (struct stat placed{}; ::lstat(copy.path().constData(), &placed) == 0)
         copied.stamp = fileStamp(placed);
     return copied;
