@@ -49,7 +49,7 @@ struct Fixture {
             linkBytes += it.fileInfo().size();
         }
         batch.preflightForPackaging({package::TNFileItem::fileItemWithPath(document)}, package::PackageMode::Unified,
-                                    {{}, {}, dir.filePath(QStringLiteral("work")), nullptr});
+                                    {.workFolder = dir.filePath(QStringLiteral("work"))});
         std::cerr << written.linkedFiles << " linked files, " << linkBytes / 1e6 << " MB; "
                   << batch.linksWithoutDuplicates().size() << " links to package\n";
     }

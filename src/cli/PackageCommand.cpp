@@ -3,6 +3,7 @@
 
 #include "app/Alerts.h"
 #include "app/Numbers.h"
+#include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 #include "cli/Interruption.h"
 #include "cli/JsonOutput.h"
@@ -243,8 +244,22 @@ int runPackage(const PackageOptions& options)
     const package::PackageMode mode = options.separate ? package::PackageMode::Separate : package::PackageMode::Unified;
     BatchLine batchLine(line);
     package::QNPreflightToPackageController batch(host, alerts, batchLine);
-    const package::BatchPreflightOptions batchOptions{preset->preset, linkFolders,
-                                                      QDir(work.path()).filePath(QStringLiteral("preflight")), &cancel};
+    package::BatchPreflightOptions batchOptions{.preset = preset->preset,
+                                                .linkFolders = linkFolders,
+                                                .workFolder = QDir(work.path()).filePath(QStringLiteral("preflight")),
+                                                .cancel = &cancel};
+    // --jobs N preflights N documents at once and never sets more than N times the cores to
+    // work, as the preflight command does. Each job opens its document in an offline host of
+    // its own, so that no two share the active document.
+    const int cores = app::coreCount();
+    if (options.jobs > 0)
+        app::setParallelThreadBudget(options.jobs * cores - 1);
+    batchOptions.jobs = options.jobs > 0 ? options.jobs : cores;
+    batchOptions.hostForJob = [folder = work.path()]() -> std::unique_ptr<host::InDesignHost> {
+        auto own = std::make_unique<host::OfflineIdmlHost>();
+        own->setWorkFolder(folder);
+        return own;
+    };
     if (!batch.preflightForPackaging(documents, mode, batchOptions)) {
         line.clear();
         if (Interruption::requested()) {
@@ -374,6 +389,10 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
         ->add_option("--hot-folder", options->hotFolder,
                      "Hand each finished package folder to this hot folder (copied in under its own name)")
         ->check(nonEmpty("a folder name"));
+    package
+        ->add_option("--jobs", options->jobs,
+                     "Documents preflighted at the same time, 1 to 64 (default: the number of cores)")
+        ->check(CLI::Range(1, 64));
     package->add_option("--format", options->format, "Output: text (default) or json")
         ->check(CLI::IsMember({"text", "json"}));
     CLI::Option* presetName =

@@ -1,17 +1,19 @@
 #include "package/FileCopy.h"
 
 #include "package/FileMetadata.h"
+#include "package/Sha256.h"
 
 #include "app/FilePaths.h"
 #include "app/RegularFile.h"
 
-#include <QCryptographicHash>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <cerrno>
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <fcntl.h>
@@ -103,10 +105,17 @@ bool writeAll(int fd, const char* bytes, ssize_t size)
     return true;
 }
 
-bool readFor(int fd, std::vector<char>& buffer, const FileCopyOptions& options, ssize_t& got)
+// The buffer reads and writes go through, made once for each copying thread: thousands of small
+// files would otherwise each pay for clearing a megabyte.
+std::span<char> copyBuffer(const FileCopyOptions& options)
 {
-    if (buffer.empty())
-        buffer.resize(static_cast<size_t>(std::min<qint64>(options.chunkBytes, 1 << 20)));
+    constexpr size_t kBufferBytes = 1 << 20;
+    thread_local const std::unique_ptr<char[]> buffer = std::make_unique_for_overwrite<char[]>(kBufferBytes);
+    return {buffer.get(), std::min<size_t>(kBufferBytes, static_cast<size_t>(std::max<qint64>(options.chunkBytes, 1)))};
+}
+
+bool readFor(int fd, std::span<char> buffer, ssize_t& got)
+{
     do
         got = ::read(fd, buffer.data(), buffer.size());
     while (got < 0 && errno == EINTR);
@@ -114,14 +123,14 @@ bool readFor(int fd, std::vector<char>& buffer, const FileCopyOptions& options, 
 }
 
 // Hashes what is left of `in` to its end; 0, ECANCELED or the read's errno.
-int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
+int hashRest(int in, const FileCopyOptions& options, Sha256& hash)
 {
-    std::vector<char> buffer;
+    const std::span<char> buffer = copyBuffer(options);
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
         ssize_t got = 0;
-        if (!readFor(in, buffer, options, got))
+        if (!readFor(in, buffer, got))
             return errno;
         if (got == 0)
             return 0;
@@ -132,8 +141,10 @@ int hashRest(int in, const FileCopyOptions& options, QCryptographicHash& hash)
 // The kernel copies without the data passing through this process where it can; across file
 // systems on older kernels, or on file systems that refuse, plain reads and writes take over
 // from where it stopped. A hash wanted makes the data pass through here, read once for both.
-// Returns 0, ECANCELED or the failing call's errno.
-int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QCryptographicHash* hash)
+// The kernel's copy stops at the size seen when the source was opened, as the copy's record
+// says, which saves the call that would find the end. Returns 0, ECANCELED or the failing
+// call's errno.
+int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, Sha256* hash)
 {
     // A file system that shares blocks between files makes the copy at once; the hash then reads
     // the source once.
@@ -143,15 +154,19 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QC
             options.onBytes(copied);
         return hash != nullptr ? hashRest(in, options, *hash) : 0;
     }
-    ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     bool inKernel = hash == nullptr;
-    std::vector<char> buffer;
+    if (!inKernel)
+        ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+    const std::span<char> buffer = copyBuffer(options);
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
         ssize_t got = 0;
         if (inKernel) {
-            got = ::copy_file_range(in, nullptr, out, nullptr, static_cast<size_t>(options.chunkBytes), 0);
+            if (copied >= size)
+                return 0;
+            got = ::copy_file_range(in, nullptr, out, nullptr,
+                                    static_cast<size_t>(std::min(options.chunkBytes, size - copied)), 0);
             // 0 is also what some file systems answer for data they cannot copy: let a read say.
             if (got == 0 ||
                 (got < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP))) {
@@ -160,7 +175,7 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QC
             }
             if (got < 0 && errno == EINTR)
                 continue;
-        } else if (readFor(in, buffer, options, got) && got > 0) {
+        } else if (readFor(in, buffer, got) && got > 0) {
             if (hash != nullptr)
                 hash->addData(QByteArrayView(buffer.data(), got));
             if (!writeAll(out, buffer.data(), got))
@@ -176,23 +191,32 @@ int copyData(int in, int out, const FileCopyOptions& options, qint64& copied, QC
     }
 }
 
-Result<CopiedFile> copyRegular(const QString& source, const QString& destination, TemporaryCopy& copy,
-                               const FileCopyOptions& options)
-{
-    Result<app::ReadableFile> in = app::openRegularFile(source);
-    if (!in)
-        return in.error();
+// The source opened for reading, with what it is. Non-blocking, so that a FIFO put in its place
+// cannot stall the open; a regular file's reads ignore the flag.
+struct OpenedSource {
+    int fd = -1;
     struct stat info {};
-    if (::fstat(in->descriptor(), &info) != 0)
-        return app::openError(source, errno);
-    copy.setFd(::open(copy.path().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    ~OpenedSource()
+    {
+        if (fd >= 0)
+            ::close(fd);
+    }
+};
+
+Result<CopiedFile> copyRegular(const QString& source, const OpenedSource& in, const QString& destination,
+                               TemporaryCopy& copy, const FileCopyOptions& options)
+{
+    if (!S_ISREG(in.info.st_mode))
+        return makeError(QStringLiteral("is not a regular file"), source);
+    if (copy.fd() < 0)
+        copy.setFd(::open(copy.path().constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (copy.fd() < 0)
         return writeError(destination, errno);
     CopiedFile copied;
-    std::optional<QCryptographicHash> hash;
+    std::optional<Sha256> hash;
     if (options.sha256)
-        hash.emplace(QCryptographicHash::Sha256);
-    if (const int failed = copyData(in->descriptor(), copy.fd(), options, copied.bytes, hash ? &*hash : nullptr);
+        hash.emplace();
+    if (const int failed = copyData(in.fd, copy.fd(), in.info.st_size, options, copied.bytes, hash ? &*hash : nullptr);
         failed != 0) {
         if (failed == ECANCELED)
             return cancelled(source);
@@ -200,11 +224,13 @@ Result<CopiedFile> copyRegular(const QString& source, const QString& destination
                              .arg(app::displayPath(destination), app::systemErrorText(failed)),
                          source);
     }
-    copied.warnings = keepFileMetadata(in->descriptor(), copy.fd(), info);
-    if (hash)
-        copied.sha256 = hash->result().toHex();
-    if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
-        copied.stamp = fileStamp(placed);
+    copied.warnings = keepFileMetadata(in.fd, copy.fd(), in.info);
+    // Only the manifest asks for the copy's stamp.
+    if (hash) {
+        copied.sha256 = hash->hexResult();
+        if (struct stat placed{}; ::fstat(copy.fd(), &placed) == 0)
+            copied.stamp = fileStamp(placed);
+    }
     if (!copy.close())
         return writeError(destination, errno);
     return copied;
@@ -227,7 +253,7 @@ Result<CopiedFile> copyLink(const QString& source, const QString& destination, T
     CopiedFile copied;
     copied.warnings = keepLinkMetadata(from, copy.path(), info);
     if (options.sha256)
-        copied.sha256 = QCryptographicHash::hash(target, QCryptographicHash::Sha256).toHex();
+        copied.sha256 = Sha256::hexOf(target);
     if (struct stat placed{}; ::lstat(copy.path().constData(), &placed) == 0)
         copied.stamp = fileStamp(placed);
     return copied;
@@ -273,25 +299,35 @@ FileStamp fileStamp(const struct stat& info)
 
 Result<CopiedFile> copyFile(const QString& source, const QString& destination, const FileCopyOptions& options)
 {
-    struct stat info {};
-    if (::lstat(app::localBytesOfPath(source).constData(), &info) != 0)
-        return app::openError(source, errno);
     if (isCancelled(options))
         return cancelled(source);
+    const QByteArray from = app::localBytesOfPath(source);
+    OpenedSource in;
+    in.fd = ::open(from.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
+    // A symbolic link refuses to open without following; it is copied as a link.
+    const bool isLink =
+        in.fd < 0 && errno == ELOOP && ::lstat(from.constData(), &in.info) == 0 && S_ISLNK(in.info.st_mode);
+    if (!isLink && (in.fd < 0 || ::fstat(in.fd, &in.info) != 0))
+        return app::openError(source, errno);
+    // In a folder of the run's own, the name is claimed by the exclusive create itself; a name
+    // already taken falls back to a temporary name.
     const QByteArray finalName = app::localBytesOfPath(destination);
-    // In a folder of the run's own, the name is claimed by the exclusive create itself.
-    const bool direct = options.ownedFolder && S_ISREG(info.st_mode) &&
-                        ::faccessat(AT_FDCWD, finalName.constData(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
-    TemporaryCopy copy(direct ? finalName : temporaryName(destination));
-    Result<CopiedFile> copied = S_ISLNK(info.st_mode) ? copyLink(source, destination, copy, info, options)
-                                                      : copyRegular(source, destination, copy, options);
-    if (!copied)
-        return copied;
-    if (direct) {
-        copy.placed();
-        copied->destination = destination;
+    TemporaryCopy direct(finalName);
+    if (options.ownedFolder && !isLink)
+        direct.setFd(::open(finalName.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (direct.fd() >= 0) {
+        Result<CopiedFile> copied = copyRegular(source, in, destination, direct, options);
+        if (copied) {
+            direct.placed();
+            copied->destination = destination;
+        }
         return copied;
     }
+    TemporaryCopy copy(temporaryName(destination));
+    Result<CopiedFile> copied = isLink ? copyLink(source, destination, copy, in.info, options)
+                                       : copyRegular(source, in, destination, copy, options);
+    if (!copied)
+        return copied;
     Result<QString> placed = placeCopy(copy, destination, options.existing);
     if (!placed)
         return placed.error();

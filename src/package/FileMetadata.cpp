@@ -26,7 +26,17 @@ struct AttributeAccess {
 // Reads a name list or a value whose size may change between asking and reading.
 std::vector<char> readGrowing(const std::function<ssize_t(char*, size_t)>& read, bool& ok)
 {
-    std::vector<char> bytes;
+    // Most files have no attributes or a few short ones: one call with a small buffer says so.
+    std::vector<char> bytes(256);
+    if (const ssize_t got = read(bytes.data(), bytes.size()); got >= 0) {
+        bytes.resize(static_cast<size_t>(got));
+        ok = true;
+        return bytes;
+    }
+    if (errno != ERANGE) {
+        ok = false;
+        return {};
+    }
     for (int attempt = 0; attempt < 4; ++attempt) {
         const ssize_t size = read(nullptr, 0);
         if (size < 0)

@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
+#include <QHash>
 
 #include <cerrno>
 #include <chrono>
@@ -256,14 +257,19 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
     PackageProgress& progress = *m_progress;
     FileCopyManager manager([&progress](int count) { progress.copyQueueDidChange(count); });
     std::vector<std::shared_ptr<FileCopyOperation>> operations;
+    QHash<QString, bool> folderIsThere; // thousands of links share a few folders
     for (const auto& [source, folder] : sourceAndFolder) {
-        if (!QFileInfo::exists(source) || !QFileInfo(folder).isDir()) {
+        auto operation = FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
+                                                   &progress, existingDestination());
+        auto known = folderIsThere.constFind(folder);
+        if (known == folderIsThere.constEnd())
+            known = folderIsThere.insert(folder, QFileInfo(folder).isDir());
+        // The operation's size is that of the source as it stands now: none when it is gone.
+        if (!operation->fSize() || !*known) {
             log(QStringLiteral("-> err: smth not reachable: %1 -> %2").arg(source, folder));
             m_outcome.warnings << app::makeError(QStringLiteral("not found, so not packaged"), source);
             continue;
         }
-        auto operation = FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
-                                                   &progress, existingDestination());
         if (m_request->choices.writeManifest)
             operation->hashWhileCopying();
         if (m_foldersMadeByRun.contains(m_targetPackageFolderPath))

@@ -1,10 +1,11 @@
 #include "package/PackageManifest.h"
 
+#include "package/Sha256.h"
+
 #include "app/BuildInfo.h"
 #include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -14,6 +15,7 @@
 #include <QSet>
 #include <QTimeZone>
 
+#include <algorithm>
 #include <cerrno>
 #include <vector>
 
@@ -57,7 +59,7 @@ QList<FileOnDisk> filesUnder(const QString& folder)
 // The SHA-256 (hex) of a file's data, or of a symbolic link's target text.
 app::Result<QByteArray> sha256OfFile(const QString& path, const struct stat& info)
 {
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Sha256 hash;
     const QByteArray local = app::localBytesOfPath(path);
     if (S_ISLNK(info.st_mode)) {
         QByteArray target(static_cast<qsizetype>(info.st_size) + 1, Qt::Uninitialized);
@@ -65,12 +67,14 @@ app::Result<QByteArray> sha256OfFile(const QString& path, const struct stat& inf
         if (length < 0)
             return app::openError(path, errno);
         hash.addData(QByteArrayView(target.constData(), length));
-        return hash.result().toHex();
+        return hash.hexResult();
     }
     app::Result<app::ReadableFile> file = app::openRegularFile(path);
     if (!file)
         return file.error();
-    std::vector<char> buffer(1 << 20);
+    // No larger than the file: clearing a megabyte for each of thousands of small files costs more
+    // than reading them.
+    std::vector<char> buffer(static_cast<size_t>(std::clamp<qint64>(file->size() + 1, 1, 1 << 20)));
     while (true) {
         const ssize_t got = ::read(file->descriptor(), buffer.data(), buffer.size());
         if (got < 0 && errno == EINTR)
@@ -78,7 +82,7 @@ app::Result<QByteArray> sha256OfFile(const QString& path, const struct stat& inf
         if (got < 0)
             return app::makeError(QStringLiteral("cannot be read: %1").arg(app::systemErrorText(errno)), path);
         if (got == 0)
-            return hash.result().toHex();
+            return hash.hexResult();
         hash.addData(QByteArrayView(buffer.data(), got));
     }
 }

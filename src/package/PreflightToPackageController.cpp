@@ -7,12 +7,16 @@
 #include "app/Company.h"
 #include "app/Log.h"
 #include "app/Numbers.h"
+#include "app/ParallelFor.h"
 #include "host/InDesignHost.h"
 #include "preflight/DocumentWarnings.h"
 #include "reports/PreflightResults.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <optional>
+#include <vector>
 
 namespace quillon::package {
 
@@ -41,15 +45,15 @@ const QMap<QString, BatchStage>& batchStages()
 // The preflight's stages move the batch bar within the document's segment.
 class BatchStageProgress : public app::ProgressSink {
 public:
-    explicit BatchStageProgress(QNPreflightToPackageController& controller) : m_controller(controller) {}
+    explicit BatchStageProgress(std::function<void(const QString&)> showStage) : m_showStage(std::move(showStage)) {}
     void stage(const QString& name, const QString& text) override
     {
         (void)text;
-        m_controller.setBatchPreflightProgressValueToStage(name);
+        m_showStage(name);
     }
 
 private:
-    QNPreflightToPackageController& m_controller;
+    std::function<void(const QString&)> m_showStage;
 };
 
 // "Cannot ...": the host's brief message, critical.
@@ -133,15 +137,20 @@ bool QNPreflightToPackageController::preflightForPackaging(const QList<TNFileIte
     m_mode = mode;
     m_numOfDocsInBatch = documents.size();
     m_progressSegmentForDoc = static_cast<double>(100 / documents.size());
-    for (int index = 0; index < documents.size(); ++index) {
-        if (options.cancel != nullptr && options.cancel->isCancelled()) {
-            m_failure = app::makeError(QStringLiteral("the preflight was cancelled"));
+    if (options.jobs > 1 && options.hostForJob && documents.size() > 1) {
+        if (!preflightSeveralAtOnce(documents, options))
             return false;
+    } else {
+        for (int index = 0; index < documents.size(); ++index) {
+            if (options.cancel != nullptr && options.cancel->isCancelled()) {
+                m_failure = app::makeError(QStringLiteral("the preflight was cancelled"));
+                return false;
+            }
+            if (app::Status done = preflightDoc(m_host, documents.at(index), options, index); !done) {
+                m_failure = done.error();
+                return false;
+            }
         }
-        m_indexOfCurrDocInBatch = index + 1;
-        m_startValueOfCurrDoc = index * m_progressSegmentForDoc;
-        if (!preflightDoc(documents.at(index), options, index))
-            return false;
     }
     app::logLine(QStringLiteral("q empty, done"));
     if (m_mode == PackageMode::Unified)
@@ -150,44 +159,94 @@ bool QNPreflightToPackageController::preflightForPackaging(const QList<TNFileIte
     return true;
 }
 
-bool QNPreflightToPackageController::preflightDoc(const TNFileItem& document, const BatchPreflightOptions& options,
-                                                  int index)
+bool QNPreflightToPackageController::preflightSeveralAtOnce(const QList<TNFileItem>& documents,
+                                                            const BatchPreflightOptions& options)
 {
-    m_currentName = document.name;
-    m_batchBarValue = m_startValueOfCurrDoc;
-    m_batchBar.setValue(m_batchBarValue);
-    m_batchBar.status(composePreflightStatusBaseStr() + QStringLiteral(" Opening..."));
-    setInDesignScriptUserInteraction(m_host, false);
-    if (!openDocFromInDesign(m_host, m_alerts, document.path)) {
-        app::logFailure(QStringLiteral("open doc"));
-        m_failure = app::makeError(QStringLiteral("the document could not be opened"), document.path);
+    // The first job works in the controller's host, every other in one of its own.
+    std::vector<std::unique_ptr<host::InDesignHost>> hosts(static_cast<size_t>(options.jobs));
+    std::vector<std::optional<app::Error>> failures(static_cast<size_t>(documents.size()));
+    app::CancelFlag stop; // a failed document ends the batch: no other one starts
+    app::parallelFor(documents.size(), {.maxThreads = options.jobs, .cancel = &stop}, [&](int worker, qsizetype index) {
+        if (options.cancel != nullptr && options.cancel->isCancelled()) {
+            stop.cancel();
+            return;
+        }
+        auto& own = hosts[static_cast<size_t>(worker)];
+        if (worker > 0 && !own)
+            own = options.hostForJob();
+        host::InDesignHost& host = worker == 0 ? m_host : *own;
+        if (app::Status done = preflightDoc(host, documents.at(index), options, static_cast<int>(index)); !done) {
+            failures[static_cast<size_t>(index)] = done.error();
+            stop.cancel();
+        }
+    });
+    // The first document that failed is the one reported, as one at a time would.
+    for (const std::optional<app::Error>& failure : failures)
+        if (failure) {
+            m_failure = *failure;
+            return false;
+        }
+    if (stop.isCancelled() || (options.cancel != nullptr && options.cancel->isCancelled())) {
+        m_failure = app::makeError(QStringLiteral("the preflight was cancelled"));
         return false;
+    }
+    return true;
+}
+
+app::Status QNPreflightToPackageController::preflightDoc(host::InDesignHost& host, const TNFileItem& document,
+                                                         const BatchPreflightOptions& options, int index)
+{
+    const DocumentSlot slot{document.name, index + 1, index * m_progressSegmentForDoc};
+    {
+        std::lock_guard lock(m_mutex);
+        useSlot(slot);
+        m_batchBarValue = m_startValueOfCurrDoc;
+        m_batchBar.setValue(m_batchBarValue);
+        m_batchBar.status(composePreflightStatusBaseStr() + QStringLiteral(" Opening..."));
+    }
+    setInDesignScriptUserInteraction(host, false);
+    if (!openDocFromInDesign(host, m_alerts, document.path)) {
+        app::logFailure(QStringLiteral("open doc"));
+        return app::makeError(QStringLiteral("the document could not be opened"), document.path);
     }
     const QString runFolder = QDir(options.workFolder).filePath(QString::number(index));
     QDir().mkpath(runFolder);
     PackagingResults results(reports::PreflightResults::fixedPreset(options.preset));
-    BatchStageProgress progress(*this);
-    const DocumentPreflightRequest request{m_host, preflight::PreflightFolders::inside(runFolder), options.preset,
+    const auto showStage = [this, &slot](const QString& stageKey) {
+        std::lock_guard lock(m_mutex);
+        useSlot(slot);
+        setBatchPreflightProgressValueToStage(stageKey);
+    };
+    BatchStageProgress progress(showStage);
+    const DocumentPreflightRequest request{host, preflight::PreflightFolders::inside(runFolder), options.preset,
                                            options.linkFolders, options.cancel};
     const app::Result<preflight::PreflightOutcome> outcome =
         preflightActiveDocument(request, m_alerts, progress, results);
     QDir(runFolder).removeRecursively();
-    setBatchPreflightProgressValueToStage(QStringLiteral("close"));
-    closeDoc1(m_host, m_alerts, document.path);
-    setInDesignScriptUserInteraction(m_host, true);
+    showStage(QStringLiteral("close"));
+    closeDoc1(host, m_alerts, document.path);
+    setInDesignScriptUserInteraction(host, true);
     if (!outcome) {
-        m_failure = outcome.error();
-        if (m_failure.file.isEmpty())
-            m_failure.file = document.path;
-        return false;
+        app::Error failure = outcome.error();
+        if (failure.file.isEmpty())
+            failure.file = document.path;
+        return failure;
     }
     addPreflightDataForProcessedDoc(recordOf(document, *outcome, results));
-    setBatchPreflightProgressValueToStage(QStringLiteral("end"));
-    return true;
+    showStage(QStringLiteral("end"));
+    return {};
+}
+
+void QNPreflightToPackageController::useSlot(const DocumentSlot& slot)
+{
+    m_currentName = slot.name;
+    m_indexOfCurrDocInBatch = slot.index;
+    m_startValueOfCurrDoc = slot.startValue;
 }
 
 void QNPreflightToPackageController::addPreflightDataForProcessedDoc(const PreflightedDocument& document)
 {
+    std::lock_guard lock(m_mutex);
     m_processed.insert(document.docItem.path, document);
 }
 
@@ -245,6 +304,7 @@ QString QNPreflightToPackageController::composePreflightStatusBaseStr() const
 
 void QNPreflightToPackageController::setBatchPreflightProgressValueToStage(const QString& stageKey)
 {
+    std::lock_guard lock(m_mutex);
     const auto stage = batchStages().constFind(stageKey);
     if (stage == batchStages().cend())
         return;

@@ -6,6 +6,7 @@
 #include "package/PreflightedDocument.h"
 
 #include "app/Progress.h"
+#include "app/Result.h"
 
 #include <QList>
 #include <QMap>
@@ -13,6 +14,10 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
+
+#include <functional>
+#include <memory>
+#include <mutex>
 
 namespace quillon::app {
 class AlertSink;
@@ -33,10 +38,15 @@ void setInDesignScriptUserInteraction(host::InDesignHost& host, bool interactWit
 
 // What every document of a batch preflight shares.
 struct BatchPreflightOptions {
-    QVariantMap preset;      // the checkup preset the results are judged by; empty: not judged
-    QStringList linkFolders; // searched by file name for links missing at their recorded path
-    QString workFolder;      // each document gets a folder of its own inside it, removed after
+    QVariantMap preset = {};      // the checkup preset the results are judged by; empty: not judged
+    QStringList linkFolders = {}; // searched by file name for links missing at their recorded path
+    QString workFolder = {};      // each document gets a folder of its own inside it, removed after
     app::CancelFlag* cancel = nullptr;
+    // Documents preflighted at the same time. Each job but the first opens its document in a
+    // host of its own, so jobs never share an active document; without `hostForJob` the
+    // documents go one at a time through the controller's host.
+    int jobs = 1;
+    std::function<std::unique_ptr<host::InDesignHost>()> hostForJob = {};
 };
 
 // The bytes a batch will package, as the total-size field shows them.
@@ -89,7 +99,16 @@ public:
     double batchBarValue() const { return m_batchBarValue; }
 
 private:
-    bool preflightDoc(const TNFileItem& document, const BatchPreflightOptions& options, int index);
+    // The batch bar's place of one document; the bar shows the last one to move it.
+    struct DocumentSlot {
+        QString name;
+        long index = 0; // from 1
+        double startValue = 0;
+    };
+    app::Status preflightDoc(host::InDesignHost& host, const TNFileItem& document, const BatchPreflightOptions& options,
+                             int index);
+    bool preflightSeveralAtOnce(const QList<TNFileItem>& documents, const BatchPreflightOptions& options);
+    void useSlot(const DocumentSlot& slot);
 
     host::InDesignHost& m_host;
     app::AlertSink& m_alerts;
@@ -106,6 +125,8 @@ private:
     double m_progressSegmentForDoc = 0;
     double m_startValueOfCurrDoc = 0;
     double m_batchBarValue = 0;
+    // Guards the bar, the records and the failure while documents are preflighted at once.
+    mutable std::recursive_mutex m_mutex;
 };
 
 } // namespace quillon::package

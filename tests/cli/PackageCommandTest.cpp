@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTimeZone>
 
@@ -133,4 +135,42 @@ TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkIns
     run = runQuillon({u"verify"_s, to + u"/Bare"_s}, environment);
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("package-manifest.json: the package has no manifest")) << run.err.toStdString();
+}
+
+TEST(PackageCommand, DocumentsPreflightedAtOnceGiveTheSamePackage)
+{
+    QTemporaryDir config, tmp, out;
+    const QStringList environment{u"XDG_CONFIG_HOME="_s + config.path(), u"TMPDIR="_s + tmp.path(), u"LC_ALL=C"_s};
+    const QStringList documents{repoPath(u"resources/sample/sample-brochure.idml"_s),
+                                samplePath(u"idml/interview.idml"_s), samplePath(u"idml/helloworld-1.idml"_s)};
+    // The manifest and the summary of a run, without what differs between runs: the times and
+    // the private work folder. Both runs package into the same folder, moved aside after the first.
+    const QString to = out.filePath(u"packages"_s);
+    const auto packageWith = [&](const QString& jobs) {
+        const CliRun run = runQuillon(
+            QStringList{u"package"_s} + documents +
+                QStringList{u"--to"_s, to, u"--unified"_s, u"Job"_s, u"--jobs"_s, jobs, u"--format"_s, u"json"_s},
+            environment);
+        EXPECT_LE(run.exitCode, 1) << run.err.toStdString();
+        QFile file(to + u"/Job/package-manifest.json"_s);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        QJsonObject manifest = QJsonDocument::fromJson(file.readAll()).object();
+        manifest.remove(u"created"_s);
+        QJsonArray files;
+        for (const QJsonValue& entry : manifest[u"files"_s].toArray()) {
+            QJsonObject kept = entry.toObject();
+            kept.remove(u"modified"_s);
+            files.append(kept);
+        }
+        manifest[u"files"_s] = files;
+        EXPECT_TRUE(QDir().rename(to + u"/Job"_s, out.filePath(u"Job-"_s + jobs)));
+        return std::pair{QString::fromUtf8(run.out).replace(QRegularExpression(u"quillon-package-\\w+"_s), u"work"_s),
+                         manifest};
+    };
+    const auto [oneSummary, oneManifest] = packageWith(u"1"_s);
+    const auto [twoSummary, twoManifest] = packageWith(u"2"_s);
+    EXPECT_EQ(oneManifest[u"documents"_s].toArray().size(), 3);
+    EXPECT_GT(oneManifest[u"files"_s].toArray().size(), 3);
+    EXPECT_EQ(twoSummary, oneSummary);
+    EXPECT_EQ(twoManifest, oneManifest);
 }

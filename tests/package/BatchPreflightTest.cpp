@@ -40,7 +40,7 @@ TEST(BatchPreflight, SevenDocumentsEndAt98AndSharedLinkNamesCountOnce)
     app::ScriptedAlertSink alerts;
     BarValues bar;
     QNPreflightToPackageController batch(host, alerts, bar);
-    BatchPreflightOptions options{{}, {set + u"/media"_s}, dir.filePath(u"work"_s), nullptr};
+    BatchPreflightOptions options{.linkFolders = {set + u"/media"_s}, .workFolder = dir.filePath(u"work"_s)};
     ASSERT_TRUE(batch.preflightForPackaging(documents, PackageMode::Unified, options));
     EXPECT_EQ(batch.progressSegmentForDoc(), 14);
     EXPECT_EQ(bar.values.last(), 98);
