@@ -157,7 +157,7 @@ void QNPackageController::packageDocsSeparately()
         m_progress->startProgr1ForDocName(document.docItem.name, m_indexOfCurrDocInBatch, count);
         showProgress();
         // Named only when links are collected: without, the document goes where the one before
-        // went (nowhere for the first), as the earlier versions did.
+        // went (nowhere for the first); kept on purpose.
         if (choices.collectLinks) {
             m_targetPackageFolderPath = separatePackageFolderPath(naming, document.docItem.path);
             makePackageFolder(m_targetPackageFolderPath);

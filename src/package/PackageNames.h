@@ -17,7 +17,7 @@ struct PackageFolderNaming {
 
 // The unified package folder's name: field 1 and field 2, or, when both are empty, the first
 // document's name without its extension. A taken name is numbered unless overwriting; the test
-// is made on the name before "/" and ":" become "_", as the earlier versions did.
+// is made on the name before "/" and ":" become "_"; kept on purpose.
 QString packageFolderNameForUnified(const PackageFolderNaming& naming, const QString& firstDocumentPath);
 
 // The separate package folder of one document: its name without extension and field 2, with

@@ -61,7 +61,7 @@ void PackageProgress::fileCopyOperationDidFinished(const std::shared_ptr<FileCop
     (void)operation;
     std::lock_guard lock(m_mutex);
     m_currCopyOp.reset();
-    // Separate packages count each file from 0 again, as the earlier versions did.
+    // Separate packages count each file from 0 again: each document is a run of its own.
     if (m_mode == PackageMode::Unified)
         m_progrStartValueForCopyOperation = m_bar2.value;
 }

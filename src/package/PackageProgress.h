@@ -57,7 +57,7 @@ public:
     // Recomputes the time left at most every 0.9 s, from the rate of the last interval only.
     void setRemainingTimeStrForTotalBytesWritten(double totalWritten);
     // "59 sec", "About 59 min", "About 1 hr 60 min": the minutes of the hour form are the
-    // total minutes, as users of the earlier versions know it.
+    // total minutes, a form operators know; kept on purpose.
     static QString formatTimeLeftFromSeconds(long seconds);
 
     void setProgr1Maximum(double maximum);

@@ -29,7 +29,7 @@ TEST(PackageProgress, TimeLeftAtItsBoundariesFromTheLastIntervalOnly)
         long seconds;
         const char* text;
     };
-    // The hour form gives the total minutes: earlier versions showed it so.
+    // The hour form gives the total minutes, on purpose.
     for (const Case& c : {Case{59, "59 sec"}, Case{60, "About 1 min"}, Case{3599, "About 59 min"},
                           Case{3600, "About 1 hr 60 min"}, Case{5400, "About 1 hr 90 min"}, Case{-3, "-3 sec"}}) {
         SCOPED_TRACE(c.seconds);
