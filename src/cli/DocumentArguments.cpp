@@ -1,5 +1,6 @@
 #include "cli/DocumentArguments.h"
 
+#include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 #include "cli/Commands.h"
 #include "cli/TerminalText.h"
@@ -178,6 +179,30 @@ void addLinkSearchOption(CLI::App& command, int& depth)
                     "missing where the document recorded them, 0 to 8 (default 0: the document's folder and its "
                     "Links folder)")
         ->check(CLI::Range(0, kMaxLinkSearchDepth));
+}
+
+std::optional<QStringList> linkFoldersFromArguments(const std::vector<std::string>& folders, const char* command)
+{
+    QStringList absolute;
+    for (const std::string& dir : folders) {
+        const QString path = app::pathFromLocalBytes(dir);
+        const QFileInfo folder(path);
+        if (!folder.isDir()) {
+            report(command, path + QStringLiteral(": --links-dir needs a folder, and there is none here"),
+                   kExitFailure);
+            return std::nullopt;
+        }
+        absolute << folder.absoluteFilePath();
+    }
+    return absolute;
+}
+
+int documentJobs(int jobsOption)
+{
+    const int cores = app::coreCount();
+    if (jobsOption > 0)
+        app::setParallelThreadBudget(jobsOption * cores - 1);
+    return jobsOption > 0 ? jobsOption : cores;
 }
 
 } // namespace quillon::cli

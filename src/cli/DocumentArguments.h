@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,5 +48,14 @@ QString linkSearchCappedWarning(const QString& documentPath, int maxFolders = kM
 
 // Adds --search-links to `command`.
 void addLinkSearchOption(CLI::App& command, int& depth);
+
+// The --links-dir folders as absolute paths; none when one of them is not a folder, which is
+// printed as "quillon <command>: ..." naming it.
+std::optional<QStringList> linkFoldersFromArguments(const std::vector<std::string>& folders, const char* command);
+
+// The documents run at once for --jobs N (0: not given). N never sets more than N times the cores
+// to work: the documents and the fan-outs inside each of them draw their threads from one budget.
+// Without it, a document a core, sharing the budget the program starts with.
+int documentJobs(int jobsOption);
 
 } // namespace quillon::cli

@@ -5,6 +5,7 @@
 #include "app/Numbers.h"
 #include "app/ParallelFor.h"
 #include "app/RegularFile.h"
+#include "cli/DocumentArguments.h"
 #include "cli/Interruption.h"
 #include "cli/JsonOutput.h"
 #include "cli/OfflineDocument.h"
@@ -210,15 +211,9 @@ int runPackage(const PackageOptions& options)
         extras << (info.isDir() ? package::TNFileItem::folderItemWithPath(info.absoluteFilePath())
                                 : package::TNFileItem::fileItemWithPath(info.absoluteFilePath()));
     }
-    QStringList linkFolders;
-    for (const std::string& dir : options.linkDirs) {
-        const QFileInfo folder(q(dir));
-        if (!folder.isDir()) {
-            printError(q(dir), QStringLiteral("--links-dir needs a folder, and there is none here"));
-            return kExitFailure;
-        }
-        linkFolders << folder.absoluteFilePath();
-    }
+    const std::optional<QStringList> linkFolders = linkFoldersFromArguments(options.linkDirs, "package");
+    if (!linkFolders)
+        return kExitFailure;
     const QString hotFolder =
         options.hotFolder.empty() ? QString() : QFileInfo(q(options.hotFolder)).absoluteFilePath();
     if (!hotFolder.isEmpty() && !QFileInfo(hotFolder).isDir()) {
@@ -245,16 +240,12 @@ int runPackage(const PackageOptions& options)
     BatchLine batchLine(line);
     package::QNPreflightToPackageController batch(host, alerts, batchLine);
     package::BatchPreflightOptions batchOptions{.preset = preset->preset,
-                                                .linkFolders = linkFolders,
+                                                .linkFolders = *linkFolders,
                                                 .workFolder = QDir(work.path()).filePath(QStringLiteral("preflight")),
                                                 .cancel = &cancel};
-    // --jobs N preflights N documents at once and never sets more than N times the cores to
-    // work, as the preflight command does. Each job opens its document in an offline host of
-    // its own, so that no two share the active document.
-    const int cores = app::coreCount();
-    if (options.jobs > 0)
-        app::setParallelThreadBudget(options.jobs * cores - 1);
-    batchOptions.jobs = options.jobs > 0 ? options.jobs : cores;
+    // Each job opens its document in an offline host of its own, so that no two share the active
+    // document.
+    batchOptions.jobs = documentJobs(options.jobs);
     batchOptions.hostForJob = [folder = work.path()]() -> std::unique_ptr<host::InDesignHost> {
         auto own = std::make_unique<host::OfflineIdmlHost>();
         own->setWorkFolder(folder);

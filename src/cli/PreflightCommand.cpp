@@ -96,13 +96,7 @@ int preflightAll(const PreflightOptions& options, const QStringList& paths, cons
         return kExitFailure;
 
     const QStringList reportNames = reportFileNames(paths);
-    // --jobs N runs N documents at once and never sets more than N times the cores to work: the
-    // documents and the fan-outs inside each of them draw their threads from one budget. Without
-    // it, a document a core, sharing the budget the program starts with.
-    const int cores = app::coreCount();
-    if (options.jobs > 0)
-        app::setParallelThreadBudget(options.jobs * cores - 1);
-    const int jobs = options.jobs > 0 ? options.jobs : cores;
+    const int jobs = documentJobs(options.jobs);
 
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal() && !output.quiet);
     OrderedPrinter printer(format, preset.name, output, progress, paths.size());
@@ -160,14 +154,10 @@ int runPreflight(const PreflightOptions& options)
     }
     PreflightJobOptions jobOptions;
     jobOptions.preset = preset->preset;
-    for (const std::string& dir : options.linkDirs) {
-        const QFileInfo folder(q(dir));
-        if (!folder.isDir()) {
-            printError(q(dir), QStringLiteral("--links-dir needs a folder, and there is none here"));
-            return kExitFailure;
-        }
-        jobOptions.linkFolders << folder.absoluteFilePath();
-    }
+    const std::optional<QStringList> linkFolders = linkFoldersFromArguments(options.linkDirs, "preflight");
+    if (!linkFolders)
+        return kExitFailure;
+    jobOptions.linkFolders = *linkFolders;
     QString reportDir;
     if (!options.reportDir.empty()) {
         reportDir = QFileInfo(q(options.reportDir)).absoluteFilePath();

@@ -83,6 +83,16 @@ void QNDocInfo::setBleedOrSlug(bool bleed, const QString& text)
     (bleed ? m_bleedStr : m_slugStr) = text;
 }
 
+std::optional<double> QNDocInfo::bleedPoints() const
+{
+    return m_hasDocumentPreference ? std::optional(narrowestSideInPoints(m_bleedValues)) : std::nullopt;
+}
+
+std::optional<double> QNDocInfo::slugPoints() const
+{
+    return m_hasDocumentPreference ? std::optional(narrowestSideInPoints(m_slugValues)) : std::nullopt;
+}
+
 app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document)
 {
     app::logLine(QStringLiteral("> parseDocInfoInIDMLFolderAtPath: %1").arg(document.name()));
@@ -112,15 +122,14 @@ app::Status QNDocInfo::parseDocInfoInDocument(const idml::IdmlDocument& document
     if (!preference) {
         app::logFailure(QStringLiteral("get DocumentPreference nodes: %1").arg(path));
         m_bleedStr = m_slugStr = QStringLiteral("-");
-        m_bleedPoints = m_slugPoints = std::nullopt;
+        m_hasDocumentPreference = false;
         return read;
     }
     m_bleedValues = bleedOrSlugValues(preference, true);
     m_slugValues = bleedOrSlugValues(preference, false);
     setBleedOrSlug(true, bleedOrSlugText(m_bleedValues, m_horizMeasurementUnits));
     setBleedOrSlug(false, bleedOrSlugText(m_slugValues, m_horizMeasurementUnits));
-    m_bleedPoints = narrowestSideInPoints(m_bleedValues);
-    m_slugPoints = narrowestSideInPoints(m_slugValues);
+    m_hasDocumentPreference = true;
     return read;
 }
 

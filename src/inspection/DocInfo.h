@@ -91,8 +91,8 @@ public:
     const QString& slugStr() const { return m_slugStr; }
     // The narrowest side of the bleed and of the slug in points; nothing when the document's
     // preferences could not be read.
-    std::optional<double> bleedPoints() const { return m_bleedPoints; }
-    std::optional<double> slugPoints() const { return m_slugPoints; }
+    std::optional<double> bleedPoints() const;
+    std::optional<double> slugPoints() const;
     // The attributes the bleed and slug texts were made from (points); empty without preferences.
     const BleedOrSlugValues& bleedValues() const { return m_bleedValues; }
     const BleedOrSlugValues& slugValues() const { return m_slugValues; }
@@ -120,8 +120,7 @@ private:
     DocPageSizes m_docPageSizes;
     QString m_bleedStr;
     QString m_slugStr;
-    std::optional<double> m_bleedPoints;
-    std::optional<double> m_slugPoints;
+    bool m_hasDocumentPreference = false; // the bleed and slug values were read
     BleedOrSlugValues m_bleedValues;
     BleedOrSlugValues m_slugValues;
     QString m_horizMeasurementUnits;

@@ -14,14 +14,4 @@ QVariantList PreflightedDocument::fonts() const
     return tmpFontData.value(docItem.path).toMap().value(app::kGroupChildrenKey).toList();
 }
 
-QVariantMap PreflightedDocument::toRecord() const
-{
-    return {
-        {QStringLiteral("tmpLinkData"), tmpLinkData},       {QStringLiteral("tmpColorData"), tmpColorData},
-        {QStringLiteral("tmpFontData"), tmpFontData},       {QStringLiteral("docInfo"), docInfo.toVariantMap()},
-        {QStringLiteral("finalLinkItems"), finalLinkItems}, {QStringLiteral("finalColorItems"), finalColorItems},
-        {QStringLiteral("finalFontItems"), finalFontItems}, {QStringLiteral("docItem"), docItem.path},
-    };
-}
-
 } // namespace quillon::package

@@ -28,8 +28,6 @@ struct PreflightedDocument {
     QVariantList links() const;
     // The font records of the document: tmpFontData[path]["children"].
     QVariantList fonts() const;
-    // The eight-entry record under its keys ("tmpLinkData", ..., "docItem" as the item's path).
-    QVariantMap toRecord() const;
 };
 
 } // namespace quillon::package
