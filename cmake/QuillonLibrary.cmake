@@ -27,12 +27,16 @@ function(quillon_library name)
   target_compile_definitions(quillon_${name} ${scope} QT_NO_KEYWORDS)
 endfunction()
 
-# One GoogleTest program per test folder; each test case becomes a CTest test.
+# One GoogleTest program per test folder; each test case becomes a CTest test. MAIN names another
+# main() library (the desktop tests need a GUI application).
 function(quillon_test name)
-  cmake_parse_arguments(QT "" "" "LINKS" ${ARGN})
+  cmake_parse_arguments(QT "" "MAIN" "LINKS" ${ARGN})
+  if(NOT QT_MAIN)
+    set(QT_MAIN quillon_testmain)
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
   add_executable(test_${name} ${sources})
-  target_link_libraries(test_${name} PRIVATE ${QT_LINKS} GTest::gtest GTest::gmock quillon_testmain)
+  target_link_libraries(test_${name} PRIVATE ${QT_LINKS} GTest::gtest GTest::gmock ${QT_MAIN})
   target_compile_definitions(test_${name} PRIVATE QUILLON_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   gtest_discover_tests(test_${name}
     WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
