@@ -1,15 +1,28 @@
+#include "app/Company.h"
+#include "app/Settings.h"
+#include "ui/AppController.h"
+#include "ui/Icons.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Quillon"));
-    quillon::ui::MainWindow window;
-    window.show();
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QLatin1String(quillon::app::kCompanyName));
+    QApplication::setApplicationName(QLatin1String(quillon::app::kApplicationName));
+    QApplication::setDesktopFileName(QStringLiteral("quillon"));
+    QApplication::setWindowIcon(quillon::ui::namedIcon(QStringLiteral("quillon")));
+
+    quillon::app::Settings settings;
+    quillon::ui::AppController controller(settings);
+    controller.applicationWillFinishLaunching();
+    QObject::connect(&application, &QApplication::aboutToQuit, &controller,
+                     [&controller] { controller.applicationWillTerminate(); });
+    controller.applicationDidFinishLaunching();
+    // Documents given on the command line (or by the desktop's "Open With") are preflighted.
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() > 1)
-        window.openDocument(arguments.at(1));
+    for (qsizetype i = 1; i < arguments.size(); ++i)
+        controller.mainWindow()->openDocument(arguments.at(i));
     return QApplication::exec();
 }
