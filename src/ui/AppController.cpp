@@ -44,7 +44,7 @@ QStringList AppController::makeSupportFolders()
     for (const QString& folder : {QFileInfo(appDir).absolutePath(), appDir, results::presetsFolderPath()}) {
         if (QFileInfo(folder).isDir())
             continue;
-        if (QDir().mkdir(folder))
+        if (QDir().mkpath(folder))
             made.append(folder);
         else
             app::logFailure(QStringLiteral("create folder %1").arg(folder));
@@ -84,7 +84,7 @@ void AppController::applicationWillFinishLaunching()
     m_alerts = std::make_unique<GuiAlertSink>(m_window.get());
     m_metadataPane = new MetadataPane;
     m_informationPane = new InformationPane;
-    auto* details = new QTabWidget;
+    auto* details = new QTabWidget(m_window.get()); // owned by the window until it places it
     details->addTab(m_informationPane, QStringLiteral("Info"));
     details->addTab(m_metadataPane, QStringLiteral("Metadata"));
     m_window->setDetailPane(details);
