@@ -93,6 +93,7 @@ CustomAlertDialog::CustomAlertDialog(QWidget* parent)
     texts->setSpacing(8);
     texts->addWidget(m_message);
     texts->addWidget(scroll);
+    texts->addStretch(1);
 
     auto* top = new QHBoxLayout;
     top->setSpacing(18);

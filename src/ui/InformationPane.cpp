@@ -56,15 +56,17 @@ InformationPane::InformationPane(QWidget* parent)
     layout->addStretch(1);
 }
 
-void InformationPane::addFact(const QString& label, const QString& value)
+void InformationPane::addFact(const QString& label, const QString& value, int row)
 {
     if (value.isEmpty())
         return;
     auto* field = new QLabel(value);
     field->setWordWrap(true);
     field->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_facts->addRow(label + QLatin1Char(':'), field);
-    m_shown.append({label, value});
+    if (row < 0 || row > m_facts->rowCount())
+        row = m_facts->rowCount();
+    m_facts->insertRow(row, label + QLatin1Char(':'), field);
+    m_shown.insert(row, {label, value});
 }
 
 void InformationPane::setInfoForFile(const QVariantMap& record)
@@ -125,7 +127,8 @@ void InformationPane::showPicture(quint64 generation, const QImage& picture, QSi
             picture.scaled(kThumbnailSize, kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
     }
     if (fullSize.isValid())
-        addFact(QStringLiteral("Pixels"), QStringLiteral("%1 × %2").arg(fullSize.width()).arg(fullSize.height()));
+        addFact(QStringLiteral("Pixels"), QStringLiteral("%1 × %2").arg(fullSize.width()).arg(fullSize.height()),
+                m_facts->rowCount() - 1); // above the path, which is last
     Q_EMIT previewReady();
 }
 

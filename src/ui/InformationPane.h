@@ -36,7 +36,8 @@ Q_SIGNALS:
 
 private:
     void showPicture(quint64 generation, const QImage& picture, QSize fullSize);
-    void addFact(const QString& label, const QString& value);
+    // Adds a row at `row` (the end when -1); an empty value adds nothing.
+    void addFact(const QString& label, const QString& value, int row = -1);
 
     QLabel* m_thumbnail;
     QLabel* m_name;

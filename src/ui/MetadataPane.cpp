@@ -4,9 +4,10 @@
 #include "fileinspect/PXMetadataController.h"
 
 #include <QHeaderView>
+#include <QLabel>
+#include <QStackedLayout>
 #include <QStandardItemModel>
 #include <QTableView>
-#include <QVBoxLayout>
 
 namespace quillon::ui {
 
@@ -20,11 +21,12 @@ QList<QStandardItem*> headerRow(const QString& section, const QPalette& palette)
     QFont font = item->font();
     font.setBold(true);
     item->setFont(font);
-    item->setBackground(palette.color(QPalette::Mid));
-    item->setForeground(palette.color(QPalette::BrightText));
+    const QColor band = palette.color(QPalette::Midlight).darker(108);
+    item->setBackground(band);
+    item->setForeground(palette.color(QPalette::Text));
     item->setData(true, kHeaderRole);
     auto* rest = new QStandardItem;
-    rest->setBackground(palette.color(QPalette::Mid));
+    rest->setBackground(band);
     rest->setData(true, kHeaderRole);
     return {item, rest};
 }
@@ -32,22 +34,25 @@ QList<QStandardItem*> headerRow(const QString& section, const QPalette& palette)
 } // namespace
 
 MetadataPane::MetadataPane(QWidget* parent)
-    : QWidget(parent), m_model(new QStandardItemModel(0, 2, this)), m_table(new QTableView)
+    : QWidget(parent), m_model(new QStandardItemModel(0, 2, this)), m_table(new QTableView),
+      m_empty(new QLabel(QStringLiteral("No metadata"))), m_stack(new QStackedLayout(this))
 {
     m_model->setHorizontalHeaderLabels({QStringLiteral("Tag"), QStringLiteral("Value")});
     m_table->setModel(m_model);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setShowGrid(false);
+    m_table->setFocusPolicy(Qt::NoFocus);
     m_table->setAlternatingRowColors(true);
     m_table->setWordWrap(false);
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(18);
     m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     m_table->horizontalHeader()->setStretchLastSection(true);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_table);
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setEnabled(false);
+    m_stack->addWidget(m_empty);
+    m_stack->addWidget(m_table);
 }
 
 void MetadataPane::setMetadataForFile(const QString& path, const QVariantList& rows)
@@ -55,8 +60,10 @@ void MetadataPane::setMetadataForFile(const QString& path, const QVariantList& r
     app::logLine(QStringLiteral("-> setMetadataForFile: %1").arg(rows.size()));
     m_table->clearSpans();
     m_model->removeRows(0, m_model->rowCount());
+    m_stack->setCurrentWidget(m_empty);
     if (path.isEmpty() || rows.isEmpty())
         return;
+    m_stack->setCurrentWidget(m_table);
     for (const QVariant& value : rows) {
         const QVariantMap row = value.toMap();
         const QString tag = row.value(fileinspect::metadatakeys::kTag).toString();
@@ -71,6 +78,7 @@ void MetadataPane::setMetadataForFile(const QString& path, const QVariantList& r
         text->setToolTip(text->text());
         m_model->appendRow({name, text});
     }
+    m_table->setCurrentIndex({});
 }
 
 QList<QStringList> MetadataPane::shownRows() const

@@ -3,6 +3,8 @@
 #include <QVariantList>
 #include <QWidget>
 
+class QLabel;
+class QStackedLayout;
 class QStandardItemModel;
 class QTableView;
 
@@ -28,6 +30,8 @@ public Q_SLOTS:
 private:
     QStandardItemModel* m_model;
     QTableView* m_table;
+    QLabel* m_empty; // shown instead of an empty table
+    QStackedLayout* m_stack;
 };
 
 } // namespace quillon::ui

@@ -14,6 +14,14 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 [[ -f $prefix/share/zsh/site-functions/_quillon ]] || fail "zsh completion missing"
 head -1 "$prefix/share/zsh/site-functions/_quillon" | grep -qx '#compdef quillon' || fail "zsh completion lacks #compdef"
 "$prefix/bin/quillon" --version | grep -q '^quillon ' || fail "installed command does not run"
+# The desktop application, when built, comes with its launcher entry (opening .idml files) and icon.
+if [[ -x $prefix/bin/quillon-gui ]]; then
+    desktop=$prefix/share/applications/quillon.desktop
+    [[ -f $desktop ]] || fail "share/applications/quillon.desktop missing"
+    grep -qx 'Exec=quillon-gui %F' "$desktop" || fail "desktop entry does not start quillon-gui with files"
+    grep -q '^MimeType=.*application/vnd.adobe.indesign-idml-package;' "$desktop" || fail "desktop entry does not open .idml"
+    [[ -f $prefix/share/icons/hicolor/scalable/apps/quillon.svg ]] || fail "application icon missing"
+fi
 
 complete_words() {
     bash -c 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _quillon; printf "%s\n" "${COMPREPLY[@]}"' \
