@@ -106,6 +106,8 @@ void AppController::applicationDidFinishLaunching()
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+    if (m_settings.boolean(kCheckForUpdatesAtLaunchSetting))
+        menuUpdate(true);
 }
 
 void AppController::applicationWillTerminate()

@@ -23,14 +23,19 @@ using namespace quillon;
 
 namespace {
 
-bool save(QWidget& widget, const QString& path)
+bool writePicture(QWidget& widget, const QString& path)
 {
     widget.show();
-    widget.adjustSize();
     QApplication::processEvents();
     const bool saved = widget.grab().save(path);
     std::printf("%s %s\n", saved ? "wrote" : "FAILED", qPrintable(path));
     return saved;
+}
+
+bool save(QWidget& widget, const QString& path)
+{
+    widget.adjustSize();
+    return writePicture(widget, path);
 }
 
 bool saveAlert(const QString& message, const QString& path)
@@ -66,11 +71,7 @@ bool saveDetailPanes(const QString& picture, const QString& kind, const QString&
                                  {links::kLinkScaleKey, QStringLiteral("50")},
                                  {links::kLinkPageKey, QStringLiteral("3")}});
     loop.exec();
-    window.show();
-    QApplication::processEvents();
-    const bool saved = window.grab().save(path);
-    std::printf("%s %s\n", saved ? "wrote" : "FAILED", qPrintable(path));
-    return saved;
+    return writePicture(window, path);
 }
 
 } // namespace
