@@ -125,7 +125,7 @@ QStringList launchCommand(const DesktopApplication& application, const QStringLi
             placed = true;
         } else if (word == QLatin1String("%u") || word == QLatin1String("%U")) {
             for (const QString& file : word == QLatin1String("%u") ? files.mid(0, 1) : files)
-                command.append(QUrl::fromLocalFile(file).toString());
+                command.append(QString::fromUtf8(QUrl::fromLocalFile(file).toEncoded()));
             placed = true;
         } else if (!(word.size() == 2 && word.startsWith(u'%'))) {
             command.append(QString(word).replace(QLatin1String("%%"), QLatin1String("%")));
