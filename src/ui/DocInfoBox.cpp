@@ -62,7 +62,11 @@ DocInfoBox::DocInfoBox(QWidget* parent) : QGroupBox(QStringLiteral("Document"), 
                                       {"bleedField", "Bleed:"},
                                       {"slugField", "Slug:"}})
         m_form->addRow(QString::fromUtf8(title), addField(QString::fromUtf8(name), {}));
-    m_fields.value(QStringLiteral("pathField"))->setWordWrap(true);
+    for (const char* name : {"nameField", "pathField"}) {
+        QLabel* field = m_fields.value(QString::fromUtf8(name));
+        field->setWordWrap(true);
+        field->setMinimumWidth(1); // long names wrap rather than widen the pane
+    }
     layout->addStretch(1);
 
     connect(m_docNamesPopup, &QComboBox::activated, this,

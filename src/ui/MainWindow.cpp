@@ -41,7 +41,7 @@ namespace {
 
 const app::SettingKey kSummaryIsCollapsed{"summaryIsCollapsed", false};
 const app::SettingKey kSummaryViewWidth{"summaryViewWidth", 0.0};
-constexpr int kDefaultSummaryWidth = 330;
+constexpr int kDefaultSummaryWidth = 320;
 constexpr int kWatchIntervalMs = 20;
 
 // Renaming a linked file asks the host to relink the document's link to the new name.
@@ -162,7 +162,7 @@ void MainWindow::buildWidgets()
     m_summaryView->setUniformRowHeights(true);
     m_summaryView->setSelectionMode(QAbstractItemView::NoSelection);
     m_summaryView->expandAll();
-    m_summaryView->setColumnWidth(0, 130);
+    m_summaryView->setColumnWidth(0, 140);
     connect(m_summaryModel, &QAbstractItemModel::modelReset, m_summaryView, &QTreeView::expandAll);
 
     // Top bar: the preflight button, the presets pop-up, the bar and the status line.
@@ -212,7 +212,7 @@ void MainWindow::buildWidgets()
     auto* summarySplit = new QSplitter(Qt::Vertical, this);
     summarySplit->addWidget(m_docInfoBox);
     summarySplit->addWidget(m_summaryView);
-    summarySplit->setSizes({330, 370});
+    summarySplit->setSizes({290, 410});
     m_summaryPane = summarySplit;
 
     m_mainSplit = new QSplitter(Qt::Horizontal, this);

@@ -21,6 +21,19 @@ constexpr int kArrowWidth = 10;
 void ResultDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
+    // A colour sample gets a thin frame, so white and light samples show on a white row.
+    if (const QVariant sample = index.data(Qt::DecorationRole); sample.metaType() == QMetaType::fromType<QColor>()) {
+        QPixmap swatch(option->decorationSize);
+        swatch.fill(Qt::transparent);
+        const QColor colour = sample.value<QColor>();
+        if (colour.alpha() > 0) {
+            QPainter painter(&swatch);
+            painter.setPen(QColor(0x80, 0x80, 0x80));
+            painter.setBrush(colour);
+            painter.drawRect(swatch.rect().adjusted(0, 0, -1, -1));
+        }
+        option->icon = QIcon(swatch);
+    }
     // Picture-only cells centre their picture.
     if (option->text.isEmpty() && !option->icon.isNull()) {
         option->decorationAlignment = Qt::AlignCenter;

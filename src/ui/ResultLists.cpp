@@ -25,9 +25,23 @@ namespace {
 const QString kAlertHeaderImage = QStringLiteral("HeaderTriangle");
 const QString kOkHeaderImage = QStringLiteral("ok-header");
 
+ResultColumn textColumn(const QString& key, const QString& title, int width,
+                        Comparison comparison = Comparison::CaseInsensitive, const QString& toolTip = {},
+                        const QString& sortKey = {})
+{
+    return {key, title, {}, toolTip, sortKey, comparison, false, width};
+}
+
+// A narrow column under a picture header; `imageOnly` unless its cells show a short text.
+ResultColumn pictureColumn(const QString& key, const QString& headerImage, const QString& toolTip,
+                           const QString& sortKey = {}, bool imageOnly = true)
+{
+    return {key, {}, headerImage, toolTip, sortKey, Comparison::Plain, imageOnly, imageOnly ? 28 : 36};
+}
+
 ResultColumn alertColumn()
 {
-    return {results::kAlertKey, {}, kAlertHeaderImage, {}, results::kAlertNameKey, Comparison::Plain, true, 28};
+    return pictureColumn(results::kAlertKey, kAlertHeaderImage, {}, results::kAlertNameKey);
 }
 
 // The picture of a file's type, looked up once per extension: ten thousand links share a few.
@@ -96,7 +110,7 @@ QColor swatchColor(const QVariantMap& record)
     case Kind::Hidden:
         break;
     }
-    return {};
+    return QColor(Qt::transparent); // keeps the names of rows without a sample in line
 }
 
 } // namespace
@@ -105,62 +119,26 @@ LinksModel::LinksModel(QObject* parent)
     : ResultModel(
           QStringLiteral("LINKS"),
           {
-              {lk::kLinkNameKey, {}, {}, {}, {}, Comparison::Natural, false, 240},
-              {lk::kLinkPageKey, QStringLiteral("Page"), {}, {}, {}, Comparison::Natural, false, 48},
-              {lk::kLinkKindKey, QStringLiteral("Kind"), {}, {}, {}, Comparison::CaseInsensitive, false, 90},
-              {lk::kLinkColorKey, QStringLiteral("Color"), {}, {}, {}, Comparison::CaseInsensitive, false, 70},
-              {lk::kLinkProfileKey, QStringLiteral("ICC Profile"), {}, {}, {}, Comparison::CaseInsensitive, false, 130},
-              {lk::kLinkSizeKey, QStringLiteral("Size"), {}, {}, lk::kLinkSizeBytesKey, Comparison::Plain, false, 66},
-              {lk::kLinkActualResKey,
-               QStringLiteral("Actual"),
-               {},
-               QStringLiteral("Actual (original) image resolution"),
-               {},
-               Comparison::Natural,
-               false,
-               56},
-              {lk::kLinkEffectiveResKey,
-               QStringLiteral("Effective"),
-               {},
-               QStringLiteral("Effective resolution of image in InDesign"),
-               {},
-               Comparison::Natural,
-               false,
-               66},
-              {lk::kLinkScaleKey, QStringLiteral("Scale"), {}, {}, {}, Comparison::Natural, false, 56},
-              {lk::kLinkEpsFontsKey,
-               QStringLiteral("Fonts"),
-               {},
-               QStringLiteral("Fonts in Illustrator files (.ai and .eps)"),
-               {},
-               Comparison::Natural,
-               false,
-               52},
-              {lk::kLinkEpsColsKey,
-               QStringLiteral("Spots"),
-               {},
-               QStringLiteral("Spot colors in Photoshop and Illustrator files"),
-               {},
-               Comparison::Natural,
-               false,
-               52},
-              {lk::kLinkPrintKey,
-               QStringLiteral("Print"),
-               {},
-               QStringLiteral("Print status"),
-               {},
-               Comparison::Plain,
-               false,
-               40},
-              {results::kStatusImgKey,
-               {},
-               kOkHeaderImage,
-               QStringLiteral("Link status (OK, Modified, Missing or Embedded)"),
-               lk::kLinkStatusKey,
-               Comparison::Plain,
-               true,
-               28},
+              textColumn(lk::kLinkNameKey, {}, 200, Comparison::Natural),
               alertColumn(),
+              pictureColumn(results::kStatusImgKey, kOkHeaderImage,
+                            QStringLiteral("Link status (OK, Modified, Missing or Embedded)"), lk::kLinkStatusKey),
+              textColumn(lk::kLinkPageKey, QStringLiteral("Page"), 60, Comparison::Natural),
+              textColumn(lk::kLinkKindKey, QStringLiteral("Kind"), 76),
+              textColumn(lk::kLinkColorKey, QStringLiteral("Color"), 76),
+              textColumn(lk::kLinkProfileKey, QStringLiteral("ICC Profile"), 110),
+              textColumn(lk::kLinkSizeKey, QStringLiteral("Size"), 62, Comparison::Plain, {}, lk::kLinkSizeBytesKey),
+              textColumn(lk::kLinkActualResKey, QStringLiteral("Actual"), 52, Comparison::Natural,
+                         QStringLiteral("Actual (original) image resolution")),
+              textColumn(lk::kLinkEffectiveResKey, QStringLiteral("Effective"), 64, Comparison::Natural,
+                         QStringLiteral("Effective resolution of image in InDesign")),
+              textColumn(lk::kLinkScaleKey, QStringLiteral("Scale"), 50, Comparison::Natural),
+              textColumn(lk::kLinkEpsFontsKey, QStringLiteral("Fonts"), 48, Comparison::Natural,
+                         QStringLiteral("Fonts in Illustrator files (.ai and .eps)")),
+              textColumn(lk::kLinkEpsColsKey, QStringLiteral("Spots"), 48, Comparison::Natural,
+                         QStringLiteral("Spot colors in Photoshop and Illustrator files")),
+              textColumn(lk::kLinkPrintKey, QStringLiteral("Print"), 40, Comparison::Plain,
+                         QStringLiteral("Print status")),
           },
           parent)
 {
@@ -210,7 +188,8 @@ QVariant LinksModel::recordData(const QVariantMap& record, const ResultColumn& c
         }
     }
     if (role == PullDownItemsRole)
-        return results::QNLinksOutline::epsPullDownItems(record, key);
+        return key.startsWith(QLatin1String("eps")) ? results::QNLinksOutline::epsPullDownItems(record, key)
+                                                    : QStringList();
     if (role == Qt::TextAlignmentRole && key != lk::kLinkKindKey && key != lk::kLinkColorKey &&
         key != lk::kLinkProfileKey)
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
@@ -221,34 +200,15 @@ FontsModel::FontsModel(QObject* parent)
     : ResultModel(
           QStringLiteral("FONTS"),
           {
-              {ik::kFontNameKey, {}, {}, {}, {}, Comparison::Natural, false, 250},
-              {ik::kFontTypeKey, QStringLiteral("Type"), {}, {}, {}, Comparison::CaseInsensitive, false, 100},
-              {results::kStatusIconKey,
-               {},
-               kOkHeaderImage,
-               QStringLiteral("Font status (OK, Missing, Fauxed or Substituted)"),
-               ik::kFontStatusKey,
-               Comparison::Plain,
-               true,
-               28},
-              {ik::kFontEmbedKey,
-               {},
-               QStringLiteral("pdf-embed-header"),
-               QStringLiteral("Whether embedding in PDF is allowed"),
-               {},
-               Comparison::CaseInsensitive,
-               false,
-               40},
-              {ik::kFontPsFontKey,
-               QStringLiteral("PostScript Name"),
-               {},
-               {},
-               {},
-               Comparison::CaseInsensitive,
-               false,
-               170},
-              {ik::kFontPathKey, QStringLiteral("Location"), {}, {}, {}, Comparison::CaseInsensitive, false, 260},
+              textColumn(ik::kFontNameKey, {}, 210, Comparison::Natural),
               alertColumn(),
+              pictureColumn(results::kStatusIconKey, kOkHeaderImage,
+                            QStringLiteral("Font status (OK, Missing, Fauxed or Substituted)"), ik::kFontStatusKey),
+              textColumn(ik::kFontTypeKey, QStringLiteral("Type"), 110),
+              pictureColumn(ik::kFontEmbedKey, QStringLiteral("pdf-embed-header"),
+                            QStringLiteral("Whether embedding in PDF is allowed"), {}, false),
+              textColumn(ik::kFontPsFontKey, QStringLiteral("PostScript Name"), 170),
+              textColumn(ik::kFontPathKey, QStringLiteral("Location"), 260),
           },
           parent)
 {
@@ -281,40 +241,16 @@ QVariant FontsModel::recordData(const QVariantMap& record, const ResultColumn& c
 ColorsModel::ColorsModel(QObject* parent)
     : ResultModel(QStringLiteral("COLORS"),
                   {
-                      {ik::kColorNameKey, {}, {}, {}, {}, Comparison::Natural, false, 220},
-                      {ik::kColorModelKey,
-                       {},
-                       QStringLiteral("color-spot-header"),
-                       QStringLiteral("Color model (process/spot/mixed ink)"),
-                       {},
-                       Comparison::Plain,
-                       true,
-                       30},
-                      {ik::kColorSpaceKey,
-                       {},
-                       QStringLiteral("color-mode-header"),
-                       QStringLiteral("Color space (CMYK/RGB/HSB/Lab)"),
-                       {},
-                       Comparison::Plain,
-                       true,
-                       30},
-                      {ik::kColorUsedKey,
-                       {},
-                       QStringLiteral("used-header"),
-                       QStringLiteral("Usage status (whether color is used in document)"),
-                       {},
-                       Comparison::Plain,
-                       false,
-                       30},
-                      {ik::kColorValueKey,
-                       QStringLiteral("Values"),
-                       {},
-                       QStringLiteral("Color component values"),
-                       {},
-                       Comparison::Natural,
-                       false,
-                       150},
+                      textColumn(ik::kColorNameKey, {}, 170, Comparison::Natural),
                       alertColumn(),
+                      pictureColumn(ik::kColorModelKey, QStringLiteral("color-spot-header"),
+                                    QStringLiteral("Color model (process/spot/mixed ink)")),
+                      pictureColumn(ik::kColorSpaceKey, QStringLiteral("color-mode-header"),
+                                    QStringLiteral("Color space (CMYK/RGB/HSB/Lab)")),
+                      pictureColumn(ik::kColorUsedKey, QStringLiteral("used-header"),
+                                    QStringLiteral("Usage status (whether color is used in document)"), {}, false),
+                      textColumn(ik::kColorValueKey, QStringLiteral("Values"), 130, Comparison::Natural,
+                                 QStringLiteral("Color component values")),
                   },
                   parent)
 {
@@ -334,8 +270,7 @@ QVariant ColorsModel::recordData(const QVariantMap& record, const ResultColumn& 
         case Qt::ToolTipRole:
             return results::hasAlerts(record) ? QVariant(alertsToolTip(record)) : QVariant();
         case Qt::DecorationRole: {
-            const QColor color = swatchColor(record);
-            return color.isValid() ? QVariant(color) : QVariant();
+            return swatchColor(record);
         }
         default:
             return {};
