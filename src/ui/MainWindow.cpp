@@ -35,6 +35,8 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <chrono>
+
 namespace quillon::ui {
 
 namespace {
@@ -115,6 +117,9 @@ MainWindow::~MainWindow()
 {
     m_alerts.shutDown();
     m_controlCenter->setDoCancel(true);
+    if (m_starting.valid())
+        m_starting.wait();
+    m_controlCenter->setDoCancel(true);
     m_controlCenter->waitUntilPreflightIsDone();
 }
 
@@ -126,8 +131,9 @@ QTreeView* MainWindow::makeResultView(ResultModel* model, const QString& name)
     view->setItemDelegate(new ResultDelegate(view));
     view->setUniformRowHeights(true);
     view->setAlternatingRowColors(true);
+    // The lists keep their own order until a header is clicked.
+    view->header()->setSortIndicator(-1, Qt::AscendingOrder);
     view->setSortingEnabled(true);
-    view->sortByColumn(-1, Qt::AscendingOrder); // the lists keep their own order until a header is clicked
     view->setSelectionMode(QAbstractItemView::ExtendedSelection);
     view->setRootIsDecorated(false);
     view->setIconSize(QSize(16, 16));
@@ -238,8 +244,10 @@ void MainWindow::buildWidgets()
     connect(m_linksView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::linkSelectionDidChange);
     // The driver's rows follow the order the user sorted the list into, so rows match by number.
-    connect(m_linksView->header(), &QHeaderView::sortIndicatorChanged, this,
-            [this] { m_results->mutableLinkItems() = m_linksModel->rows(); });
+    connect(m_linksView->header(), &QHeaderView::sortIndicatorChanged, this, [this] {
+        if (!isPreflighting()) // the worker owns the driver's rows until it ends
+            m_results->mutableLinkItems() = m_linksModel->rows();
+    });
 }
 
 void MainWindow::loadPresetsPopup()
@@ -297,11 +305,8 @@ void MainWindow::startPreflight(const QString& path)
             return;
         }
     }
-    if (!m_controlCenter->preflightActiveDoc()) {
-        m_batchQueue.clear();
-        Q_EMIT preflightFinished();
-        return;
-    }
+    m_cancelRequested = false;
+    m_starting = std::async(std::launch::async, [this] { return m_controlCenter->preflightActiveDoc(); });
     setRunning(true);
     m_watch.start();
 }
@@ -311,6 +316,7 @@ void MainWindow::preflightButtonClicked()
     if (isPreflighting()) {
         app::logUserAction("cancel preflight");
         m_batchQueue.clear();
+        m_cancelRequested = true;
         m_controlCenter->setDoCancel(true);
         return;
     }
@@ -331,6 +337,20 @@ bool MainWindow::isPreflighting() const
 
 void MainWindow::watchPreflight()
 {
+    if (m_starting.valid()) {
+        if (m_starting.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+            return;
+        if (!m_starting.get()) { // no document, or cancelled before the stages
+            m_watch.stop();
+            QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+            setRunning(false);
+            m_batchQueue.clear();
+            Q_EMIT preflightFinished();
+            return;
+        }
+        if (m_cancelRequested) // a click before the driver reset its flag
+            m_controlCenter->setDoCancel(true);
+    }
     if (m_controlCenter->isPreflighting())
         return;
     m_watch.stop();
@@ -439,6 +459,11 @@ void MainWindow::choosePreset(const QString& title)
     m_results->populateSummaryAndDocInfo(info);
 }
 
+int MainWindow::presetIndexSelected() const
+{
+    return m_presetsPopup->currentIndex();
+}
+
 void MainWindow::applySummaryState(bool collapsed)
 {
     app::Settings settings =
@@ -507,7 +532,7 @@ bool MainWindow::renameLink(const QModelIndex& index, const QString& newName)
 void MainWindow::linkSelectionDidChange()
 {
     const QModelIndexList rows = m_linksView->selectionModel()->selectedRows();
-    if (rows.size() != 1 || m_linksModel->isGroup(rows.first())) {
+    if (isPreflighting() || rows.size() != 1 || m_linksModel->isGroup(rows.first())) {
         Q_EMIT linkSelectionChanged({});
         return;
     }

@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QVariantMap>
 
+#include <future>
 #include <memory>
 
 class QComboBox;
@@ -48,6 +49,8 @@ struct MainWindowServices {
 // the progress bar and status line, the preflight button and the presets pop-up.
 class MainWindow : public QMainWindow {
     Q_OBJECT
+    // The presets pop-up's row, which the application keeps at quit.
+    Q_PROPERTY(int presetIndexSelected READ presetIndexSelected)
 
 public:
     explicit MainWindow(QWidget* parent = nullptr, MainWindowServices services = {});
@@ -81,6 +84,7 @@ public:
     SummaryModel* summaryModel() const { return m_summaryModel; }
     DocInfoBox* docInfoBox() const { return m_docInfoBox; }
     QComboBox* presetsPopup() const { return m_presetsPopup; }
+    int presetIndexSelected() const;
     QPushButton* preflightButton() const { return m_preflightButton; }
     QTreeView* linksView() const { return m_linksView; }
 
@@ -134,6 +138,10 @@ private:
     QProgressBar* m_progressBar = nullptr;
     QLabel* m_statusField = nullptr;
     QTimer m_watch;
+    // Asking the host for the document reads the whole document, so it runs off the main
+    // thread too; the stages follow on the driver's worker.
+    std::future<bool> m_starting;
+    bool m_cancelRequested = false;
     inspection::QNDocInfo m_shownDocInfo;
 
     // A batch: the documents still to preflight, and per document its kept data files.

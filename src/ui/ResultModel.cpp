@@ -194,8 +194,10 @@ QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int r
 
 void ResultModel::sort(int column, Qt::SortOrder order)
 {
-    if (column < 0 || column >= m_columns.size())
+    if (column < 0 || column >= m_columns.size()) {
+        m_sort.clear(); // rows loaded later keep the order they come in
         return;
+    }
     const ResultColumn& chosen = m_columns.at(column);
     m_sort = {{chosen.sortKey.isEmpty() ? chosen.key : chosen.sortKey, order == Qt::AscendingOrder, chosen.comparison}};
     beginResetModel();
