@@ -40,14 +40,15 @@ QStringList pathsOf(const QVariantList& rows)
 void fetchApplications(QMenu* openWith, const QStringList& files)
 {
     QThreadPool::globalInstance()->start([menu = QPointer<QMenu>(openWith), files] {
-        const QList<DesktopApplication> applications = applicationsForFile(files.first());
+        const QList<links::DesktopApplication> applications =
+            links::DefaultApplications::session().applicationsForFile(files.first());
         QMetaObject::invokeMethod(
             qApp,
             [menu, files, applications] {
                 if (!menu)
                     return;
                 menu->clear();
-                for (const DesktopApplication& application : applications) {
+                for (const links::DesktopApplication& application : applications) {
                     const QIcon icon = QFileInfo(application.iconName).isAbsolute()
                                            ? QIcon(application.iconName)
                                            : QIcon::fromTheme(application.iconName);
