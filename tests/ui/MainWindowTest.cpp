@@ -110,6 +110,21 @@ TEST(MainWindow, CancelLeavesTheListsEmpty)
     EXPECT_TRUE(window.findChild<QProgressBar*>("progressBar")->isHidden());
 }
 
+// A document that cannot be read is reported from the worker through the main thread, which
+// stays free; nothing is loaded.
+TEST(MainWindow, AnUnreadableDocumentIsAlertedOnTheMainThread)
+{
+    WindowFixture fixture;
+    const QString broken = fixture.folder().filePath("broken.idml");
+    test::writeAll(broken, QByteArray(4096, 'x'));
+    ASSERT_TRUE(fixture.preflight({broken}));
+    ASSERT_EQ(fixture.alerts().size(), 1u);
+    EXPECT_TRUE(fixture.alerts().front().critical);
+    EXPECT_EQ(fixture.alertsOffMainThread(), 0);
+    EXPECT_FALSE(fixture.window().isPreflighting());
+    EXPECT_EQ(fixture.window().linksModel()->rowCount(), 0);
+}
+
 // Renaming in place refuses a changed extension, asks before changing the document, then renames
 // the file and relinks the document: a new preflight of the document finds the new name.
 TEST(MainWindow, RenameInPlaceRefusesAnotherExtensionAndRelinksTheDocument)

@@ -70,9 +70,9 @@ TEST(ResultModels, PassTheModelTesterWithFlatAndGroupedRows)
 TEST(ResultModels, RolesShowAlertsBordersToolTipsAndHeaders)
 {
     LinksModel links;
-    links.setRows(
-        {linkRow("ok.jpg", "OK"),
-         linkRow("low.jpg", "OK", {{"eres", "Effective res < 300 dpi"}, {"name", QStringList{"Name contains \"low\""}}})});
+    links.setRows({linkRow("ok.jpg", "OK"),
+                   linkRow("low.jpg", "OK",
+                           {{"eres", "Effective res < 300 dpi"}, {"name", QStringList{"Name contains \"low\""}}})});
     const int eres = links.columnOf("eres");
     EXPECT_FALSE(links.index(0, 0).data(Qt::ForegroundRole).isValid());
     EXPECT_TRUE(isRed(links.index(1, 0).data(Qt::ForegroundRole)));

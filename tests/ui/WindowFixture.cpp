@@ -4,8 +4,10 @@
 #include "results/Presets.h"
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QThread>
 
 namespace quillon::test {
 
@@ -21,7 +23,10 @@ WindowFixture::WindowFixture()
     services.settingsFile = root.filePath(QStringLiteral("settings.ini"));
     services.presetsFolder = root.filePath(QStringLiteral("Presets"));
     m_window = std::make_unique<ui::MainWindow>(nullptr, services);
-    m_window->setAlertPresenter([alerts = m_alerts](const app::AlertRequest& request) { return alerts->ask(request); });
+    m_window->setAlertPresenter([alerts = m_alerts, off = m_offMainThread](const app::AlertRequest& request) {
+        *off += QThread::currentThread() != qApp->thread();
+        return alerts->ask(request);
+    });
     m_window->resize(1280, 800);
 }
 

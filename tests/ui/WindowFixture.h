@@ -22,10 +22,13 @@ public:
     bool preflight(const QStringList& paths);
     std::vector<app::AlertRequest> alerts() const { return m_alerts->requests(); }
     void answerNext(int answer) { m_alerts->pushAnswer(answer); }
+    // Alerts that reached the presenter on another thread than the main one.
+    int alertsOffMainThread() const { return *m_offMainThread; }
 
 private:
     QTemporaryDir m_folder;
     std::shared_ptr<app::ScriptedAlertSink> m_alerts = std::make_shared<app::ScriptedAlertSink>();
+    std::shared_ptr<int> m_offMainThread = std::make_shared<int>(0);
     std::unique_ptr<ui::MainWindow> m_window;
 };
 
