@@ -266,6 +266,7 @@ void MainWindow::openDocument(const QString& path)
 {
     m_batchQueue.clear();
     m_batch.clear();
+    m_batchFolder.reset();
     m_docInfoBox->setBatchDocuments({});
     startPreflight(path);
 }

@@ -6,11 +6,14 @@
 #include "ui/SummaryModel.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
@@ -152,8 +155,15 @@ TEST(MainWindow, RenameInPlaceRefusesAnotherExtensionAndRelinksTheDocument)
     EXPECT_FALSE(links.setData(index, "kept." + old.suffix()));
     EXPECT_TRUE(QFile::exists(oldPath));
 
+    // The accepted name is typed into the view's own editor, as an operator renames in place.
     const QString newName = "renamed." + old.suffix();
-    ASSERT_TRUE(links.setData(index, newName));
+    window.show();
+    window.linksView()->edit(index);
+    auto* editor = window.linksView()->viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->setText(newName);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the view commits the edit in a queued call
     EXPECT_FALSE(QFile::exists(oldPath));
     EXPECT_TRUE(QFile::exists(old.dir().filePath(newName)));
     const QModelIndex selected = window.linksView()->selectionModel()->selectedRows().value(0);
