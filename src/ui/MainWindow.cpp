@@ -142,10 +142,9 @@ QTreeView* MainWindow::makeResultView(ResultModel* model, const QString& name)
     view->header()->setMinimumSectionSize(24);
     for (int column = 0; column < model->columns().size(); ++column)
         view->setColumnWidth(column, model->columns().at(column).width);
+    // A list holds document groups (a batch) or records, never both.
     connect(model, &QAbstractItemModel::modelReset, view, [view, model] {
-        const bool groups = std::any_of(model->rows().cbegin(), model->rows().cend(),
-                                        [](const QVariant& row) { return results::isGroupRow(row.toMap()); });
-        view->setRootIsDecorated(groups);
+        view->setRootIsDecorated(!model->rows().isEmpty() && results::isGroupRow(model->rows().first().toMap()));
     });
     return view;
 }
