@@ -13,6 +13,8 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
+#include <QSplitter>
 #include <QTest>
 #include <QTreeView>
 
@@ -57,6 +59,7 @@ TEST(MainWindow, PreflightsTheBundledSampleAndRejudgesOnAPresetChange)
     EXPECT_EQ(window.windowTitle(), "sample-brochure.idml");
     EXPECT_EQ(window.preflightButton()->text(), "Preflight");
     EXPECT_EQ(window.linksModel()->rowCount(), 6);
+    EXPECT_TRUE(window.linksModel()->sortDescriptors().isEmpty()) << "unsorted until a header is clicked";
     EXPECT_GT(window.fontsModel()->rowCount(), 0);
     EXPECT_GT(window.colorsModel()->rowCount(), 0);
     EXPECT_EQ(window.docInfoBox()->fieldText("nameField"), "sample-brochure.idml");
@@ -75,6 +78,25 @@ TEST(MainWindow, PreflightsTheBundledSampleAndRejudgesOnAPresetChange)
     window.choosePreset("[Default]");
     EXPECT_EQ(rowsWithAlerts(*window.colorsModel()), colorAlertsBefore);
     EXPECT_EQ(window.docInfoBox()->fieldText("preflightResultsField"), statusBefore);
+}
+
+// The summary pane collapses and comes back at the width it had, which the settings keep.
+TEST(MainWindow, SummaryPaneCollapsesAndComesBackAtItsWidth)
+{
+    WindowFixture fixture;
+    ui::MainWindow& window = fixture.window();
+    window.show();
+    auto* split = window.findChild<QSplitter*>("mainSplit");
+    ASSERT_NE(split, nullptr);
+    split->setSizes({900, 380});
+    const int width = split->sizes().at(1);
+    window.toggleSummary();
+    EXPECT_EQ(split->sizes().at(1), 0);
+    window.toggleSummary();
+    EXPECT_EQ(split->sizes().at(1), width);
+    const QSettings settings(fixture.folder().filePath("settings.ini"), QSettings::IniFormat);
+    EXPECT_EQ(settings.value("summaryViewWidth").toInt(), width);
+    EXPECT_FALSE(settings.value("summaryIsCollapsed").toBool());
 }
 
 // A batch of real documents ends with the box's pop-up listing them; choosing one shows its lists.
