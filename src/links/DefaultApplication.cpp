@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QMimeDatabase>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTextStream>
 
@@ -117,6 +118,8 @@ void DefaultApplications::readDesktopFiles(const QString& applicationsFolder, co
         if (entry.value(QStringLiteral("Hidden")) != QLatin1String("true")) {
             desktop.name = entry.value(QStringLiteral("Name"), id);
             desktop.mimeTypes = semicolonList(entry.value(QStringLiteral("MimeType")));
+            desktop.iconName = entry.value(QStringLiteral("Icon"));
+            desktop.exec = entry.value(QStringLiteral("Exec"));
         }
         // A hidden entry still takes its id, so the same id in a later folder stays uninstalled.
         m_entries.insert(id, desktop);
@@ -171,6 +174,31 @@ QString DefaultApplications::defaultAppForMimeType(const QString& mimeType) cons
     const std::lock_guard lock(m_cacheMutex);
     m_cache.insert(mimeType, name);
     return name;
+}
+
+QList<DesktopApplication> DefaultApplications::applicationsForFile(const QString& path) const
+{
+    static const QMimeDatabase database;
+    const QMimeType type = database.mimeTypeForFile(path);
+    QSet<QString> seen;
+    QList<DesktopApplication> applications;
+    for (const QString& candidate : QStringList{type.name()} + type.allAncestors()) {
+        const QStringList removed = m_removed.value(candidate);
+        for (const auto* source : {&m_defaults, &m_added, &m_declaredBy}) {
+            for (const QString& id : source->value(candidate)) {
+                const auto entry = m_entries.constFind(id);
+                if (seen.contains(id) || removed.contains(id) || entry == m_entries.cend() || entry->name.isEmpty() ||
+                    entry->exec.isEmpty())
+                    continue;
+                seen.insert(id);
+                applications.append({id, entry->name, entry->iconName, entry->exec});
+            }
+        }
+    }
+    std::sort(applications.begin(), applications.end(), [](const DesktopApplication& a, const DesktopApplication& b) {
+        return QString::localeAwareCompare(a.name, b.name) < 0;
+    });
+    return applications;
 }
 
 QString DefaultApplications::defaultAppForFile(const QString& path) const

@@ -1,12 +1,21 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <mutex>
 
 namespace quillon::links {
+
+// An application the desktop offers for opening files, from its desktop file.
+struct DesktopApplication {
+    QString desktopId; // "org.example.Viewer.desktop"
+    QString name;
+    QString iconName; // a theme icon name or an absolute path
+    QString exec;     // the command with its field codes (%f, %F, %u, %U)
+};
 
 // The application the desktop opens a file with by default, by the freedesktop.org MIME
 // associations: the [Default Applications] of the mimeapps.list files (desktop-specific lists
@@ -31,10 +40,17 @@ public:
     // The application's name for a MIME type (or one it derives from); empty when none.
     QString defaultAppForMimeType(const QString& mimeType) const;
 
+    // Every application offered for the file's type or a type it derives from (the defaults, the
+    // added associations and the desktop files that declare the type, less the removed ones),
+    // each once, sorted by name.
+    QList<DesktopApplication> applicationsForFile(const QString& path) const;
+
 private:
     struct DesktopEntry {
-        QString name;
+        QString name; // empty for a hidden entry
         QStringList mimeTypes;
+        QString iconName;
+        QString exec;
     };
     void readMimeAppsList(const QString& path);
     void readDesktopFiles(const QString& applicationsFolder, const QString& idPrefix);

@@ -64,6 +64,8 @@ public:
                        const inspection::QNDocInfo& docInfo) const;
 
     const QVariantList& linkItems() const { return m_links.items(); }
+    // The link rows, for renaming a linked file and for following the order a window sorted them in.
+    QVariantList& mutableLinkItems() { return m_links.mutableItems(); }
     const QVariantList& fontItems() const { return m_fonts.items(); }
     const QVariantList& colorItems() const { return m_colors.items(); }
     const results::QNSummaryOutlineController& summary() const { return m_summary; }
