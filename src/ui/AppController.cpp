@@ -81,7 +81,6 @@ void AppController::applicationWillFinishLaunching()
         app::logError(loaded.error().message);
 
     m_window = std::make_unique<MainWindow>();
-    m_alerts = std::make_unique<GuiAlertSink>(m_window.get());
     m_metadataPane = new MetadataPane;
     m_informationPane = new InformationPane;
     auto* details = new QTabWidget(m_window.get()); // owned by the window until it places it
@@ -218,10 +217,10 @@ void AppController::showUpdateAnswer(const UpdateAnswer& answer)
     case UpdateAnswer::Kind::Silent:
         return;
     case UpdateAnswer::Kind::ErrorAlert:
-        app::runAlert(*m_alerts, answer.title, answer.message, std::nullopt, false);
+        app::runAlert(m_window->alerts(), answer.title, answer.message, std::nullopt, false);
         return;
     case UpdateAnswer::Kind::UpToDate:
-        if (app::runAlert(*m_alerts, answer.title, answer.message,
+        if (app::runAlert(m_window->alerts(), answer.title, answer.message,
                           QStringList{QStringLiteral("OK"), QStringLiteral("View Release Notes")},
                           false) == app::kAlertSecondButton)
             QDesktopServices::openUrl(QUrl(releaseNotesAddress()));
@@ -262,6 +261,11 @@ QPageLayout pageLayoutFromData(const QByteArray& data)
         id == QPageSize::Custom ? QPageSize(points, QPageSize::Point) : QPageSize(QPageSize::PageSizeId(id));
     QPageLayout layout(size, QPageLayout::Orientation(orientation), margins, QPageLayout::Unit(units));
     return layout.isValid() ? layout : fallback;
+}
+
+app::AlertSink& AppController::alerts()
+{
+    return m_window->alerts();
 }
 
 } // namespace quillon::ui

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "ui/GuiAlertSink.h"
-
 #include <QObject>
 #include <QPageLayout>
 #include <QPointer>
@@ -13,6 +11,7 @@ class QAction;
 class QMenu;
 
 namespace quillon::app {
+class AlertSink;
 class Settings;
 }
 namespace quillon::results {
@@ -56,7 +55,7 @@ public:
     MainWindow* mainWindow() const { return m_window.get(); }
     MetadataPane* metadataPane() const { return m_metadataPane; }
     InformationPane* informationPane() const { return m_informationPane; }
-    app::AlertSink& alerts() { return *m_alerts; }
+    app::AlertSink& alerts();
     QMenu* helpMenu() const { return m_helpMenu; }
 
     // The page layout of printed reports.
@@ -80,7 +79,6 @@ private:
     app::Settings& m_settings;
     std::unique_ptr<results::QNPresetsTable> m_presets;
     std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<GuiAlertSink> m_alerts;
     MetadataPane* m_metadataPane = nullptr;
     InformationPane* m_informationPane = nullptr;
     QMenu* m_helpMenu = nullptr;

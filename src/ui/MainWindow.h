@@ -70,8 +70,10 @@ public:
     void toggleSummary();
     // Renames the linked file of a row of the links list (rename in place ends here).
     bool renameLink(const QModelIndex& index, const QString& newName);
-    // How alerts are shown (the application's own dialog); a message box unless set.
+    // How alerts are shown: the application's own alert dialog unless set (tests answer them).
     void setAlertPresenter(MainThreadAlertSink::Presenter presenter) { m_alerts.setPresenter(std::move(presenter)); }
+    // Where alerts of the window and of what it starts go, from any thread.
+    app::AlertSink& alerts() { return m_alerts; }
 
     // Where the selected link's metadata and information are shown, beside the lists.
     void setDetailPane(QWidget* pane);

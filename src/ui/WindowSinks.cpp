@@ -1,10 +1,10 @@
 #include "ui/WindowSinks.h"
 
+#include "ui/CustomAlert.h"
+
 #include <QCoreApplication>
 #include <QLabel>
-#include <QMessageBox>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QThread>
 
 #include <chrono>
@@ -22,7 +22,11 @@ bool onThreadOf(const QObject* context)
 
 } // namespace
 
-MainThreadAlertSink::MainThreadAlertSink(QObject* context) : m_context(context) {}
+MainThreadAlertSink::MainThreadAlertSink(QWidget* window)
+    : m_context(window),
+      m_presenter([window](const app::AlertRequest& request) { return showCustomAlert(request, window); })
+{
+}
 
 int MainThreadAlertSink::ask(const app::AlertRequest& request)
 {
@@ -43,20 +47,6 @@ int MainThreadAlertSink::ask(const app::AlertRequest& request)
     } catch (const std::future_error&) {
         return app::kAlertFirstButton; // the question was dropped with the window
     }
-}
-
-int MainThreadAlertSink::messageBoxAnswer(const app::AlertRequest& request)
-{
-    QMessageBox box(request.critical ? QMessageBox::Critical : QMessageBox::Warning, request.title, request.title);
-    box.setInformativeText(request.message);
-    const QStringList titles =
-        request.buttons && !request.buttons->isEmpty() ? *request.buttons : QStringList{QStringLiteral("OK")};
-    QList<QAbstractButton*> buttons;
-    for (const QString& title : titles)
-        buttons.append(box.addButton(title, buttons.isEmpty() ? QMessageBox::AcceptRole : QMessageBox::RejectRole));
-    box.exec();
-    const qsizetype chosen = buttons.indexOf(box.clickedButton());
-    return app::kAlertFirstButton + int(chosen < 0 ? 0 : chosen);
 }
 
 WindowProgressSink::WindowProgressSink(QProgressBar* bar, QLabel* status) : m_bar(bar), m_status(status) {}

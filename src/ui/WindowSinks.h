@@ -10,30 +10,29 @@
 #include <functional>
 
 class QLabel;
+class QWidget;
 class QProgressBar;
 
 namespace quillon::ui {
 
-// Alerts asked from any thread, shown on the thread of `context` (the main thread). A worker
-// waits for the answer; the main thread is answered at once.
+// The desktop application's alerts, asked from any thread and shown on the thread of `window`
+// (the main thread) in the application's own alert dialog. A worker waits for the answer; the
+// main thread is answered at once.
 class MainThreadAlertSink : public app::AlertSink {
 public:
     // Shows one alert and returns its answer (1000 for the first button, ...).
     using Presenter = std::function<int(const app::AlertRequest& request)>;
 
-    explicit MainThreadAlertSink(QObject* context);
+    explicit MainThreadAlertSink(QWidget* window);
     // Main thread only, before any preflight.
     void setPresenter(Presenter presenter) { m_presenter = std::move(presenter); }
     int ask(const app::AlertRequest& request) override;
     // The window is closing: a waiting worker, and every later question, gets the first button.
     void shutDown() { m_shutDown = true; }
 
-    // A message box with the request's title, text and buttons ("OK" when none).
-    static int messageBoxAnswer(const app::AlertRequest& request);
-
 private:
-    QObject* m_context;
-    Presenter m_presenter = messageBoxAnswer;
+    QWidget* m_context;
+    Presenter m_presenter;
     std::atomic<bool> m_shutDown{false};
 };
 

@@ -1,5 +1,7 @@
 #include "ui/CustomAlert.h"
-#include "ui/GuiAlertSink.h"
+#include "ui/WindowSinks.h"
+
+#include <QWidget>
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -83,10 +85,12 @@ TEST(CustomAlert, HeightRuleChoosesThePanel)
 }
 
 // A worker that asks waits until the user has answered on the main thread.
-TEST(GuiAlertSink, BlocksTheWorkerUntilAnswered)
+TEST(MainThreadAlertSink, BlocksTheWorkerUntilAnswered)
 {
     std::atomic<bool> presentedOnMain = false;
-    ui::GuiAlertSink sink(nullptr, [&](const app::AlertRequest& request) {
+    QWidget window;
+    ui::MainThreadAlertSink sink(&window);
+    sink.setPresenter([&](const app::AlertRequest& request) {
         presentedOnMain = QThread::currentThread() == QApplication::instance()->thread();
         clickLater(1);
         std::unique_ptr<CustomAlertDialog> dialog(CustomAlertDialog::forRequest(request, nullptr));
