@@ -72,8 +72,9 @@ TEST(ElementTally, CountsAsTheParserDoesAndLeavesTheRestToIt)
     for (const auto& [text, expected] : cases) {
         const std::optional<std::vector<qint64>> counted = tally(text);
         EXPECT_EQ(counted, expected) << text.toStdString();
-        if (counted)
+        if (counted) {
             EXPECT_EQ(counted, parsedCounts(text)) << text.toStdString();
+        }
     }
     // Beyond the bounds the parser refuses at, the scan does not count either.
     XmlPartLimits limits;
@@ -89,13 +90,12 @@ TEST(ElementTally, SampleDocumentsCountAsParsed)
     const QDir samples(test::samplePath(QStringLiteral("idml")));
     for (const QString& file : samples.entryList({QStringLiteral("*.idml")}, QDir::Files)) {
         QTemporaryDir work;
-        app::Result<std::shared_ptr<IdmlDocument>> document =
-            IdmlDocument::open(samples.filePath(file), work.path());
+        app::Result<std::shared_ptr<IdmlDocument>> document = IdmlDocument::open(samples.filePath(file), work.path());
         ASSERT_TRUE(document) << file.toStdString();
         for (const QString& name : (*document)->spreadFiles() + (*document)->storyFiles()) {
             const app::Result<QByteArray> text = (*document)->partText(name);
             ASSERT_TRUE(text) << name.toStdString();
-            if (const std::optional<std::vector<qint64>> counted = tally(*text)) {
+            if (const std::optional<std::vector<qint64>> counted = tally(*text); counted) {
                 ++scanned;
                 EXPECT_EQ(counted, parsedCounts(*text)) << file.toStdString() << " " << name.toStdString();
             }
