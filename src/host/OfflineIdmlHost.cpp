@@ -3,9 +3,11 @@
 #include "app/AppPaths.h"
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "app/ParallelFor.h"
 #include "app/RegularFile.h"
 #include "host/FontColorInspection.h"
 #include "host/IdmlRelinking.h"
+#include "idml/ElementTally.h"
 #include "idml/IdmlDocument.h"
 #include "idml/XmlPath.h"
 #include "inspection/ColorsFromIdml.h"
@@ -54,32 +56,74 @@ QString unavailable(const QString& what)
 
 } // namespace
 
+namespace {
+
+// The pages and file links of one part, or why it cannot be read.
+struct PartCounts {
+    qint64 pages = 0;
+    qint64 links = 0;
+    std::optional<app::Error> unreadable;
+};
+
+PartCounts countPagesAndLinks(const IdmlDocument& document, const QString& name, bool spread)
+{
+    PartCounts counts;
+    // A document too large to keep its parts would be parsed once here and again by the stages:
+    // its parts are counted from their text, and parsed only when the text holds something the
+    // count does not read as the parser would.
+    if (!document.keepsParts()) {
+        static const std::vector<ElementQuery> kQueries{{"Page", {}, {}}, {"Link", "LinkResourceURI", "file:"}};
+        const Result<QByteArray> text = document.partText(name);
+        if (text) {
+            if (const std::optional<std::vector<qint64>> tally =
+                    tallyElements(std::string_view(text->constData(), static_cast<size_t>(text->size())), kQueries)) {
+                counts.pages = spread ? (*tally)[0] : 0;
+                counts.links = (*tally)[1];
+                return counts;
+            }
+        }
+    }
+    const Result<std::shared_ptr<const XmlPart>> part = document.part(name);
+    if (!part) {
+        counts.unreadable = part.error();
+        return counts;
+    }
+    forEachElement((*part)->document(), [&](const pugi::xml_node element) {
+        if (spread && std::strcmp(element.name(), "Page") == 0)
+            ++counts.pages;
+        else if (std::strcmp(element.name(), "Link") == 0 &&
+                 std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
+            ++counts.links;
+    });
+    return counts;
+}
+
+} // namespace
+
 inspection::DocumentRecord idmlDocumentRecord(const IdmlDocument& document, const QString& idmlPath,
                                               QList<app::Error>* warnings)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
     const QString version = QString::fromUtf8(document.designmap().document_element().attribute("DOMVersion").value());
+    const QStringList names = document.masterSpreadFiles() + document.spreadFiles() + document.storyFiles();
+    const qsizetype spreadsBegin = document.masterSpreadFiles().size();
+    const qsizetype spreadsEnd = spreadsBegin + document.spreadFiles().size();
+    std::vector<PartCounts> counted(static_cast<size_t>(names.size()));
+    app::parallelFor(names.size(), {}, [&](int, qsizetype index) {
+        counted[static_cast<size_t>(index)] =
+            countPagesAndLinks(document, names[index], index >= spreadsBegin && index < spreadsEnd);
+    });
     qint64 pages = 0;
     qint64 links = 0;
-    for (const QStringList* parts : {&document.masterSpreadFiles(), &document.spreadFiles(), &document.storyFiles()}) {
-        const bool spread = parts == &document.spreadFiles();
-        document.forEachPart(*parts, nullptr, [&](const QString& name) {
-            // A part that cannot be read is left out of the counts and named; the rest still counts.
-            const Result<std::shared_ptr<const XmlPart>> part = document.part(name);
-            if (!part) {
-                app::logFailure(QStringLiteral("count pages and links: %1").arg(part.error().text()));
-                if (warnings)
-                    warnings->append(part.error());
-                return;
-            }
-            forEachElement((*part)->document(), [&](const pugi::xml_node element) {
-                if (spread && std::strcmp(element.name(), "Page") == 0)
-                    ++pages;
-                else if (std::strcmp(element.name(), "Link") == 0 &&
-                         std::strncmp(element.attribute("LinkResourceURI").value(), "file:", 5) == 0)
-                    ++links;
-            });
-        });
+    for (const PartCounts& counts : counted) {
+        // A part that cannot be read is left out of the counts and named; the rest still counts.
+        if (counts.unreadable) {
+            app::logFailure(QStringLiteral("count pages and links: %1").arg(counts.unreadable->text()));
+            if (warnings)
+                warnings->append(*counts.unreadable);
+        }
+        pages += counts.pages;
+        links += counts.links;
     }
     return inspection::DocumentRecord{
         QString(), path, QFileInfo(path).fileName(), QString::number(pages), QString::number(links), version};

@@ -28,11 +28,11 @@ struct IdmlDocument::Source {
     std::unique_ptr<QTemporaryDir> scratch; // holds a repaired copy the archive reads from
     QHash<QString, qsizetype> slotByName;
 
-    Status parse(XmlPart& part, const QString& name) const
+    Result<QByteArray> text(const QString& name) const
     {
         const XmlPartLimits limits;
         if (!archive)
-            return part.read(folder + u'/' + name, name, kPartParseOptions, limits);
+            return readPartFile(folder + u'/' + name, name, limits);
         const IdmlArchive::Entry* entry = archive->entry(name);
         if (!entry)
             return makeError(QStringLiteral("missing from the package"), name);
@@ -41,7 +41,15 @@ struct IdmlDocument::Source {
         Result<QByteArray> bytes = archive->readEntry(name, limits.maxBytes);
         if (!bytes)
             return makeError(bytes.error().message, name);
-        return part.parse(std::move(bytes).value(), name, kPartParseOptions, limits);
+        return bytes;
+    }
+
+    Status parse(XmlPart& part, const QString& name) const
+    {
+        Result<QByteArray> bytes = text(name);
+        if (!bytes)
+            return bytes.error();
+        return part.parse(std::move(bytes).value(), name, kPartParseOptions, XmlPartLimits());
     }
 };
 
@@ -228,6 +236,13 @@ Result<std::shared_ptr<const XmlPart>> IdmlDocument::part(const QString& name) c
     if (keep(found, part->textSize()))
         found->part = part;
     return std::shared_ptr<const XmlPart>(std::move(part));
+}
+
+Result<QByteArray> IdmlDocument::partText(const QString& name) const
+{
+    if (!slot(name))
+        return makeError(QStringLiteral("not listed in designmap.xml"), name);
+    return m_source->text(name);
 }
 
 bool IdmlDocument::keep(Slot* slot, qint64 bytes) const

@@ -79,6 +79,10 @@ public:
 
     // The part parsed, or why it cannot be read. A name the designmap does not list is not read.
     app::Result<std::shared_ptr<const XmlPart>> part(const QString& name) const;
+    // The part's text as stored, unparsed, or why it cannot be read.
+    app::Result<QByteArray> partText(const QString& name) const;
+    // Whether the parts stay parsed for the next reader once read (see setKeptTextLimit).
+    bool keepsParts() const { return m_partTextBytes <= m_keptLimit; }
     // Calls `visit` with each name in order, on the calling thread, having parsed the parts a window
     // at a time on several threads: within `visit`, part() hands out the window's parts without
     // parsing them again, kept or not. Each part is parsed once however large the document, and

@@ -94,10 +94,8 @@ Status XmlPart::parse(QByteArray bytes, const QString& partName, unsigned option
     return status;
 }
 
-Status XmlPart::read(const QString& path, const QString& partName, unsigned options, const XmlPartLimits& limits)
+app::Result<QByteArray> readPartFile(const QString& path, const QString& partName, const XmlPartLimits& limits)
 {
-    m_document.reset();
-    m_bytes = QByteArray();
     // Opened as a regular file only, so a FIFO or a device in an unpacked package cannot stall or
     // flood the read; the size is checked before anything is read.
     app::Result<app::ReadableFile> file = app::openRegularFile(path);
@@ -111,6 +109,16 @@ Status XmlPart::read(const QString& path, const QString& partName, unsigned opti
         return bytes.error().message.startsWith(QLatin1String("is too large"))
                    ? partTooLarge(partName, limits.maxBytes + 1, limits)
                    : makeError(bytes.error().message, partName);
+    return bytes;
+}
+
+Status XmlPart::read(const QString& path, const QString& partName, unsigned options, const XmlPartLimits& limits)
+{
+    m_document.reset();
+    m_bytes = QByteArray();
+    app::Result<QByteArray> bytes = readPartFile(path, partName, limits);
+    if (!bytes)
+        return bytes.error();
     return parse(std::move(bytes).value(), partName, options, limits);
 }
 

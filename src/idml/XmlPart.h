@@ -51,6 +51,9 @@ private:
     pugi::xml_document m_document;
 };
 
+// The text of the part of an unpacked package at `path`, its size checked before it is read.
+app::Result<QByteArray> readPartFile(const QString& path, const QString& partName, const XmlPartLimits& limits = {});
+
 // The message of a part larger than `limits` allows, for readers that check the size first.
 app::Error partTooLarge(const QString& partName, qint64 size, const XmlPartLimits& limits = {});
 

@@ -80,16 +80,16 @@ bool isProperties(pugi::xml_node node)
 // The references an element and everything inside it make: attribute values, and texts of
 // <Properties> entries (where object-typed values live). Text content is never a reference.
 // One pass in document order, counting the <Properties> around the element as it goes.
-void collectReferences(pugi::xml_node root, QStringList& out)
+template <typename Take> void forEachReference(pugi::xml_node root, Take&& take)
 {
     int inProperties = 0; // <Properties> elements around the next node visited, below `root`
     auto visit = [&](pugi::xml_node element) {
         for (const pugi::xml_attribute attr : element.attributes())
             if (isReference(attr.value()) && std::strcmp(attr.name(), "Self") != 0)
-                out.append(text(attr.value()));
+                take(attr.value());
         const pugi::xml_node value = element.first_child();
         if (inProperties > 0 && value.type() == pugi::node_pcdata && isReference(value.value()))
-            out.append(text(value.value()));
+            take(value.value());
     };
     visit(root);
     pugi::xml_node node = root.first_child();
@@ -111,6 +111,18 @@ void collectReferences(pugi::xml_node root, QStringList& out)
         node = node.next_sibling();
     }
 }
+
+void collectReferences(pugi::xml_node root, QStringList& out)
+{
+    forEachReference(root, [&](const char* reference) { out.append(text(reference)); });
+}
+
+// A set of UTF-8 texts that is asked with a view of the text, so that a text met again costs no copy.
+struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+};
+using Utf8Set = std::unordered_set<std::string, TextHash, std::equal_to<>>;
 
 constexpr std::string_view kInkPrefix = "Ink/";
 
@@ -419,6 +431,7 @@ struct ColorsFromParts::State {
     QSet<QString> stories;
     // Each reference once: a large document makes millions, of a few hundred names.
     QSet<QString> referenced;
+    Utf8Set referencedUtf8; // the same, as met in the parts
     // The parts that could not be read, named in the answer in the designmap's order.
     QHash<QString, app::Error> unreadable;
 };
@@ -446,10 +459,12 @@ void ColorsFromParts::visit(const QString& name, const app::Result<std::shared_p
         return;
     }
     const pugi::xml_node root = (*part)->document().document_element();
-    QStringList refs;
-    collectReferences(root, refs);
-    for (const QString& ref : std::as_const(refs))
-        state.referenced.insert(ref);
+    forEachReference(root, [&](const char* reference) {
+        if (state.referencedUtf8.find(std::string_view(reference)) != state.referencedUtf8.end())
+            return;
+        state.referencedUtf8.emplace(reference);
+        state.referenced.insert(text(reference));
+    });
     if (state.counter && state.stories.contains(name))
         walkStoryText(root, *state.counter);
 }

@@ -36,6 +36,11 @@ public:
 
     void characters(pugi::xml_node paragraphRange, pugi::xml_node characterRange) override
     {
+        // The pieces of one range come one after another (a text and its break): the second adds nothing.
+        if (paragraphRange == m_lastParagraphRange && characterRange == m_lastCharacterRange)
+            return;
+        m_lastParagraphRange = paragraphRange;
+        m_lastCharacterRange = characterRange;
         const bool newRun =
             m_seenRuns.insert(TextStyleSheet::runKey(paragraphRange, characterRange, {"AppliedFont", "FontStyle"}))
                 .second;
@@ -62,7 +67,11 @@ public:
     void paragraphEnded(std::string_view) override {}
 
     // Paragraph ranges are keyed by their nodes, which go with their story.
-    void textEnded() override { m_seenParagraphRanges.clear(); }
+    void textEnded() override
+    {
+        m_seenParagraphRanges.clear();
+        m_lastParagraphRange = m_lastCharacterRange = pugi::xml_node();
+    }
 
 private:
     // The paragraph properties that apply character styles to parts of a paragraph.
@@ -162,6 +171,8 @@ private:
     QSet<QString> m_seenParagraphStyles;
     std::unordered_set<std::string> m_seenRuns;
     std::unordered_set<const void*> m_seenParagraphRanges; // within one story only (see textEnded)
+    pugi::xml_node m_lastParagraphRange;                   // the ranges of the last call, within one story only
+    pugi::xml_node m_lastCharacterRange;
 };
 
 // Resources/Fonts.xml: the document's description of each face, and its composite fonts.

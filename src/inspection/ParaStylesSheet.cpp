@@ -43,7 +43,9 @@ std::string TextStyleSheet::runKey(pugi::xml_node paragraphRange, pugi::xml_node
             return attr.value();
         return node.child("Properties").child(property).text().get();
     };
-    std::string key = paragraphRange.attribute("AppliedParagraphStyle").value();
+    std::string key;
+    key.reserve(192); // asked for every run of text: grown once, not piece by piece
+    key += paragraphRange.attribute("AppliedParagraphStyle").value();
     key += '\x1f';
     key += characterRange.attribute("AppliedCharacterStyle").value();
     for (const char* property : properties)

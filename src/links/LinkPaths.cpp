@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace quillon::links {
 
 namespace {
@@ -72,7 +74,9 @@ QString relocatedLinkPath(const QString& fileName, const QStringList& searchFold
         return {};
     for (const QString& folder : searchFolders) {
         const QString candidate = QDir::cleanPath(folder + u'/' + fileName);
-        if (QFileInfo(candidate).isFile())
+        // One stat, following a symbolic link as the file's readers do.
+        struct stat buffer {};
+        if (::stat(app::localBytesOfPath(candidate).constData(), &buffer) == 0 && S_ISREG(buffer.st_mode))
             return candidate;
     }
     return {};

@@ -2,9 +2,11 @@
 
 #include "host/AppleScriptValue.h"
 #include "host/OfflineIdmlHost.h"
+#include "idml/IdmlDocument.h"
 #include "idml/IdmlPackage.h"
 
 #include "app/AppPaths.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -130,4 +132,39 @@ TEST(IdmlMutation, ScriptValuesReadBackAndOddTextIsHarmless)
         const QVariant value = parseAppleScriptValue(text);
         EXPECT_TRUE(value.isNull() || kinds.contains(value.typeId())) << text.toStdString();
     }
+}
+
+// A document too large to keep its parts is counted from their text: the same pages, links and
+// unreadable parts as from the parsed parts, a part the text scan cannot read included.
+TEST(IdmlRecord, CountsTheSameWhetherThePartsAreKeptOrNot)
+{
+    QTemporaryDir dir;
+    test::ArchiveEntries entries = test::minimalIdml();
+    const QStringList parts{QStringLiteral("MasterSpreads/MasterSpread_m.xml"), QStringLiteral("Spreads/Spread_s1.xml"),
+                            QStringLiteral("Stories/Story_a.xml"), QStringLiteral("Stories/Story_b.xml")};
+    entries[0].second = test::designmapXml(parts);
+    entries.emplace_back(parts[0], "<MasterSpread><Page/><Link LinkResourceURI=\"file:/m.tif\"/></MasterSpread>");
+    for (auto& [name, bytes] : entries)
+        if (name == parts[1])
+            bytes = test::spreadXml({QString(), QString()},
+                                    "<Rectangle><Image><Link LinkResourceURI=\"file:/a.tif\"/></Image>"
+                                    "<Image><Link LinkResourceURI=\"http://b\"/></Image></Rectangle>");
+    entries.emplace_back(parts[2], "<Story><!-- x --><Link LinkResourceURI=\"file:/c.tif\"/></Story>");
+    entries.emplace_back(parts[3], "<Story><Broken");
+    const QString path = dir.filePath(QStringLiteral("Doc.idml"));
+    test::writeIdml(path, entries);
+    QList<QList<app::Error>> warnings(2);
+    QList<inspection::DocumentRecord> records;
+    for (const qint64 keptLimit : {IdmlDocument::kDefaultKeptTextLimit, qint64(0)}) {
+        const auto document = IdmlDocument::open(path, dir.path());
+        ASSERT_TRUE(document.ok());
+        (*document)->setKeptTextLimit(keptLimit);
+        records << idmlDocumentRecord(**document, path, &warnings[records.size()]);
+    }
+    EXPECT_EQ(records[1].logText(), records[0].logText());
+    EXPECT_EQ(records[0].pageCount, QStringLiteral("2"));
+    EXPECT_EQ(records[0].linkCount, QStringLiteral("3"));
+    ASSERT_EQ(warnings[0].size(), 1);
+    EXPECT_EQ(warnings[1].size(), 1);
+    EXPECT_EQ(warnings[1].value(0).text(), warnings[0][0].text());
 }
