@@ -13,7 +13,7 @@ class QMenu;
 namespace quillon::app {
 class AlertSink;
 class Settings;
-}
+} // namespace quillon::app
 namespace quillon::results {
 class QNPresetsTable;
 }
