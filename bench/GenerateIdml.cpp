@@ -1,5 +1,5 @@
 // Writes a large generated IDML for trying the program by hand:
-//   GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]
+//   GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder] [bytes per linked file]
 // or the documents the preflight figures are taken on (bench/preflight-figures.sh):
 //   GenerateIdml --preflight-set FOLDER
 #include "IdmlGenerator.h"
@@ -14,7 +14,7 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() < 2 || (args.at(1) == QLatin1String("--preflight-set") && args.size() != 3)) {
-        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder]\n"
+        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder] [bytes per linked file]\n"
                      "       GenerateIdml --preflight-set FOLDER\n";
         return 2;
     }
@@ -35,6 +35,8 @@ int main(int argc, char** argv)
         shape.linksPerSpread = args.at(3).toInt();
     if (args.size() > 4)
         shape.linkedFilesFolder = args.at(4);
+    if (args.size() > 5)
+        shape.linkedFileBytes = args.at(5).toLongLong();
     const quillon::bench::GeneratedIdml facts = quillon::bench::writeGeneratedIdml(args.at(1), shape);
     if (facts.entries == 0) {
         std::cerr << "GenerateIdml: could not write " << args.at(1).toStdString() << '\n';

@@ -138,26 +138,25 @@ int hashRest(int in, const FileCopyOptions& options, Sha256& hash)
     }
 }
 
-// The kernel copies without the data passing through this process where it can; across file
-// systems on older kernels, or on file systems that refuse, plain reads and writes take over
-// from where it stopped. A hash wanted makes the data pass through here, read once for both.
-// The kernel's copy stops at the size seen when the source was opened, as the copy's record
-// says, which saves the call that would find the end. Returns 0, ECANCELED or the failing
-// call's errno.
-int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, Sha256* hash)
+// After a clone there is only the hash to take. Otherwise the kernel copies without the data passing through this
+// process where it can; across file systems on older kernels, or on file systems that refuse, plain reads and writes
+// take over from where it stopped. A hash wanted makes the data pass through here, read once for both. The kernel's
+// copy stops at the size seen when the source was opened, as the copy's record says, which saves the call that would
+// find the end. Returns 0, ECANCELED or the failing call's errno.
+int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint64& copied, Sha256* hash, bool cloned)
 {
-    // A file system that shares blocks between files makes the copy at once; the hash then reads
-    // the source once.
-    if (struct stat info{}; ::ioctl(out, FICLONE, in) == 0 && ::fstat(out, &info) == 0) {
+    // A clone is the whole copy at once; the hash then reads the source once.
+    if (struct stat info{}; cloned && ::fstat(out, &info) == 0) {
         copied = info.st_size;
         if (options.onBytes)
             options.onBytes(copied);
         return hash != nullptr ? hashRest(in, options, *hash) : 0;
     }
     bool inKernel = hash == nullptr;
-    if (!inKernel)
-        ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     const std::span<char> buffer = copyBuffer(options);
+    // A file that one read takes whole needs no read-ahead advice.
+    if (!inKernel && size > static_cast<qint64>(buffer.size()))
+        ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
     while (true) {
         if (isCancelled(options))
             return ECANCELED;
@@ -175,6 +174,9 @@ int copyData(int in, int out, qint64 size, const FileCopyOptions& options, qint6
             }
             if (got < 0 && errno == EINTR)
                 continue;
+        } else if (copied >= size && size > 0) {
+            // The size seen is copied: the read that would find the end is saved, as above.
+            return 0;
         } else if (readFor(in, buffer, got) && got > 0) {
             if (hash != nullptr)
                 hash->addData(QByteArrayView(buffer.data(), got));
@@ -216,7 +218,19 @@ Result<CopiedFile> copyRegular(const QString& source, const OpenedSource& in, co
     std::optional<Sha256> hash;
     if (options.sha256)
         hash.emplace();
-    if (const int failed = copyData(in.fd, copy.fd(), in.info.st_size, options, copied.bytes, hash ? &*hash : nullptr);
+    // A file system that shares blocks between files makes the copy at once. One that refused is
+    // not asked again for the next file from the same file system into the same folder: thousands
+    // of links would each pay a failing call.
+    thread_local std::pair<dev_t, QByteArray> refusedClone;
+    const QByteArray folder = copy.path().left(copy.path().lastIndexOf('/'));
+    bool cloned = false;
+    if (refusedClone.first != in.info.st_dev || refusedClone.second != folder) {
+        cloned = ::ioctl(copy.fd(), FICLONE, in.fd) == 0;
+        if (!cloned)
+            refusedClone = {in.info.st_dev, folder};
+    }
+    if (const int failed =
+            copyData(in.fd, copy.fd(), in.info.st_size, options, copied.bytes, hash ? &*hash : nullptr, cloned);
         failed != 0) {
         if (failed == ECANCELED)
             return cancelled(source);

@@ -1,6 +1,15 @@
 #include "package/FileCopyManager.h"
 
+#include "app/ParallelFor.h"
+
 namespace quillon::package {
+
+namespace {
+
+// Below this many files for each thread another copying thread costs more than it saves.
+constexpr qsizetype kFilesPerCopyThread = 16;
+
+} // namespace
 
 FileCopyManager::FileCopyManager(OperationCountObserver observer)
     : m_observer(std::move(observer)), m_thread([this] { run(); })
@@ -56,27 +65,68 @@ void FileCopyManager::cancelAllOperations()
 void FileCopyManager::run()
 {
     while (true) {
-        std::shared_ptr<FileCopyOperation> operation;
+        qsizetype waiting = 0;
         {
             std::unique_lock lock(m_mutex);
-            m_changed.wait(lock, [this] { return m_stopping || !m_queue.empty(); });
-            if (m_queue.empty())
+            m_changed.wait(lock, [this] { return m_stopping || m_taken < m_queue.size(); });
+            waiting = static_cast<qsizetype>(m_queue.size() - m_taken);
+            if (waiting == 0)
                 return;
-            operation = m_queue.front();
         }
-        operation->main();
+        // Each call takes whichever operation is next, so the starts keep the queue's order
+        // whichever thread runs them.
+        app::parallelFor(waiting, {.itemsPerThread = kFilesPerCopyThread}, [this](int, qsizetype) { copyNext(); });
+    }
+}
+
+void FileCopyManager::copyNext()
+{
+    std::shared_ptr<FileCopyOperation> operation;
+    bool started = false;
+    {
+        std::lock_guard tell(m_tellMutex);
+        {
+            std::lock_guard lock(m_mutex);
+            operation = m_queue.at(m_taken++);
+        }
+        started = operation->start();
+    }
+    if (started)
+        operation->copy();
+    tellFinishedInOrder();
+}
+
+void FileCopyManager::tellFinishedInOrder()
+{
+    std::lock_guard tell(m_tellMutex);
+    while (true) {
+        std::shared_ptr<FileCopyOperation> front;
+        {
+            std::lock_guard lock(m_mutex);
+            if (m_taken == 0 || !m_queue.front()->isDone())
+                break;
+            front = m_queue.front();
+        }
+        front->tellFinished();
+        bool empty = false;
         {
             std::lock_guard lock(m_mutex);
             m_queue.pop_front();
+            --m_taken;
+            empty = m_queue.empty();
         }
-        m_changed.notify_all();
-        notify();
+        // Only the waiters for the end need waking; a wake for every file would cost a thread
+        // switch each.
+        if (empty)
+            m_changed.notify_all();
+        if (m_observer)
+            m_observer(operationCount());
     }
 }
 
 void FileCopyManager::notify()
 {
-    std::lock_guard serial(m_notifyMutex);
+    std::lock_guard tell(m_tellMutex);
     if (m_observer)
         m_observer(operationCount());
 }

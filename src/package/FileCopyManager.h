@@ -12,9 +12,12 @@
 
 namespace quillon::package {
 
-// A serial queue of copies: one file at a time, in the order queued, on a thread of its own.
-// The copy queue is one of the few places allowed a thread: copies must not hold up the
-// packaging steps or the window, and copying one file at a time keeps the disk streaming.
+// A queue of copies, taken in the order queued, on a thread of its own. The copy queue is one of
+// the few places allowed a thread: copies must not hold up the packaging steps or the window.
+// A long queue is shared with the program's fan-out, so that thousands of small files, whose cost
+// is the file system's work for each, are copied several at once; the delegate still hears the
+// starts and the ends in queue order, one call at a time, and a short queue is copied one file
+// at a time, its calls alternating as a serial queue's would.
 // A new manager is made for every copy phase.
 class FileCopyManager {
 public:
@@ -41,15 +44,20 @@ public:
 
 private:
     void run();
+    // Takes the next operation in queue order, starts and copies it, then tells the ends of the
+    // operations at the front that are done.
+    void copyNext();
+    void tellFinishedInOrder();
     void notify();
 
     OperationCountObserver m_observer;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<std::shared_ptr<FileCopyOperation>> m_queue; // the front one is running
+    std::deque<std::shared_ptr<FileCopyOperation>> m_queue; // not yet told finished, in order
+    size_t m_taken = 0;                                     // the first m_taken are running or done
     bool m_stopping = false;
-    // Serialises the observer's calls, so that counts arrive in the order they happened.
-    std::mutex m_notifyMutex;
+    // Orders the delegate's calls and the observer's counts: they arrive in the order they happened.
+    std::mutex m_tellMutex;
     std::thread m_thread;
 };
 

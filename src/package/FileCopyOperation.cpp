@@ -27,15 +27,28 @@ FileCopyOperation::FileCopyOperation(const QString& source, const QString& desti
 
 void FileCopyOperation::main()
 {
+    if (!start())
+        return;
+    copy();
+    tellFinished();
+}
+
+bool FileCopyOperation::start()
+{
     if (isCancelled()) {
         m_error = app::makeError(QStringLiteral("copying was cancelled"), m_source);
         m_state.store(FileCopyState::Failed, std::memory_order_release);
-        return;
+        return false;
     }
-    const std::shared_ptr<FileCopyOperation> self = shared_from_this();
+    m_started = true;
     if (m_delegate != nullptr)
-        m_delegate->fileCopyOperationWillStart(self);
+        m_delegate->fileCopyOperationWillStart(shared_from_this());
     m_state.store(FileCopyState::Copying, std::memory_order_release);
+    return true;
+}
+
+void FileCopyOperation::copy()
+{
     FileCopyOptions options;
     options.existing = m_existing;
     options.cancel = &m_cancel;
@@ -53,8 +66,12 @@ void FileCopyOperation::main()
         app::logError(QStringLiteral("copy failed: %1").arg(copied.error().text()));
     }
     m_state.store(copied ? FileCopyState::Finished : FileCopyState::Failed, std::memory_order_release);
-    if (m_delegate != nullptr)
-        m_delegate->fileCopyOperationDidFinished(self);
+}
+
+void FileCopyOperation::tellFinished()
+{
+    if (m_started && m_delegate != nullptr)
+        m_delegate->fileCopyOperationDidFinished(shared_from_this());
 }
 
 } // namespace quillon::package

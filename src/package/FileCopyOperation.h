@@ -16,7 +16,8 @@ namespace quillon::package {
 
 class FileCopyOperation;
 
-// Told when a copy starts and ends; both calls come on the copying thread.
+// Told when a copy starts and ends, on a copying thread, one call at a time: the starts in the
+// order queued, each before its copy, and the ends in the same order.
 class FileCopyDelegate {
 public:
     virtual ~FileCopyDelegate() = default;
@@ -43,6 +44,16 @@ public:
     // Tells the delegate, copies, tells the delegate. An operation cancelled before it started
     // fails at once without telling anybody.
     void main();
+    // The three steps of main(), for a queue that copies several at once and tells the ends in
+    // order. start() is false when the operation was cancelled before it started (it has failed).
+    bool start();
+    void copy();
+    void tellFinished();
+    bool isDone() const
+    {
+        const FileCopyState state = fCopyState();
+        return state == FileCopyState::Finished || state == FileCopyState::Failed;
+    }
     // Before it is queued: compute the copy's SHA-256 while copying.
     void hashWhileCopying() { m_sha256Wanted = true; }
     // Before it is queued: the destination folder is the run's own (see FileCopyOptions).
@@ -86,6 +97,7 @@ private:
     QStringList m_warnings;
     bool m_sha256Wanted = false;
     bool m_ownedFolder = false;
+    bool m_started = false;
     QByteArray m_sha256;
     FileStamp m_stamp;
 };

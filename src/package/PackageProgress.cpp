@@ -58,9 +58,10 @@ void PackageProgress::fileCopyOperationWillStart(const std::shared_ptr<FileCopyO
 
 void PackageProgress::fileCopyOperationDidFinished(const std::shared_ptr<FileCopyOperation>& operation)
 {
-    (void)operation;
     std::lock_guard lock(m_mutex);
-    m_currCopyOp.reset();
+    // With several files copied at once the next one may have started already: it stays shown.
+    if (m_currCopyOp == operation)
+        m_currCopyOp.reset();
     // Separate packages count each file from 0 again: each document is a run of its own.
     if (m_mode == PackageMode::Unified)
         m_progrStartValueForCopyOperation = m_bar2.value;

@@ -250,3 +250,40 @@ TEST(FileCopyManager, CancelStopsTheRunningCopyRemovesItsPartAndSkipsTheRest)
     EXPECT_TRUE(entries(out).isEmpty()) << entries(out).join(u' ').toStdString();
     EXPECT_EQ(readAll(dir.filePath(u"big.psd"_s)), big);
 }
+
+TEST(FileCopyManager, LongQueueCopiedSeveralAtOnceTellsStartsAndEndsInQueueOrder)
+{
+    QTemporaryDir dir = buildFolderDir();
+    const QString out = dir.filePath(u"Links"_s);
+    QDir().mkpath(out);
+    RecordingDelegate delegate;
+    std::vector<std::shared_ptr<FileCopyOperation>> operations;
+    std::vector<int> counts;
+    std::vector<QString> starts;
+    std::vector<QString> ends;
+    {
+        FileCopyManager manager([&](int count) { counts.push_back(count); });
+        for (int i = 0; i < 80; ++i) {
+            const QString name = u"%1.tif"_s.arg(i, 2, 10, QChar(u'0'));
+            writeAll(dir.filePath(name), pattern(1000 + i * 997));
+            operations.push_back(FileCopyOperation::create(dir.filePath(name), out + u'/' + name, &delegate));
+            starts.push_back(u"start "_s + name);
+            ends.push_back(u"end "_s + name + u" 2"_s);
+        }
+        for (const auto& operation : operations)
+            manager.addOPeration(operation);
+        manager.waitUntilAllOperationsAreFinished();
+    }
+    std::vector<QString> toldStarts;
+    std::vector<QString> toldEnds;
+    for (const QString& call : delegate.calls) {
+        (call.startsWith(u"start"_s) ? toldStarts : toldEnds).push_back(call);
+        EXPECT_GE(toldStarts.size(), toldEnds.size()) << "an end before its start: " << call.toStdString();
+    }
+    EXPECT_EQ(toldStarts, starts);
+    EXPECT_EQ(toldEnds, ends);
+    ASSERT_FALSE(counts.empty());
+    EXPECT_EQ(counts.back(), 0);
+    for (int i = 0; i < 80; i += 7)
+        EXPECT_EQ(readAll(operations[i]->copiedTo()), pattern(1000 + i * 997)) << i;
+}
