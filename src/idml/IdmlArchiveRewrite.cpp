@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <deque>
 #include <memory>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -72,7 +73,19 @@ struct Writing {
     std::deque<QByteArray> contents;
 };
 
-Status addBytes(Writing& writing, const char* name, const QByteArray& bytes, zip_int32_t method, const QString& path)
+// The time a rewritten entry keeps: its time in the source archive (none for an entry the source
+// lacks), so the same document relinked twice gives the same bytes.
+std::optional<time_t> sourceEntryTime(zip_t* source, zip_int64_t index)
+{
+    zip_stat_t stat;
+    zip_stat_init(&stat);
+    if (index < 0 || zip_stat_index(source, zip_uint64_t(index), 0, &stat) != 0 || !(stat.valid & ZIP_STAT_MTIME))
+        return std::nullopt;
+    return stat.mtime;
+}
+
+Status addBytes(Writing& writing, const char* name, const QByteArray& bytes, zip_int32_t method,
+                std::optional<time_t> time, const QString& path)
 {
     const QByteArray& kept = writing.contents.emplace_back(bytes);
     zip_source_t* data = zip_source_buffer(writing.target, kept.constData(), zip_uint64_t(kept.size()), 0);
@@ -85,6 +98,8 @@ Status addBytes(Writing& writing, const char* name, const QByteArray& bytes, zip
     if (zip_set_file_compression(writing.target, zip_uint64_t(index), method, 0) != 0)
         return makeError(QStringLiteral("the entry cannot be written: %1").arg(zipErrorText(writing.target)), path,
                          QString::fromUtf8(name));
+    if (time)
+        zip_file_set_mtime(writing.target, zip_uint64_t(index), *time, 0);
     return {};
 }
 
@@ -174,7 +189,9 @@ Status rewriteArchiveEntries(const QString& path, const QHash<quint64, QByteArra
     if (mimetype >= 0)
         if (Status read = readMimetype(source.get(), zip_uint64_t(mimetype), mimetypeBytes, path); !read)
             return read;
-    if (Status added = addBytes(writing, "mimetype", mimetypeBytes, ZIP_CM_STORE, path); !added)
+    if (Status added =
+            addBytes(writing, "mimetype", mimetypeBytes, ZIP_CM_STORE, sourceEntryTime(source.get(), mimetype), path);
+        !added)
         return added;
     for (zip_int64_t i = 0; i < count; ++i) {
         if (i == mimetype)
@@ -186,7 +203,8 @@ Status rewriteArchiveEntries(const QString& path, const QHash<quint64, QByteArra
                              path);
         const auto change = replaced.constFind(quint64(index));
         const Status added = change == replaced.cend() ? copyEntry(writing, index, name, path)
-                                                       : addBytes(writing, name, *change, ZIP_CM_DEFLATE, path);
+                                                       : addBytes(writing, name, *change, ZIP_CM_DEFLATE,
+                                                                  sourceEntryTime(source.get(), i), path);
         if (!added)
             return added;
     }
