@@ -5,8 +5,11 @@
 #include "cli/StandardOutput.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 
+#include <cstring>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -104,11 +107,35 @@ int runCommand(int argc, char** argv)
     return kExitOk;
 }
 
+// A PDF report is painted, which needs a GUI application; the other commands keep the cheaper
+// start of a core one.
+bool paintsPdfReports(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const char* word = argv[i];
+        if (std::strcmp(word, "--pdf-report") == 0 || std::strcmp(word, "--format=pdf") == 0)
+            return true;
+        if (std::strcmp(word, "--format") == 0 && i + 1 < argc && std::strcmp(argv[i + 1], "pdf") == 0)
+            return true;
+    }
+    return false;
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+{
+    if (!paintsPdfReports(argc, argv))
+        return std::make_unique<QCoreApplication>(argc, argv);
+    // No display is needed to paint a PDF.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QCoreApplication qtApp(argc, argv);
+    const std::unique_ptr<QCoreApplication> qtApp = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QCoreApplication::setOrganizationName(QStringLiteral("Tornvale"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(quillon::app::kQuillonVersion));
