@@ -6,6 +6,7 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 
@@ -17,6 +18,25 @@ QPDFObjectHandle rectangle(const QRectF& rect)
 {
     return QPDFObjectHandle::newArray(
         QPDFObjectHandle::Rectangle(rect.left(), rect.top(), rect.right(), rect.bottom()));
+}
+
+// A small yellow mark at the right end of the cell instead of the viewer's note icon, which is
+// larger than a row and would hide the link's name on screen and on paper.
+QPDFObjectHandle noteAppearance(QPDF& pdf, const QRectF& rect)
+{
+    const double size = std::min(5.0, rect.height() - 2);
+    const QString drawing = QStringLiteral("q 1 0.82 0.1 rg 0.45 0.35 0 RG 0.4 w %1 %2 %3 %3 re B Q")
+                                .arg(rect.width() - size - 1, 0, 'f', 2)
+                                .arg((rect.height() - size) / 2, 0, 'f', 2)
+                                .arg(size, 0, 'f', 2);
+    QPDFObjectHandle stream = QPDFObjectHandle::newStream(&pdf, drawing.toStdString());
+    QPDFObjectHandle streamDict = stream.getDict();
+    streamDict.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
+    streamDict.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    streamDict.replaceKey("/BBox", rectangle(QRectF(0, 0, rect.width(), rect.height())));
+    QPDFObjectHandle appearance = QPDFObjectHandle::newDictionary();
+    appearance.replaceKey("/N", stream);
+    return appearance;
 }
 
 QPDFObjectHandle annotation(QPDF& pdf, const PlacedAnnotation& placed)
@@ -38,6 +58,7 @@ QPDFObjectHandle annotation(QPDF& pdf, const PlacedAnnotation& placed)
         dict.replaceKey("/Open", QPDFObjectHandle::newBool(false));
         dict.replaceKey("/F", QPDFObjectHandle::newInteger(4)); // printed with the page
         dict.replaceKey("/Contents", QPDFObjectHandle::newUnicodeString(value));
+        dict.replaceKey("/AP", noteAppearance(pdf, placed.rect));
     }
     return pdf.makeIndirectObject(dict);
 }

@@ -11,10 +11,12 @@
 #include "results/ResultKeys.h"
 
 #include <QFileInfo>
+
 #include <QHash>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QSet>
+#include <algorithm>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -89,7 +91,7 @@ struct Column {
 };
 
 PrintOutline outline(const QString& title, const QList<Column>& columns, const QVariantList& items,
-                     QString (*mapValue)(const QString& key, const QVariant& value))
+                     QString (*mapValue)(const QString& key, const QVariant& value), bool withSwatches = false)
 {
     PrintOutline out{title, {}, {}, {}};
     for (const Column& column : columns) {
@@ -108,6 +110,8 @@ PrintOutline outline(const QString& title, const QList<Column>& columns, const Q
         }
         for (auto it = alerts.cbegin(); it != alerts.cend(); ++it)
             row.alerts += alertTexts(*it);
+        if (withSwatches)
+            row.swatch = swatchColor(record);
         out.rows << row;
     }
     return out;
@@ -158,6 +162,21 @@ QString mediumDateTime(const QDateTime& when)
 }
 
 } // namespace
+
+std::optional<QColor> swatchColor(const QVariantMap& colorRecord)
+{
+    using namespace inspection;
+    const QVariantList values = colorRecord.value(kColorValuesListKey).toList();
+    const QString space = colorRecord.value(kColorSpaceKey).toString();
+    auto component = [&values](qsizetype i) { return std::clamp(values.at(i).toDouble(), 0.0, 1.0); };
+    if (colorRecord.value(kColorNameKey).toString() == kColorSwatchPaper)
+        return QColor(Qt::white);
+    if (space == kColorSpaceCMYK && values.size() == 4)
+        return QColor::fromCmykF(component(0), component(1), component(2), component(3));
+    if (space == kColorSpaceRGB && values.size() == 3)
+        return QColor::fromRgbF(component(0), component(1), component(2));
+    return std::nullopt;
+}
 
 QString LinkNote::contents() const
 {
@@ -240,7 +259,7 @@ ReportSection reportSection(const ReportInputs& inputs)
                             {kFontTypeKey, QStringLiteral("Type"), 0.14},
                             {kFontStatusKey, QStringLiteral("Status"), 0.12},
                             {kFontPsFontKey, QStringLiteral("PS Name"), 0.28},
-                            {kFontEmbedKey, QStringLiteral("PDF Embedding"), 0.12}},
+                            {kFontEmbedKey, QStringLiteral("Embedding"), 0.12}},
                            inputs.fonts, fontCell);
     report.colors = outline(QStringLiteral("Colors"),
                             {{kColorNameKey, QStringLiteral("Name"), 0.34},
@@ -248,17 +267,17 @@ ReportSection reportSection(const ReportInputs& inputs)
                              {kColorModelKey, QStringLiteral("Process/Spot"), 0.14},
                              {kColorSpaceKey, QStringLiteral("Space"), 0.14},
                              {kColorUsedKey, QStringLiteral("Used"), 0.12}},
-                            inputs.colors, colorCell);
+                            inputs.colors, colorCell, true);
     using namespace links;
     report.links = outline(QStringLiteral("Links"),
-                           {{kLinkNameKey, QStringLiteral("Name"), 0.25},
-                            {kLinkPageKey, QStringLiteral("Page"), 0.06},
+                           {{kLinkNameKey, QStringLiteral("Name"), 0.24},
+                            {kLinkPageKey, QStringLiteral("Page"), 0.07},
                             {kLinkKindKey, QStringLiteral("Kind"), 0.10},
                             {kLinkColorKey, QStringLiteral("Color Mode"), 0.11},
-                            {kLinkProfileKey, QStringLiteral("ICC Profile"), 0.14},
+                            {kLinkProfileKey, QStringLiteral("ICC Profile"), 0.12},
                             {kLinkScaleKey, QStringLiteral("Scale"), 0.06},
-                            {kLinkActualResKey, QStringLiteral("Actual"), 0.06},
-                            {kLinkEffectiveResKey, QStringLiteral("Effective"), 0.07},
+                            {kLinkActualResKey, QStringLiteral("Act. ppi"), 0.08},
+                            {kLinkEffectiveResKey, QStringLiteral("Eff. ppi"), 0.07},
                             {kLinkSizeKey, QStringLiteral("Size"), 0.07},
                             {kLinkStatusKey, QStringLiteral("Status"), 0.08}},
                            inputs.links, plain);

@@ -3,11 +3,14 @@
 #include "inspection/DocInfo.h"
 #include "results/Summary.h"
 
+#include <QColor>
 #include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
+
+#include <optional>
 
 namespace quillon::reportpdf {
 
@@ -23,6 +26,7 @@ struct OutlineRow {
     QStringList cells;
     QList<int> alertedColumns;
     QStringList alerts;
+    std::optional<QColor> swatch; // a colour row's colour, drawn as a chip before its name
 };
 
 // A print outline: the same items as the result list it mirrors, in its order.
@@ -32,6 +36,10 @@ struct PrintOutline {
     QList<double> columnWidths; // fractions of the printable width, summing to 1
     QList<OutlineRow> rows;
 };
+
+// The colour of a colour record, approximately, for its chip: CMYK and RGB values; nothing for
+// other spaces.
+std::optional<QColor> swatchColor(const QVariantMap& colorRecord);
 
 // What a link row's text annotation says.
 struct LinkNote {

@@ -11,7 +11,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 
-#include <functional>
+#include <optional>
 
 namespace quillon::reportpdf {
 
@@ -25,6 +25,7 @@ constexpr double kFooterPt = 22;
 constexpr double kIndentPt = 14;
 constexpr double kSummaryRowSpacingPt = 2.25;
 constexpr double kCellPaddingPt = 3;
+constexpr double kSwatchPt = 6;
 
 const QColor kAlertColor(0xC0, 0x10, 0x10);
 const QColor kCleanColor(0x1E, 0x7B, 0x34);
@@ -95,6 +96,16 @@ private:
     {
         if (m_painter)
             m_painter->fillRect(box, color);
+    }
+
+    void paintSwatch(const QRectF& box, const QColor& color)
+    {
+        if (!m_painter)
+            return;
+        m_painter->setPen(QPen(kRuleColor, u(0.4)));
+        m_painter->setBrush(color);
+        m_painter->drawRect(box);
+        m_painter->setBrush(Qt::NoBrush);
     }
 
     void rule(double y)
@@ -232,7 +243,7 @@ private:
 
     // Paints the cells of one row at the cursor; returns the first cell's box.
     QRectF paintCells(const QStringList& cells, const QList<double>& widths, const QList<int>& alerted,
-                      const QFont& font, double height)
+                      const QFont& font, double height, const std::optional<QColor>& swatch = std::nullopt)
     {
         double x = 0;
         QRectF first;
@@ -242,7 +253,15 @@ private:
             if (i == 0)
                 first = box;
             const QColor color = alerted.contains(static_cast<int>(i)) ? kAlertColor : Qt::black;
-            text(font, color, box.adjusted(u(kCellPaddingPt), 0, -u(kCellPaddingPt), 0), Qt::AlignLeft, cells.at(i));
+            double chip = 0;
+            if (i == 0 && swatch) {
+                chip = u(kSwatchPt + kCellPaddingPt);
+                paintSwatch(
+                    QRectF(x + u(kCellPaddingPt), m_y + (height - u(kSwatchPt)) / 2, u(kSwatchPt), u(kSwatchPt)),
+                    *swatch);
+            }
+            text(font, color, box.adjusted(u(kCellPaddingPt) + chip, 0, -u(kCellPaddingPt), 0), Qt::AlignLeft,
+                 cells.at(i));
             x += w;
         }
         return first;
@@ -269,7 +288,8 @@ private:
                 paintHeaderRow(outline, true);
             if (r % 2 == 1)
                 fill(QRectF(0, m_y, m_width, height), kShade);
-            const QRectF first = paintCells(row.cells, outline.columnWidths, row.alertedColumns, m_cell, rowHeight);
+            const QRectF first =
+                paintCells(row.cells, outline.columnWidths, row.alertedColumns, m_cell, rowHeight, row.swatch);
             if (withNotes && r < m_section->linkNotes.size())
                 annotate(PlacedAnnotation::Kind::Text, first, m_section->linkNotes.at(r).contents());
             m_y += rowHeight;
