@@ -110,8 +110,9 @@ QString pdfStructureProblems(const QString& pdfPath)
         IgnoreContent ignore;
         for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(pdf).getAllPages())
             page.parseContents(&ignore);
+        Pl_Discard discard;
         QPDFWriter writer(pdf);
-        writer.setOutputPipeline(new Pl_Discard());
+        writer.setOutputPipeline(&discard);
         writer.setDecodeLevel(qpdf_dl_all);
         writer.write();
         if (pdf.anyWarnings()) {

@@ -28,7 +28,7 @@ app::Result<QString> writePdfReport(QList<ReportSection> sections, const QString
     app::Result<RenderedReport> rendered = renderReport(sections, printed);
     if (!rendered)
         return app::makeError(rendered.error().message, target);
-    if (!printed.flush())
+    if (!printed.flush() || printed.error() != QFileDevice::NoError)
         return app::makeError(QStringLiteral("the report cannot be written: %1").arg(printed.errorString()), target);
     const AnnotatedPdf annotated = annotatePdf(printed.fileName(), rendered->annotations);
     if (!annotated.error.isEmpty())
