@@ -5,7 +5,9 @@
 #include "cli/StandardOutput.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QGuiApplication>
+#include <QTemporaryDir>
 
 #include <cstring>
 #include <iostream>
@@ -121,21 +123,37 @@ bool paintsPdfReports(int argc, char** argv)
     return false;
 }
 
-std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+// The Qt application of the run, and the private runtime folder a GUI application needs when the
+// session has none (Qt would otherwise leave one in the temporary folder).
+struct Application {
+    std::unique_ptr<QTemporaryDir> runtimeFolder;
+    std::unique_ptr<QCoreApplication> qt;
+};
+
+Application makeApplication(int& argc, char** argv)
 {
-    if (!paintsPdfReports(argc, argv))
-        return std::make_unique<QCoreApplication>(argc, argv);
+    Application application;
+    if (!paintsPdfReports(argc, argv)) {
+        application.qt = std::make_unique<QCoreApplication>(argc, argv);
+        return application;
+    }
     // No display is needed to paint a PDF.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QGuiApplication>(argc, argv);
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        application.runtimeFolder = std::make_unique<QTemporaryDir>();
+        if (application.runtimeFolder->isValid())
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(application.runtimeFolder->path()));
+    }
+    application.qt = std::make_unique<QGuiApplication>(argc, argv);
+    return application;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const std::unique_ptr<QCoreApplication> qtApp = makeApplication(argc, argv);
+    const Application qtApp = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QCoreApplication::setOrganizationName(QStringLiteral("Tornvale"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(quillon::app::kQuillonVersion));

@@ -17,10 +17,8 @@ namespace quillon::reportpdf {
 
 namespace {
 
-// Device units per point: the writer runs at 720 dpi so that glyph positions are not rounded to
-// whole points.
+// The PDF writer runs at 720 dpi so that glyph positions are not rounded to whole points.
 constexpr int kResolution = 720;
-constexpr double kUnit = kResolution / 72.0;
 constexpr double kFooterPt = 22;
 constexpr double kIndentPt = 14;
 constexpr double kSummaryRowSpacingPt = 2.25;
@@ -34,12 +32,7 @@ const QColor kHeaderShade(0xDC, 0xDC, 0xDC);
 const QColor kRuleColor(0x90, 0x90, 0x90);
 const QColor kFooterColor(0x50, 0x50, 0x50);
 
-double u(double points)
-{
-    return points * kUnit;
-}
-
-QFont systemFont(double points, bool bold = false)
+QFont reportFont(double points, bool bold)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setPointSizeF(points);
@@ -51,11 +44,11 @@ QFont systemFont(double points, bool bold = false)
 // footers say "of m"), then painting.
 class PagePainter {
 public:
-    PagePainter(QPdfWriter& writer, QPainter* painter, int totalPages)
-        : m_writer(writer), m_painter(painter), m_totalPages(totalPages), m_width(writer.width()),
-          m_bottom(writer.height() - u(kFooterPt)), m_body(systemFont(9)), m_bold(systemFont(9, true)),
-          m_cell(systemFont(7.5)), m_cellBold(systemFont(7.5, true)), m_small(systemFont(7)),
-          m_page(writer.pageLayout().fullRectPoints())
+    PagePainter(QPagedPaintDevice& writer, QPainter* painter, int totalPages, double scale)
+        : m_writer(writer), m_painter(painter), m_totalPages(totalPages), m_unit(writer.logicalDpiY() / 72.0 * scale),
+          m_width(writer.width()), m_bottom(writer.height() - u(kFooterPt)), m_body(systemFont(9)),
+          m_bold(systemFont(9, true)), m_cell(systemFont(7.5)), m_cellBold(systemFont(7.5, true)),
+          m_small(systemFont(7)), m_page(writer.pageLayout().fullRectPoints())
     {
     }
 
@@ -78,6 +71,12 @@ public:
     void finish() { paintFooter(); }
 
 private:
+    // Device units of `points`, scaled.
+    double u(double points) const { return points * m_unit; }
+
+    // Fonts are given in points of the device; the scale makes them smaller or larger with the rest.
+    QFont systemFont(double points, bool bold = false) const { return reportFont(points * m_scale, bold); }
+
     double lineHeight(const QFont& font) const { return QFontMetricsF(font, &m_writer).height(); }
 
     void text(const QFont& font, const QColor& color, const QRectF& box, int flags, const QString& line)
@@ -119,9 +118,11 @@ private:
     // A device rectangle of the current page in PDF points (origin bottom left).
     QRectF pdfRect(const QRectF& box) const
     {
-        const double left = kHorizontalMarginPt + box.left() / kUnit;
-        const double top = kVerticalMarginPt + box.top() / kUnit;
-        return {left, m_page.height() - top - box.height() / kUnit, box.width() / kUnit, box.height() / kUnit};
+        const double perPoint = m_writer.logicalDpiY() / 72.0;
+        const QRectF paintRect = m_writer.pageLayout().paintRectPoints();
+        const double left = paintRect.left() + box.left() / perPoint;
+        const double top = paintRect.top() + box.top() / perPoint;
+        return {left, m_page.height() - top - box.height() / perPoint, box.width() / perPoint, box.height() / perPoint};
     }
 
     void annotate(PlacedAnnotation::Kind kind, const QRectF& box, const QString& value)
@@ -314,9 +315,11 @@ private:
             line(font, Qt::black, paragraph);
     }
 
-    QPdfWriter& m_writer;
+    QPagedPaintDevice& m_writer;
     QPainter* m_painter;
     int m_totalPages;
+    double m_unit;
+    double m_scale = m_unit / (m_writer.logicalDpiY() / 72.0);
     double m_width;
     double m_bottom;
     QFont m_body;
@@ -331,10 +334,10 @@ private:
     QList<PlacedAnnotation> m_annotations;
 };
 
-int layOut(QPdfWriter& writer, QPainter* painter, int totalPages, const QList<ReportSection>& sections,
-           QList<PlacedAnnotation>* annotations)
+int layOut(QPagedPaintDevice& writer, QPainter* painter, int totalPages, const QList<ReportSection>& sections,
+           QList<PlacedAnnotation>* annotations, double scale)
 {
-    PagePainter pages(writer, painter, totalPages);
+    PagePainter pages(writer, painter, totalPages, scale);
     for (qsizetype i = 0; i < sections.size(); ++i)
         pages.paintSection(sections.at(i), i == 0);
     pages.finish();
@@ -355,14 +358,22 @@ app::Result<RenderedReport> renderReport(const QList<ReportSection>& sections, Q
     writer.setCreator(QStringLiteral("Quillon"));
     writer.setTitle(sections.isEmpty() ? QStringLiteral("Quillon Report")
                                        : sections.constFirst().docName + QStringLiteral(" – Quillon Report"));
+    const std::optional<RenderedReport> rendered = paintReport(sections, writer);
+    if (!rendered)
+        return app::makeError(QStringLiteral("the report could not be painted: %1").arg(device.errorString()));
+    return *rendered;
+}
+
+std::optional<RenderedReport> paintReport(const QList<ReportSection>& sections, QPagedPaintDevice& device, double scale)
+{
     RenderedReport rendered;
-    rendered.pageCount = layOut(writer, nullptr, 0, sections, nullptr);
+    rendered.pageCount = layOut(device, nullptr, 0, sections, nullptr, scale);
     QPainter painter;
-    if (!painter.begin(&writer))
-        return app::makeError(QStringLiteral("the report could not be painted: %1").arg(device.errorString()));
-    layOut(writer, &painter, rendered.pageCount, sections, &rendered.annotations);
+    if (!painter.begin(&device))
+        return std::nullopt;
+    layOut(device, &painter, rendered.pageCount, sections, &rendered.annotations, scale);
     if (!painter.end())
-        return app::makeError(QStringLiteral("the report could not be painted: %1").arg(device.errorString()));
+        return std::nullopt;
     return rendered;
 }
 

@@ -7,7 +7,10 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 class QIODevice;
+class QPagedPaintDevice;
 
 namespace quillon::reportpdf {
 
@@ -27,5 +30,10 @@ inline constexpr double kVerticalMarginPt = 18;
 // "Page n of m"; the returned annotations say where the addresses and each link row's first cell
 // were painted. Needs a QGuiApplication (the offscreen platform will do).
 app::Result<RenderedReport> renderReport(const QList<ReportSection>& sections, QIODevice& device);
+
+// The same onto any paged device (a printer) with its own page layout, everything drawn at
+// `scale` (1 full size); nothing when the device cannot be painted on.
+std::optional<RenderedReport> paintReport(const QList<ReportSection>& sections, QPagedPaintDevice& device,
+                                          double scale = 1.0);
 
 } // namespace quillon::reportpdf
