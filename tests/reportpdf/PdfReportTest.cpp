@@ -207,6 +207,19 @@ TEST_F(PdfReport, EveryPageLinksItsAddressesAndEveryLinkRowCarriesItsNote)
                                           QStringLiteral("-l"), QStringLiteral("2"), pdf, QStringLiteral("-")});
     EXPECT_TRUE(page2.contains(QStringLiteral("(continued)"))) << page2.toStdString();
     EXPECT_TRUE(page2.contains(QStringLiteral("Page 2 of ") + last));
+
+    // A batch: one section per document, each from a new page with its own name in the footer.
+    const QList<reportpdf::ReportSection> batch{
+        preflightedReport(test::repoPath(QStringLiteral("resources/sample/sample-brochure.idml")), m_dir.filePath("a")),
+        preflightedReport(test::samplePath(QStringLiteral("idml/interview.idml")), m_dir.filePath("b"))};
+    const app::Result<QString> both =
+        reportpdf::writePdfReport(batch, m_dir.path(), QStringLiteral("batch.pdf"), QNTextReport::ExistingFile::Number);
+    ASSERT_TRUE(both);
+    const QString second = run(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), QStringLiteral("-f"),
+                                                             QStringLiteral("2"), *both, QStringLiteral("-")});
+    EXPECT_TRUE(second.trimmed().startsWith(QStringLiteral("Quillon Report"))) << second.toStdString();
+    EXPECT_TRUE(second.contains(QStringLiteral("interview.idml ")) && second.contains(QStringLiteral("Page 2 of ")))
+        << second.toStdString();
 }
 
 TEST_F(PdfReport, AFailedWriteKeepsTheEarlierReportAndLeavesNoIntermediateFile)

@@ -2,7 +2,6 @@
 
 #include "app/BuildInfo.h"
 #include "app/Log.h"
-#include "app/RecordKeys.h"
 #include "inspection/ColorRecordKeys.h"
 #include "inspection/FontRecordKeys.h"
 #include "links/LinkRecordKeys.h"
@@ -63,20 +62,6 @@ QString listOrDash(const QVariant& value)
     return text.isEmpty() ? QStringLiteral("-") : text;
 }
 
-// Document groups (a batch in one list) are printed as their records.
-QVariantList flattened(const QVariantList& items)
-{
-    QVariantList out;
-    for (const QVariant& item : items) {
-        const QVariantMap record = item.toMap();
-        if (record.contains(app::kGroupIsDockKey) && record.contains(app::kGroupChildrenKey))
-            out += record.value(app::kGroupChildrenKey).toList();
-        else
-            out += item;
-    }
-    return out;
-}
-
 QStringList alertTexts(const QVariant& alerts)
 {
     if (alerts.typeId() == QMetaType::QVariantList || alerts.typeId() == QMetaType::QStringList)
@@ -93,12 +78,13 @@ struct Column {
 PrintOutline outline(const QString& title, const QList<Column>& columns, const QVariantList& items,
                      QString (*mapValue)(const QString& key, const QVariant& value), bool withSwatches = false)
 {
-    PrintOutline out{title, {}, {}, {}};
+    PrintOutline out;
+    out.title = title;
     for (const Column& column : columns) {
         out.headers << column.header;
         out.columnWidths << column.width;
     }
-    for (const QVariant& item : flattened(items)) {
+    for (const QVariant& item : reports::flattenedItems(items)) {
         const QVariantMap record = item.toMap();
         const QVariantMap alerts = record.value(results::kAlertsKey).toMap();
         OutlineRow row;
@@ -270,8 +256,8 @@ ReportSection reportSection(const ReportInputs& inputs)
                             inputs.colors, colorCell, true);
     using namespace links;
     report.links = outline(QStringLiteral("Links"),
-                           {{kLinkNameKey, QStringLiteral("Name"), 0.24},
-                            {kLinkPageKey, QStringLiteral("Page"), 0.07},
+                           {{kLinkNameKey, QStringLiteral("Name"), 0.23},
+                            {kLinkPageKey, QStringLiteral("Page"), 0.08},
                             {kLinkKindKey, QStringLiteral("Kind"), 0.10},
                             {kLinkColorKey, QStringLiteral("Color Mode"), 0.11},
                             {kLinkProfileKey, QStringLiteral("ICC Profile"), 0.12},
@@ -281,7 +267,8 @@ ReportSection reportSection(const ReportInputs& inputs)
                             {kLinkSizeKey, QStringLiteral("Size"), 0.07},
                             {kLinkStatusKey, QStringLiteral("Status"), 0.08}},
                            inputs.links, plain);
-    for (const QVariant& item : flattened(inputs.links))
+    report.links.legend = QStringLiteral("a note with the link's details (open it in a PDF viewer)");
+    for (const QVariant& item : reports::flattenedItems(inputs.links))
         report.linkNotes << linkNote(item.toMap(), inputs.docName);
     report.paraStyles = inputs.paraStyles;
     app::logLine(QStringLiteral("> setSizes"));

@@ -35,6 +35,7 @@ struct PrintOutline {
     QStringList headers;
     QList<double> columnWidths; // fractions of the printable width, summing to 1
     QList<OutlineRow> rows;
+    QString legend; // beside the title: what the rows' marks mean
 };
 
 // The colour of a colour record, approximately, for its chip: CMYK and RGB values; nothing for

@@ -31,6 +31,9 @@ const QColor kShade(0xF0, 0xF0, 0xF0);
 const QColor kHeaderShade(0xDC, 0xDC, 0xDC);
 const QColor kRuleColor(0x90, 0x90, 0x90);
 const QColor kFooterColor(0x50, 0x50, 0x50);
+// The colours of the note mark the annotations draw over link names.
+const QColor kNoteMark = QColor::fromRgbF(1, 0.82f, 0.1f);
+const QColor kNoteMarkEdge = QColor::fromRgbF(0.45f, 0.35f, 0);
 
 QFont reportFont(double points, bool bold)
 {
@@ -97,11 +100,11 @@ private:
             m_painter->fillRect(box, color);
     }
 
-    void paintSwatch(const QRectF& box, const QColor& color)
+    void paintSwatch(const QRectF& box, const QColor& color, const QColor& edge = kRuleColor)
     {
         if (!m_painter)
             return;
-        m_painter->setPen(QPen(kRuleColor, u(0.4)));
+        m_painter->setPen(QPen(edge, u(0.4)));
         m_painter->setBrush(color);
         m_painter->drawRect(box);
         m_painter->setBrush(Qt::NoBrush);
@@ -235,6 +238,13 @@ private:
                                     .arg(outline.rows.size())
                                     .arg(continued ? QStringLiteral(" (continued)") : QString());
         text(title, Qt::black, QRectF(0, m_y, m_width, titleHeight), Qt::AlignLeft, heading);
+        if (!outline.legend.isEmpty() && !outline.rows.isEmpty()) {
+            const double legendWidth = QFontMetricsF(m_small, &m_writer).horizontalAdvance(outline.legend) + u(1);
+            const double x = m_width - legendWidth;
+            paintSwatch(QRectF(x - u(kSwatchPt + 3), m_y + (titleHeight - u(5)) / 2, u(5), u(5)), kNoteMark,
+                        kNoteMarkEdge);
+            text(m_small, kFooterColor, QRectF(x, m_y, legendWidth, titleHeight), Qt::AlignLeft, outline.legend);
+        }
         m_y += titleHeight + u(2);
         const double h = lineHeight(m_cellBold) + u(2);
         fill(QRectF(0, m_y, m_width, h), kHeaderShade);
