@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <map>
 #include <memory>
+#include <utility>
 
 namespace quillon::reportpdf {
 
@@ -39,7 +41,19 @@ QPDFObjectHandle noteAppearance(QPDF& pdf, const QRectF& rect)
     return appearance;
 }
 
-QPDFObjectHandle annotation(QPDF& pdf, const PlacedAnnotation& placed)
+// One appearance per note size: the link rows' notes all share one.
+using Appearances = std::map<std::pair<qint64, qint64>, QPDFObjectHandle>;
+
+QPDFObjectHandle sharedNoteAppearance(QPDF& pdf, const QRectF& rect, Appearances& appearances)
+{
+    const std::pair<qint64, qint64> key{qRound64(rect.width() * 100), qRound64(rect.height() * 100)};
+    auto found = appearances.find(key);
+    if (found == appearances.end())
+        found = appearances.emplace(key, pdf.makeIndirectObject(noteAppearance(pdf, rect))).first;
+    return found->second;
+}
+
+QPDFObjectHandle annotation(QPDF& pdf, const PlacedAnnotation& placed, Appearances& appearances)
 {
     QPDFObjectHandle dict = QPDFObjectHandle::newDictionary();
     dict.replaceKey("/Type", QPDFObjectHandle::newName("/Annot"));
@@ -58,7 +72,7 @@ QPDFObjectHandle annotation(QPDF& pdf, const PlacedAnnotation& placed)
         dict.replaceKey("/Open", QPDFObjectHandle::newBool(false));
         dict.replaceKey("/F", QPDFObjectHandle::newInteger(4)); // printed with the page
         dict.replaceKey("/Contents", QPDFObjectHandle::newUnicodeString(value));
-        dict.replaceKey("/AP", noteAppearance(pdf, placed.rect));
+        dict.replaceKey("/AP", sharedNoteAppearance(pdf, placed.rect, appearances));
     }
     return pdf.makeIndirectObject(dict);
 }
@@ -77,6 +91,7 @@ AnnotatedPdf annotatePdf(const QString& pdfPath, const QList<PlacedAnnotation>& 
         QPDF pdf;
         pdf.processFile(pdfPath.toLocal8Bit().constData());
         std::vector<QPDFPageObjectHelper> pages = QPDFPageDocumentHelper(pdf).getAllPages();
+        Appearances appearances;
         for (const PlacedAnnotation& placed : annotations) {
             if (placed.page < 0 || static_cast<size_t>(placed.page) >= pages.size())
                 return {{}, QStringLiteral("no page %1 for an annotation").arg(placed.page + 1)};
@@ -86,10 +101,13 @@ AnnotatedPdf annotatePdf(const QString& pdfPath, const QList<PlacedAnnotation>& 
                 annots = QPDFObjectHandle::newArray();
                 page.replaceKey("/Annots", annots);
             }
-            annots.appendItem(annotation(pdf, placed));
+            annots.appendItem(annotation(pdf, placed, appearances));
         }
         QPDFWriter writer(pdf);
         writer.setOutputMemory();
+        // The painted streams are already compressed: copied as they are, not inflated and
+        // deflated again.
+        writer.setDecodeLevel(qpdf_dl_none);
         writer.setObjectStreamMode(qpdf_o_generate);
         writer.write();
         const std::shared_ptr<Buffer> buffer = writer.getBufferSharedPointer();

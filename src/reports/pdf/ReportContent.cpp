@@ -51,9 +51,11 @@ QString cellText(const QVariant& value)
         return value.toBool() ? QStringLiteral("Yes") : QStringLiteral("No");
     if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
         return value.toStringList().join(QStringLiteral(", "));
-    return value.toString()
-        .split(QRegularExpression(QStringLiteral("[\r\n]+")), Qt::SkipEmptyParts)
-        .join(QStringLiteral(", "));
+    const QString text = value.toString();
+    if (!text.contains(u'\r') && !text.contains(u'\n'))
+        return text;
+    static const QRegularExpression lineBreaks(QStringLiteral("[\r\n]+"));
+    return text.split(lineBreaks, Qt::SkipEmptyParts).join(QStringLiteral(", "));
 }
 
 QString listOrDash(const QVariant& value)

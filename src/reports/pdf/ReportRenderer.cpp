@@ -49,7 +49,7 @@ class PagePainter {
 public:
     PagePainter(QPagedPaintDevice& writer, QPainter* painter, int totalPages, double scale)
         : m_writer(writer), m_painter(painter), m_totalPages(totalPages), m_unit(writer.logicalDpiY() / 72.0 * scale),
-          m_width(writer.width()), m_bottom(writer.height() - u(kFooterPt)), m_body(systemFont(9)),
+          m_scale(scale), m_width(writer.width()), m_bottom(writer.height() - u(kFooterPt)), m_body(systemFont(9)),
           m_bold(systemFont(9, true)), m_cell(systemFont(7.5)), m_cellBold(systemFont(7.5, true)),
           m_small(systemFont(7)), m_page(writer.pageLayout().fullRectPoints())
     {
@@ -329,7 +329,7 @@ private:
     QPainter* m_painter;
     int m_totalPages;
     double m_unit;
-    double m_scale = m_unit / (m_writer.logicalDpiY() / 72.0);
+    double m_scale;
     double m_width;
     double m_bottom;
     QFont m_body;
