@@ -191,6 +191,7 @@ TEST_F(PdfReport, EveryPageLinksItsAddressesAndEveryLinkRowCarriesItsNote)
             EXPECT_LT(a.rect.top(), 30) << "in the footer";
         } else {
             notes << a.value;
+            EXPECT_GT(a.rect.top(), 40) << "a row above the footer, never cut by it";
         }
     }
     ASSERT_EQ(uris.size(), 2) << "the links run onto a second page";
