@@ -219,8 +219,8 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
     CLI::Option* reportDir =
         preflight
             ->add_option("--report-dir", options->reportDir,
-                         "Also write each document's report file (<name>_Quillon_Report.txt) into this folder, made "
-                         "when missing; a file already there is kept (see --overwrite)")
+                         "Also write each document's report file (<name>_Quillon_Report.txt, or .pdf with --format "
+                         "pdf) into this folder, made when missing; a file already there is kept (see --overwrite)")
             ->check(nonEmpty("a folder name"));
     preflight
         ->add_option("--links-dir", options->linkDirs,
