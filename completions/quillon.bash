@@ -23,7 +23,7 @@ _quillon()
         --format)
             case $command in
                 links) COMPREPLY=($(compgen -W "table json" -- "$cur")) ;;
-                preflight) COMPREPLY=($(compgen -W "summary text tab json" -- "$cur")) ;;
+                preflight) COMPREPLY=($(compgen -W "summary text tab json pdf" -- "$cur")) ;;
                 *) COMPREPLY=($(compgen -W "text json" -- "$cur")) ;;
             esac
             return ;;
@@ -39,7 +39,7 @@ _quillon()
         info) options+=" --format --recursive --files-from $output" ;;
         links) options+=" --format --recursive --files-from --links-dir --search-links $output" ;;
         preflight) options+=" --format --recursive --files-from --links-dir --search-links --preset --preset-file --report-dir --overwrite --jobs --max-items $output" ;;
-        package) options+=" --to --unified --separate --name-suffix --no-links --no-fonts --links-beside-document --no-relink --idml --pdf --text-report --no-manifest --jobs --hot-folder --format --overwrite --extras --extras-folder --links-dir --preset --preset-file" ;;
+        package) options+=" --to --unified --separate --name-suffix --no-links --no-fonts --links-beside-document --no-relink --idml --pdf --text-report --pdf-report --no-manifest --jobs --hot-folder --format --overwrite --extras --extras-folder --links-dir --preset --preset-file" ;;
         verify) options+=" --format" ;;
         inspect|metadata) options+=" --format $output" ;;
         presets)

@@ -17,7 +17,9 @@
 #include "package/PackageController.h"
 #include "package/PreflightToPackageController.h"
 #include "preflight/DocumentWarnings.h"
+#include "reportpdf/PdfReport.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -43,6 +45,7 @@ struct PackageOptions {
     bool idml = false;
     std::string pdfPreset;
     bool textReport = false;
+    bool pdfReport = false;
     bool overwrite = false;
     std::vector<std::string> extras;
     std::string extrasFolder;
@@ -291,6 +294,18 @@ int runPackage(const PackageOptions& options)
     choices.createPdf = !options.pdfPreset.empty();
     choices.pdfPreset = q(options.pdfPreset);
     choices.textReport = options.textReport;
+    choices.pdfReport = options.pdfReport;
+    request.writePdfReport = [presetName = preset->name](const package::PreflightedDocument& document,
+                                                         const QString& folder, const QString& fileName, bool replace) {
+        reportpdf::ReportInputs inputs = reportpdf::reportInputs(document.finalFontItems, document.finalColorItems,
+                                                                 document.finalLinkItems, document.docInfo);
+        inputs.presetName = presetName;
+        inputs.userName = reportpdf::currentUserFullName();
+        inputs.reportDate = QDateTime::currentDateTime();
+        return reportpdf::writePdfReport({reportpdf::reportSection(inputs)}, folder, fileName,
+                                         replace ? reports::QNTextReport::ExistingFile::Replace
+                                                 : reports::QNTextReport::ExistingFile::Number);
+    };
     choices.extrasInSubfolder = !options.extrasFolder.empty();
     choices.extrasSubfolderName = q(options.extrasFolder);
     choices.fontsFromRecords = true; // the offline host copies the document alone
@@ -361,6 +376,8 @@ void addPackageCommand(CLI::App& program, std::vector<Command>& commands)
     package->add_option("--pdf", options->pdfPreset, "Also export a PDF with this preset (needs InDesign)")
         ->check(nonEmpty("a PDF preset name"));
     package->add_flag("--text-report", options->textReport, "Write each document's text report into the package");
+    package->add_flag("--pdf-report", options->pdfReport,
+                      "Write each document's PDF report (<document>_Quillon_Report.pdf) into the package");
     package->add_flag("--overwrite", options->overwrite,
                       "Use an existing package folder of the same name, replacing its files (without it the new "
                       "folder is numbered: <name>_1)");

@@ -17,6 +17,7 @@
 #include "cli/PresetChoice.h"
 #include "cli/ProgressLine.h"
 #include "cli/TerminalText.h"
+#include "reportpdf/PdfReport.h"
 #include "reports/TextReport.h"
 
 #include <QDir>
@@ -59,17 +60,24 @@ void printError(const QString& about, const QString& message)
               << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
 }
 
-// The report file name of each document: "<name>_Quillon_Report.txt", numbered when an earlier
-// document of the run has the same name, so that no report of the run replaces another.
-QStringList reportFileNames(const QStringList& documents)
+bool isPdf(const QString& format)
+{
+    return format == QLatin1String("pdf");
+}
+
+// The report file name of each document ("<name>_Quillon_Report.txt" or ".pdf"), numbered when an
+// earlier document of the run has the same name, so that no report of the run replaces another.
+QStringList reportFileNames(const QStringList& documents, bool pdf)
 {
     QSet<QString> taken;
     QStringList names;
     for (const QString& document : documents) {
-        const QString name = reports::QNTextReport::reportFileName(QFileInfo(document).fileName());
+        const QString docName = QFileInfo(document).fileName();
+        const QString name =
+            pdf ? reportpdf::pdfReportFileName(docName) : reports::QNTextReport::reportFileName(docName);
         QString candidate = name;
         for (int n = 1; taken.contains(candidate); ++n)
-            candidate = QStringLiteral("%1_%2.txt").arg(name.chopped(4)).arg(n);
+            candidate = QStringLiteral("%1_%2.%3").arg(name.chopped(4)).arg(n).arg(name.right(3));
         taken.insert(candidate);
         names << candidate;
     }
@@ -78,6 +86,8 @@ QStringList reportFileNames(const QStringList& documents)
 
 std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool reportDir)
 {
+    if (isPdf(format))
+        return std::nullopt;
     if (format == QLatin1String("tab"))
         return reports::TextReportType::TabDelimited;
     if (format == QLatin1String("text") || reportDir)
@@ -95,7 +105,9 @@ int preflightAll(const PreflightOptions& options, const QStringList& paths, cons
     if (!runRoot.isValid())
         return kExitFailure;
 
-    const QStringList reportNames = reportFileNames(paths);
+    const QStringList reportNames = reportFileNames(paths, isPdf(format));
+    const auto existing =
+        options.overwrite ? reports::QNTextReport::ExistingFile::Replace : reports::QNTextReport::ExistingFile::Number;
     const int jobs = documentJobs(options.jobs);
 
     ProgressLine progress(static_cast<int>(paths.size()), standardErrorIsTerminal() && !output.quiet);
@@ -120,9 +132,10 @@ int preflightAll(const PreflightOptions& options, const QStringList& paths, cons
             document.warnings << linkSearchCappedWarning(paths.at(index));
         if (document.preflighted && !reportDir.isEmpty()) {
             const app::Result<QString> saved =
-                reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir, reportNames.at(index),
-                                                      options.overwrite ? reports::QNTextReport::ExistingFile::Replace
-                                                                        : reports::QNTextReport::ExistingFile::Number);
+                document.pdfReport
+                    ? reportpdf::writePdfReport({*document.pdfReport}, reportDir, reportNames.at(index), existing)
+                    : reports::QNTextReport::saveReportFile(document.reportText.toUtf8(), reportDir,
+                                                            reportNames.at(index), existing);
             if (!saved)
                 document.outputError = saved.error().text();
         }
@@ -144,6 +157,12 @@ int preflightAll(const PreflightOptions& options, const QStringList& paths, cons
 
 int runPreflight(const PreflightOptions& options)
 {
+    if (isPdf(q(options.format)) && options.reportDir.empty()) {
+        std::cerr << "quillon preflight: --format pdf needs --report-dir: the PDF reports are written there; see "
+                     "'quillon preflight --help'"
+                  << std::endl;
+        return kExitUsage;
+    }
     const ExpandedDocuments documents = expandDocumentSources(options.documents, "preflight");
     if (documents.failureStatus != kExitOk)
         return documents.failureStatus;
@@ -169,6 +188,8 @@ int runPreflight(const PreflightOptions& options)
     const QString format = q(options.format);
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
     jobOptions.printParaStyles = app::Settings().boolForKey(QStringLiteral("printParas"), false);
+    jobOptions.pdfReport = isPdf(format);
+    jobOptions.presetName = preset->name;
 
     return runWithOutput(options.output, "preflight", [&](const ResultStream& out) {
         return preflightAll(options, documents.paths, *preset, jobOptions, reportDir,
@@ -183,7 +204,7 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
     auto options = std::make_shared<PreflightOptions>();
     CLI::App* preflight = program.add_subcommand(
         "preflight", "Preflight IDML documents: fonts, colors and links judged by a checkup preset, with the "
-                     "document information, as a summary, the text report or JSON.");
+                     "document information, as a summary, the text report, JSON or PDF reports.");
     addDocumentSourceOptions(*preflight, options->documents);
     CLI::Option* presetName =
         preflight->add_option("--preset", options->preset, "Checkup preset by name (default: the current preset)");
@@ -192,13 +213,14 @@ void addPreflightCommand(CLI::App& program, std::vector<Command>& commands)
     presetName->excludes(presetFile);
     preflight
         ->add_option("--format", options->format,
-                     "summary (the default), text (the report), tab (the tab-delimited report) or json")
-        ->check(CLI::IsMember({"summary", "text", "tab", "json"}));
+                     "summary (the default), text (the report), tab (the tab-delimited report), json, or pdf (the "
+                     "summary here and each document's PDF report, <name>_Quillon_Report.pdf, in --report-dir)")
+        ->check(CLI::IsMember({"summary", "text", "tab", "json", "pdf"}));
     CLI::Option* reportDir =
         preflight
             ->add_option("--report-dir", options->reportDir,
-                         "Also write each document's report file (<name>_Quillon_Report.txt) into this folder, made "
-                         "when missing; a file already there is kept (see --overwrite)")
+                         "Also write each document's report file (<name>_Quillon_Report.txt, or .pdf with --format "
+                         "pdf) into this folder, made when missing; a file already there is kept (see --overwrite)")
             ->check(nonEmpty("a folder name"));
     preflight
         ->add_option("--links-dir", options->linkDirs,

@@ -7,6 +7,7 @@
 #include "preflight/DocumentWarnings.h"
 #include "reports/PreflightResults.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 
 namespace quillon::cli {
@@ -76,12 +77,23 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
     document.status = results.status();
     document.documentChecks = results.documentJudgement();
     document.warnings += document.documentChecks.warnings;
-    if (options.reportType) {
-        QString paraStyles;
-        if (options.printParaStyles)
-            if (const auto report = host.paraReport(document.name, nullptr))
-                paraStyles = report->found;
+    QString paraStyles;
+    if (options.printParaStyles && (options.reportType || options.pdfReport))
+        if (const auto report = host.paraReport(document.name, nullptr))
+            paraStyles = report->found;
+    if (options.reportType)
         document.reportText = results.textReport(*options.reportType, paraStyles, outcome->docInfo);
+    if (options.pdfReport) {
+        reportpdf::ReportInputs inputs =
+            reportpdf::reportInputs(document.fonts, document.colors, document.links, outcome->docInfo);
+        inputs.summary = results.summary().items();
+        inputs.statusLine = document.status.text;
+        inputs.hasAlerts = document.status.total != 0;
+        inputs.presetName = options.presetName;
+        inputs.userName = reportpdf::currentUserFullName();
+        inputs.reportDate = QDateTime::currentDateTime();
+        inputs.paraStyles = paraStyles;
+        document.pdfReport = reportpdf::reportSection(inputs);
     }
     return document;
 }

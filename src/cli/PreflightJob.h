@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inspection/DocInfo.h"
+#include "reportpdf/ReportContent.h"
 #include "reports/TextReport.h"
 #include "results/DocumentChecks.h"
 #include "results/Summary.h"
@@ -26,6 +27,8 @@ struct PreflightJobOptions {
     // The layout of the text report to make, or nothing when none is wanted.
     std::optional<reports::TextReportType> reportType;
     bool printParaStyles = false; // the report ends with the paragraph styles ("printParas")
+    bool pdfReport = false;       // make the content of the PDF report
+    QString presetName;           // named in the PDF report
 };
 
 // One document's preflight as the command line reports it.
@@ -45,7 +48,8 @@ struct PreflightedDocument {
     // The preset's document checks: their alerts, and whether it has any (shown only then). What
     // could not be checked is among `warnings`.
     results::DocumentJudgement documentChecks;
-    QString reportText; // the text report, when one was asked for
+    QString reportText;                                // the text report, when one was asked for
+    std::optional<reportpdf::ReportSection> pdfReport; // when one was asked for
 };
 
 // Receives the status texts of the stages.

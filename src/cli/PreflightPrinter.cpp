@@ -57,9 +57,9 @@ RenderedDocument renderDocument(PreflightedDocument document, const QString& for
         auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
         rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
     } else if (document.preflighted) {
-        rendered.out =
-            printableLinesText(format == QLatin1String("summary") ? summaryText(document, presetName, maxItems)
-                                                                  : document.reportText + u'\n');
+        rendered.out = printableLinesText(format == QLatin1String("summary") || format == QLatin1String("pdf")
+                                              ? summaryText(document, presetName, maxItems)
+                                              : document.reportText + u'\n');
     }
     return rendered;
 }

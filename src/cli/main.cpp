@@ -5,8 +5,13 @@
 #include "cli/StandardOutput.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTemporaryDir>
 
+#include <cstring>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -104,11 +109,51 @@ int runCommand(int argc, char** argv)
     return kExitOk;
 }
 
+// A PDF report is painted, which needs a GUI application; the other commands keep the cheaper
+// start of a core one.
+bool paintsPdfReports(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const char* word = argv[i];
+        if (std::strcmp(word, "--pdf-report") == 0 || std::strcmp(word, "--format=pdf") == 0)
+            return true;
+        if (std::strcmp(word, "--format") == 0 && i + 1 < argc && std::strcmp(argv[i + 1], "pdf") == 0)
+            return true;
+    }
+    return false;
+}
+
+// The Qt application of the run, and the private runtime folder a GUI application needs when the
+// session has none (Qt would otherwise leave one in the temporary folder).
+struct Application {
+    std::unique_ptr<QTemporaryDir> runtimeFolder;
+    std::unique_ptr<QCoreApplication> qt;
+};
+
+Application makeApplication(int& argc, char** argv)
+{
+    Application application;
+    if (!paintsPdfReports(argc, argv)) {
+        application.qt = std::make_unique<QCoreApplication>(argc, argv);
+        return application;
+    }
+    // No display is needed to paint a PDF.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        application.runtimeFolder = std::make_unique<QTemporaryDir>();
+        if (application.runtimeFolder->isValid())
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(application.runtimeFolder->path()));
+    }
+    application.qt = std::make_unique<QGuiApplication>(argc, argv);
+    return application;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QCoreApplication qtApp(argc, argv);
+    const Application qtApp = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QCoreApplication::setOrganizationName(QStringLiteral("Tornvale"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(quillon::app::kQuillonVersion));

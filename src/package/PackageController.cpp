@@ -418,10 +418,7 @@ void QNPackageController::createReportsForDocItem(const PreflightedDocument& doc
     m_progress->setProgr2ValueToStageOfSingleDoc(QStringLiteral("report"));
     showProgress();
     if (m_request->choices.pdfReport)
-        m_outcome.warnings << app::makeError(
-            QStringLiteral("The PDF report (%1) is not made by this version; ask for the text report instead.")
-                .arg(reportNameForDocName(document.docItem.name, QStringLiteral("_Quillon_Report.pdf"))),
-            document.docItem.path);
+        createPDFReportForDocName(document);
     if (!m_request->choices.textReport)
         return;
     const reports::QNTextReport report;
@@ -434,6 +431,24 @@ void QNPackageController::createReportsForDocItem(const PreflightedDocument& doc
                                      : reports::QNTextReport::ExistingFile::Number);
     if (!saved) {
         log(QStringLiteral("-> can't write the text report: %1").arg(saved.error().text()));
+        m_outcome.warnings << saved.error();
+    }
+}
+
+void QNPackageController::createPDFReportForDocName(const PreflightedDocument& document)
+{
+    const QString fileName = reportNameForDocName(document.docItem.name, QStringLiteral("_Quillon_Report.pdf"));
+    if (!m_request->writePdfReport) {
+        m_outcome.warnings << app::makeError(
+            QStringLiteral("The PDF report (%1) is not made by this program; ask for the text report instead.")
+                .arg(fileName),
+            document.docItem.path);
+        return;
+    }
+    const app::Result<QString> saved =
+        m_request->writePdfReport(document, m_targetPackageFolderPath, fileName, m_request->choices.overwrite);
+    if (!saved) {
+        log(QStringLiteral("-> can't write the PDF report: %1").arg(saved.error().text()));
         m_outcome.warnings << saved.error();
     }
 }

@@ -81,6 +81,12 @@ struct PackageRequest {
     // Where InDesign's package command puts the unified documents and fonts first; empty: the
     // system's "tmpPackage" folder. Made fresh for the run.
     QString stagingFolder{};
+    // Writes a document's PDF report as `folder`/`fileName` (replacing a file of that name when
+    // `replace`, else numbering the report) and returns its path. Painting needs Qt Gui, which
+    // this layer does not link, so the program supplies it; none: the report is a warning.
+    std::function<app::Result<QString>(const PreflightedDocument& document, const QString& folder,
+                                       const QString& fileName, bool replace)>
+        writePdfReport{};
 };
 
 struct PackageSinks {
@@ -142,6 +148,7 @@ private:
     bool collectFontsForDocAtPath(const PreflightedDocument& document);
     void createPDFForDocItem(const PreflightedDocument& document);
     void createReportsForDocItem(const PreflightedDocument& document);
+    void createPDFReportForDocName(const PreflightedDocument& document);
     bool moveDocFromTmpFolderToPackageFolder(const PreflightedDocument& document);
     void copyFiles(const QList<std::pair<QString, QString>>& sourceAndFolder, bool extras);
     bool makePackageFolder(const QString& folder);

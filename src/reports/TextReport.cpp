@@ -21,20 +21,6 @@ namespace quillon::reports {
 
 namespace {
 
-// Document groups (several documents in one list) are reported as their records.
-QVariantList flattened(const QVariantList& items)
-{
-    QVariantList out;
-    for (const QVariant& item : items) {
-        const QVariantMap record = item.toMap();
-        if (record.contains(app::kGroupIsDockKey) && record.contains(app::kGroupChildrenKey))
-            out += record.value(app::kGroupChildrenKey).toList();
-        else
-            out += item;
-    }
-    return out;
-}
-
 QString valueText(const QVariant& value)
 {
     switch (value.typeId()) {
@@ -68,6 +54,19 @@ QString colorValue(const QString& key, const QVariant& value)
 }
 
 } // namespace
+
+QVariantList flattenedItems(const QVariantList& items)
+{
+    QVariantList out;
+    for (const QVariant& item : items) {
+        const QVariantMap record = item.toMap();
+        if (record.contains(app::kGroupIsDockKey) && record.contains(app::kGroupChildrenKey))
+            out += record.value(app::kGroupChildrenKey).toList();
+        else
+            out += item;
+    }
+    return out;
+}
 
 QStringList textReportTypeTitles()
 {
@@ -153,7 +152,7 @@ QString QNTextReport::section(const QString& title, const QString& emptyMarker, 
                               const QList<Column>& columns,
                               QString (*mapValue)(const QString& key, const QVariant& value)) const
 {
-    const QVariantList records = flattened(items);
+    const QVariantList records = flattenedItems(items);
     if (records.isEmpty())
         return title + m_itemDelimiter + emptyMarker;
     QStringList lines{title};

@@ -19,6 +19,10 @@ enum class TextReportType {
 // The user default holding the title of the layout last chosen in the save panel.
 inline const app::SettingKey kTextReportTypeSetting{"textReportType", QString()};
 
+// The records of a result list, a document group (several documents in one list) given as its
+// records.
+QVariantList flattenedItems(const QVariantList& items);
+
 // The save panel's layout titles, in the order its popup lists them: "Regular", "Tab-delimited".
 QStringList textReportTypeTitles();
 // The layout of a chosen title: regular when the title contains "Regular", tab-delimited otherwise.

@@ -34,14 +34,15 @@ TEST(PackageCommand, PackagesTheSampleAndKeepsTheExitStatusContract)
     const QStringList common{u"package"_s, brochure,       interview, u"--to"_s,          to,     u"--preset-file"_s,
                              lenient,      u"--unified"_s, u"Job:"_s, u"--name-suffix"_s, u"7"_s, u"--no-relink"_s};
 
-    CliRun run = runQuillon(common + QStringList{u"--text-report"_s}, environment);
+    CliRun run = runQuillon(common + QStringList{u"--text-report"_s, u"--pdf-report"_s}, environment);
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString() << run.out.toStdString();
     const QString folder = to + u"/Job_7"_s;
     EXPECT_TRUE(run.out.startsWith(u"Package folder: %1\n"_s.arg(folder).toUtf8())) << run.out.toStdString();
     EXPECT_TRUE(run.out.contains("Links copied: 4\n"));
     EXPECT_EQ(QDir(folder + u"/Links"_s).entryList(QDir::Files).size(), 4);
     for (const QString& file :
-         {u"sample-brochure.idml"_s, u"interview.idml"_s, u"interview.idml_Quillon_Report.txt"_s, u"Document fonts"_s})
+         {u"sample-brochure.idml"_s, u"interview.idml"_s, u"interview.idml_Quillon_Report.txt"_s,
+          u"interview_Quillon_Report.pdf"_s, u"sample-brochure_Quillon_Report.pdf"_s, u"Document fonts"_s})
         EXPECT_TRUE(QFile::exists(folder + u'/' + file)) << file.toStdString();
     EXPECT_TRUE(QDir(tmp.path()).isEmpty()); // the staging and work folders went
 

@@ -267,6 +267,15 @@ TEST_F(PreflightCommand, ReportsGoToStandardOutputAndIntoTheReportFolder)
                      QStringLiteral("--preset-file"), lenientPreset()});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_TRUE(run.err.contains("a folder of that name is in the way")) << run.err.toStdString();
+
+    // The PDF reports go into the report folder, which they need; the summary is printed.
+    EXPECT_EQ(preflight({interview, QStringLiteral("--format"), QStringLiteral("pdf")}).exitCode, 64);
+    run = preflight({interview, QStringLiteral("--format"), QStringLiteral("pdf"), QStringLiteral("--report-dir"),
+                     reports, QStringLiteral("--preset-file"), lenientPreset()});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains("Result:     No errors found")) << run.out.toStdString();
+    EXPECT_TRUE(quillon::test::readAll(QDir(reports).filePath(QStringLiteral("interview.idml_Quillon_Report.pdf")))
+                    .startsWith("%PDF-"));
 }
 
 TEST_F(PreflightCommand, AStaleOrBrokenPresetJudgesNothingAndSaysSo)
