@@ -67,17 +67,7 @@ TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkIns
 {
     QTemporaryDir config, tmp, out;
     const QStringList environment{u"XDG_CONFIG_HOME="_s + config.path(), u"TMPDIR="_s + tmp.path(), u"LC_ALL=C"_s};
-    // A copy of the sample whose links bear the time the document recorded (git keeps no times).
-    const QString brochure = out.filePath(u"sample-brochure.idml"_s);
-    QFile::copy(repoPath(u"resources/sample/sample-brochure.idml"_s), brochure);
-    QDir().mkpath(out.filePath(u"Links"_s));
-    for (const QString& name : QDir(repoPath(u"resources/sample/Links"_s)).entryList(QDir::Files)) {
-        QFile::copy(repoPath(u"resources/sample/Links/"_s + name), out.filePath(u"Links/"_s + name));
-        QFile link(out.filePath(u"Links/"_s + name));
-        ASSERT_TRUE(link.open(QIODevice::ReadWrite));
-        link.setFileTime(QDateTime(QDate(2026, 1, 15), QTime(10, 0), QTimeZone::utc()),
-                         QFileDevice::FileModificationTime);
-    }
+    const QString brochure = quillon::test::copyBundledSample(out.path());
     const QString to = out.filePath(u"packages"_s), hot = out.filePath(u"hot"_s);
     QDir().mkpath(hot);
     CliRun run = runQuillon({u"package"_s, brochure, u"--to"_s, to, u"--unified"_s, u"Job"_s, u"--hot-folder"_s, hot,

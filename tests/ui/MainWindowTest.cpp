@@ -157,11 +157,8 @@ TEST(MainWindow, RenameInPlaceRefusesAnotherExtensionAndRelinksTheDocument)
     WindowFixture fixture;
     ui::MainWindow& window = fixture.window();
     const QDir copy(fixture.folder().filePath("job"));
-    QDir().mkpath(copy.filePath("Links"));
-    QFile::copy(test::repoPath(kBrochure), copy.filePath("sample-brochure.idml"));
-    for (const QString& name : QDir(test::repoPath("resources/sample/Links")).entryList(QDir::Files))
-        QFile::copy(test::repoPath("resources/sample/Links/" + name), copy.filePath("Links/" + name));
-    ASSERT_TRUE(fixture.preflight({copy.filePath("sample-brochure.idml")}));
+    QDir().mkpath(copy.path());
+    ASSERT_TRUE(fixture.preflight({test::copyBundledSample(copy.path())}));
     ui::LinksModel& links = *window.linksModel();
     const QModelIndex index = firstEditableLink(links);
     ASSERT_TRUE(index.isValid());

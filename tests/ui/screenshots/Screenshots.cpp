@@ -65,8 +65,8 @@ int main(int argc, char** argv)
     window.resize(1280, 800);
     window.show();
 
-    bool saved = preflightAndGrab(window, {test::repoPath(QStringLiteral("resources/sample/sample-brochure.idml"))},
-                                  QStringLiteral("main-sample.png"));
+    const QString bundled = test::copyBundledSample(root.filePath(QStringLiteral("sample")));
+    bool saved = preflightAndGrab(window, {bundled}, QStringLiteral("main-sample.png"));
     saved &= preflightAndGrab(window,
                               {test::samplePath(QStringLiteral("idml/tripple.idml")),
                                test::samplePath(QStringLiteral("idml/freshers.idml")),
