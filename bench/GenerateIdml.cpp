@@ -14,7 +14,8 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() < 2 || (args.at(1) == QLatin1String("--preflight-set") && args.size() != 3)) {
-        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder] [bytes per linked file]\n"
+        std::cerr << "usage: GenerateIdml OUT.idml [spreads] [links per spread] [linked files folder] [bytes per "
+                     "linked file]\n"
                      "       GenerateIdml --preflight-set FOLDER\n";
         return 2;
     }
