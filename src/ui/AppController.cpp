@@ -25,13 +25,14 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QUrl>
 
 namespace quillon::ui {
 
-AppController::AppController(app::Settings& settings, QObject* parent)
-    : QObject(parent), m_settings(settings), m_pageLayout(pageLayoutFromData({}))
+AppController::AppController(app::Settings& settings, MainWindowServices services, QObject* parent)
+    : QObject(parent), m_settings(settings), m_services(std::move(services)), m_pageLayout(pageLayoutFromData({}))
 {
 }
 
@@ -80,11 +81,16 @@ void AppController::applicationWillFinishLaunching()
     if (const app::Status loaded = m_presets->loadStartupSettings(m_settings); !loaded)
         app::logError(loaded.error().message);
 
-    m_window = std::make_unique<MainWindow>();
+    m_window = std::make_unique<MainWindow>(nullptr, m_services);
     m_metadataPane = new MetadataPane;
     m_informationPane = new InformationPane;
     auto* details = new QTabWidget(m_window.get()); // owned by the window until it places it
-    details->addTab(m_informationPane, QStringLiteral("Info"));
+    // A short window scrolls the facts rather than cutting off the path.
+    auto* informationScroll = new QScrollArea;
+    informationScroll->setWidget(m_informationPane);
+    informationScroll->setWidgetResizable(true);
+    informationScroll->setFrameShape(QFrame::NoFrame);
+    details->addTab(informationScroll, QStringLiteral("Info"));
     details->addTab(m_metadataPane, QStringLiteral("Metadata"));
     m_window->setDetailPane(details);
     connect(m_window.get(), &MainWindow::linkSelectionChanged, m_informationPane, &InformationPane::setInfoForFile);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/MainWindow.h"
+
 #include <QObject>
 #include <QPageLayout>
 #include <QPointer>
@@ -22,7 +24,6 @@ namespace quillon::ui {
 
 class InformationPane;
 class LegendWindow;
-class MainWindow;
 class MetadataPane;
 class PreferencesWindow;
 class SupportWindow;
@@ -36,7 +37,9 @@ class AppController : public QObject {
     Q_OBJECT
 
 public:
-    explicit AppController(app::Settings& settings, QObject* parent = nullptr);
+    // `services` are what the main window works with (the user's own folders and defaults unless
+    // set; the settings file of `window` should be that of `settings`).
+    explicit AppController(app::Settings& settings, MainWindowServices services = {}, QObject* parent = nullptr);
     ~AppController() override;
 
     // The maker's folder, the application's support folder and its "Presets" folder, each made
@@ -77,6 +80,7 @@ private:
     void showUpdateAnswer(const UpdateAnswer& answer);
 
     app::Settings& m_settings;
+    MainWindowServices m_services;
     std::unique_ptr<results::QNPresetsTable> m_presets;
     std::unique_ptr<MainWindow> m_window;
     MetadataPane* m_metadataPane = nullptr;

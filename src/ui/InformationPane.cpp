@@ -19,7 +19,7 @@ namespace lk = links;
 namespace {
 
 constexpr int kThumbnailSize = 48;
-constexpr QSize kPreviewBound(280, 220);
+constexpr QSize kPreviewBound(280, 180);
 
 QString textOf(const QVariantMap& record, const QString& key)
 {

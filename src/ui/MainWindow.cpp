@@ -554,8 +554,11 @@ void MainWindow::setDetailPane(QWidget* pane)
 {
     if (!pane)
         return;
+    // The list keeps the room a wider window gives; the pane keeps the width of its preview.
     m_linksSplit->addWidget(pane);
     m_linksSplit->setStretchFactor(0, 1);
+    m_linksSplit->setStretchFactor(1, 0);
+    m_linksSplit->setSizes({1000, 300});
 }
 
 QList<QTreeView*> MainWindow::resultViews() const

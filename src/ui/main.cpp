@@ -21,8 +21,7 @@ int main(int argc, char** argv)
                      [&controller] { controller.applicationWillTerminate(); });
     controller.applicationDidFinishLaunching();
     // Documents given on the command line (or by the desktop's "Open With") are preflighted.
-    const QStringList arguments = QApplication::arguments();
-    for (qsizetype i = 1; i < arguments.size(); ++i)
-        controller.mainWindow()->openDocument(arguments.at(i));
+    if (const QStringList documents = QApplication::arguments().mid(1); !documents.isEmpty())
+        controller.mainWindow()->openDocuments(documents);
     return QApplication::exec();
 }

@@ -4,6 +4,7 @@
 #include "app/Settings.h"
 #include "results/Presets.h"
 #include "support/TestSupport.h"
+#include "ui/AppController.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -21,15 +22,18 @@ using namespace quillon;
 
 namespace {
 
-bool preflightAndGrab(ui::MainWindow& window, const QStringList& documents, const QString& picture)
+bool preflightAndGrab(ui::MainWindow& window, const QStringList& documents, int selectedRow, const QString& picture)
 {
     QEventLoop loop;
     QObject::connect(&window, &ui::MainWindow::preflightFinished, &loop, &QEventLoop::quit);
     QTimer::singleShot(0, &window, [&window, documents] { window.openDocuments(documents); });
     QTimer::singleShot(180000, &loop, &QEventLoop::quit);
     loop.exec();
-    window.linksView()->setCurrentIndex(window.linksView()->model()->index(0, 0));
-    QApplication::processEvents();
+    window.linksView()->setCurrentIndex(window.linksView()->model()->index(selectedRow, 0));
+    // The pane's preview is read on a worker; give it a moment to arrive.
+    QEventLoop preview;
+    QTimer::singleShot(1000, &preview, &QEventLoop::quit);
+    preview.exec();
     const QString path = QDir(QStringLiteral(QUILLON_SCREENSHOT_DIR)).filePath(picture);
     const bool saved = window.grab().save(path);
     std::cout << (saved ? "wrote " : "could not write ") << path.toStdString() << "\n";
@@ -60,17 +64,22 @@ int main(int argc, char** argv)
     services.folders = preflight::PreflightFolders::inside(root.filePath(QStringLiteral("data")));
     services.settingsFile = settingsFile;
     services.presetsFolder = root.filePath(QStringLiteral("Presets"));
-    ui::MainWindow window(nullptr, services);
+    // The whole application as it starts: the shell's menus and detail panes around the window.
+    qputenv("QUILLON_SUPPORT_DIR", root.path().toUtf8());
+    app::Settings settings(settingsFile);
+    ui::AppController controller(settings, services);
+    controller.applicationWillFinishLaunching();
+    ui::MainWindow& window = *controller.mainWindow();
     window.setAlertPresenter([](const app::AlertRequest&) { return app::kAlertFirstButton; });
-    window.resize(1280, 800);
+    window.resize(1440, 900);
     window.show();
 
     const QString bundled = test::copyBundledSample(root.filePath(QStringLiteral("sample")));
-    bool saved = preflightAndGrab(window, {bundled}, QStringLiteral("main-sample.png"));
+    bool saved = preflightAndGrab(window, {bundled}, 2, QStringLiteral("main-sample.png"));
     saved &= preflightAndGrab(window,
                               {test::samplePath(QStringLiteral("idml/tripple.idml")),
                                test::samplePath(QStringLiteral("idml/freshers.idml")),
                                test::samplePath(QStringLiteral("idml/manual_template_example_mixed_ink.idml"))},
-                              QStringLiteral("main-batch.png"));
+                              0, QStringLiteral("main-batch.png"));
     return saved ? 0 : 1;
 }
