@@ -5,6 +5,7 @@
 #include "app/Settings.h"
 #include "links/LinkRecordKeys.h"
 #include "package/PackageSettings.h"
+#include "reportpdf/PdfReport.h"
 #include "results/PresetSettings.h"
 #include "results/Presets.h"
 #include "ui/AppControllerKeys.h"
@@ -21,10 +22,12 @@
 #include <QDataStream>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPrinter>
 #include <QScrollArea>
 #include <QTabWidget>
 #include <QUrl>
@@ -98,6 +101,7 @@ void AppController::applicationWillFinishLaunching()
         m_metadataPane->setMetadataForFile(record.value(links::kLinkPathKey).toString(),
                                            record.value(links::kLinkMetadataKey).toList());
     });
+    buildFileMenu();
     buildHelpMenu();
     setTableTextSize(m_window->resultViews(), m_settings.integer(kRowSizeSetting));
     m_window->restoreGeometry(m_settings.value(kMainWindowGeometrySetting).toByteArray());
@@ -130,6 +134,48 @@ void AppController::applicationWillTerminate()
         m_settings.setValue(QLatin1String(kMainWindowStateSetting.name), m_window->saveState());
     }
     m_settings.sync();
+}
+
+void AppController::buildFileMenu()
+{
+    QMenu* file = m_window->menuBar()->addMenu(QStringLiteral("File"));
+    file->addAction(QStringLiteral("Save Report as PDF..."), this, &AppController::saveReportAsPDF);
+    file->addAction(QStringLiteral("Print Report..."), QKeySequence::Print, this, &AppController::printReport);
+    file->addAction(QStringLiteral("Page Setup..."), this, &AppController::runPageLayout);
+    file->addSeparator();
+    file->addAction(QStringLiteral("Quit"), QKeySequence::Quit, m_window.get(), &QWidget::close);
+}
+
+void AppController::saveReportAsPDF()
+{
+    const reportpdf::ReportInputs inputs = m_window->shownReportInputs();
+    if (!reportpdf::documentReadyForReport(inputs.docPath, alerts()))
+        return;
+    const QString folder = QFileDialog::getExistingDirectory(m_window.get(), QStringLiteral("Save Report as PDF"),
+                                                             QFileInfo(inputs.docPath).absolutePath());
+    if (!folder.isEmpty())
+        m_window->saveReportAsPDF(folder);
+}
+
+void AppController::printReport()
+{
+    const reportpdf::ReportInputs inputs = m_window->shownReportInputs();
+    if (!reportpdf::documentReadyForReport(inputs.docPath, alerts()))
+        return;
+    QPrinter printer;
+    printer.setPageLayout(m_pageLayout);
+    ui::printReport({reportpdf::reportSection(inputs)}, printer, m_reportSetup, m_window.get());
+}
+
+void AppController::runPageLayout()
+{
+    app::logLine(QStringLiteral("> runPageLayout"));
+    QPrinter printer;
+    const bool saved = m_settings.contains(QLatin1String(kPrintPageSetupSetting.name));
+    if (saved)
+        printer.setPageLayout(m_pageLayout);
+    if (ui::runPageLayout(printer, saved, m_reportSetup, m_window.get()))
+        m_pageLayout = printer.pageLayout();
 }
 
 void AppController::buildHelpMenu()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/MainWindow.h"
+#include "ui/ReportPrinting.h"
 
 #include <QObject>
 #include <QPageLayout>
@@ -65,6 +66,12 @@ public:
     QPageLayout pageLayout() const { return m_pageLayout; }
     void setPageLayout(const QPageLayout& layout) { m_pageLayout = layout; }
 
+    // File menu actions on the report of the document the window shows; each first checks that a
+    // document was preflighted (else the informational alert, and nothing more).
+    void saveReportAsPDF();
+    void printReport();
+    void runPageLayout();
+
     // Help menu actions.
     void enableDebug(bool enabled);
     void setRowSize(int rowSize);
@@ -76,6 +83,7 @@ public:
     void menuUpdate(bool automatic);
 
 private:
+    void buildFileMenu();
     void buildHelpMenu();
     void showUpdateAnswer(const UpdateAnswer& answer);
 
@@ -91,6 +99,7 @@ private:
     QPointer<PreferencesWindow> m_preferences;
     QPointer<SupportWindow> m_support;
     QPageLayout m_pageLayout;
+    ReportPageSetup m_reportSetup;
 };
 
 // The page layout as stored data, and back (a default A4 layout for data that is not one).

@@ -6,6 +6,7 @@
 #include "fileinspect/PXMetadataController.h"
 #include "host/OfflineIdmlHost.h"
 #include "preflight/ControlCenter.h"
+#include "reportpdf/PdfReport.h"
 #include "results/LinkRename.h"
 #include "results/LinkResults.h"
 #include "results/PresetSettings.h"
@@ -436,6 +437,7 @@ void MainWindow::clearResults()
 void MainWindow::showResults(const ShownResults& shown)
 {
     m_shownDocInfo = shown.docInfo;
+    m_shownStatus = shown.status;
     m_linksModel->setRows(shown.links);
     m_fontsModel->setRows(shown.fonts);
     m_colorsModel->setRows(shown.colors);
@@ -457,6 +459,36 @@ void MainWindow::choosePreset(const QString& title)
         return;
     inspection::QNDocInfo info = m_shownDocInfo;
     m_results->populateSummaryAndDocInfo(info);
+}
+
+reportpdf::ReportInputs MainWindow::shownReportInputs() const
+{
+    reportpdf::ReportInputs inputs =
+        reportpdf::reportInputs(m_fontsModel->rows(), m_colorsModel->rows(), m_linksModel->rows(), m_shownDocInfo);
+    inputs.summary = m_summaryModel->sections();
+    inputs.statusLine = m_shownStatus.text;
+    inputs.hasAlerts = m_shownStatus.total != 0;
+    inputs.presetName = m_presetsPopup->currentText();
+    inputs.userName = reportpdf::currentUserFullName();
+    inputs.reportDate = QDateTime::currentDateTime();
+    return inputs;
+}
+
+QString MainWindow::saveReportAsPDF(const QString& folder)
+{
+    app::logLine(QStringLiteral("> saveReportAsPDFWithAnnots"));
+    const reportpdf::ReportInputs inputs = shownReportInputs();
+    if (!reportpdf::documentReadyForReport(inputs.docPath, m_alerts))
+        return {};
+    const app::Result<QString> written = reportpdf::writePdfReport({reportpdf::reportSection(inputs)}, folder,
+                                                                   reportpdf::pdfReportFileName(inputs.docName),
+                                                                   reports::QNTextReport::ExistingFile::Number);
+    if (!written) {
+        app::runAlert(m_alerts, QStringLiteral("The report could not be saved"), written.error().text(), std::nullopt,
+                      true);
+        return {};
+    }
+    return *written;
 }
 
 int MainWindow::presetIndexSelected() const

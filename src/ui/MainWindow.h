@@ -1,6 +1,7 @@
 #pragma once
 
 #include "preflight/PreflightFolders.h"
+#include "reportpdf/ReportContent.h"
 #include "ui/WindowSinks.h"
 
 #include <QList>
@@ -75,6 +76,14 @@ public:
     // Where alerts of the window and of what it starts go, from any thread.
     app::AlertSink& alerts() { return m_alerts; }
 
+    // The report of the document the lists show (its preset, the user and the time of now), for
+    // printing and the PDF report; the document's path is empty before any preflight.
+    reportpdf::ReportInputs shownReportInputs() const;
+    // Writes that report as the annotated PDF into `folder` (an existing report is numbered,
+    // never replaced). Nothing but the informational alert before any preflight; an alert when
+    // the file cannot be written. Gives the file written, or nothing.
+    QString saveReportAsPDF(const QString& folder);
+
     // Where the selected link's metadata and information are shown, beside the lists.
     void setDetailPane(QWidget* pane);
     // The fonts, colours and links views, whose row size the Help menu's switch sets.
@@ -145,6 +154,7 @@ private:
     std::future<bool> m_starting;
     bool m_cancelRequested = false;
     inspection::QNDocInfo m_shownDocInfo;
+    results::PreflightStatus m_shownStatus;
 
     // A batch: the documents still to preflight, and per document its kept data files.
     struct BatchDocument {

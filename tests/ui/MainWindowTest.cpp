@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
 
@@ -193,4 +194,32 @@ TEST(MainWindow, RenameInPlaceRefusesAnotherExtensionAndRelinksTheDocument)
     for (int row = 0; row < links.rowCount(); ++row)
         names.append(links.index(row, 0).data().toString());
     EXPECT_TRUE(names.contains(newName)) << names.join(", ").toStdString();
+}
+
+// The report of what the window shows: refused with the informational alert before a preflight;
+// afterwards the lists, status and chosen preset go into a PDF, and a second one is numbered.
+TEST(MainWindow, SavesTheReportOfTheShownDocumentAsPdf)
+{
+    WindowFixture fixture;
+    ui::MainWindow& window = fixture.window();
+    QTemporaryDir reports;
+    EXPECT_TRUE(window.saveReportAsPDF(reports.path()).isEmpty());
+    ASSERT_EQ(fixture.alerts().size(), 1u);
+    EXPECT_EQ(fixture.alerts().front().title, "Please preflight a document first");
+    EXPECT_TRUE(QDir(reports.path()).isEmpty());
+
+    ASSERT_TRUE(fixture.preflight({test::repoPath(kBrochure)}));
+    window.choosePreset("Sample Print Checks");
+    const reportpdf::ReportInputs inputs = window.shownReportInputs();
+    EXPECT_EQ(inputs.presetName, "Sample Print Checks");
+    EXPECT_EQ(inputs.statusLine, window.docInfoBox()->fieldText("preflightResultsField"));
+    EXPECT_EQ(inputs.links.size(), 6);
+    const QString first = window.saveReportAsPDF(reports.path());
+    const QString second = window.saveReportAsPDF(reports.path());
+    EXPECT_TRUE(first.endsWith("_Quillon_Report.pdf")) << first.toStdString();
+    EXPECT_TRUE(test::readAll(first).startsWith("%PDF-"));
+    EXPECT_NE(second, first);
+    EXPECT_TRUE(QFileInfo::exists(second));
+    EXPECT_EQ(QDir(reports.path()).entryList(QDir::Files | QDir::Hidden).size(), 2) << "no intermediate file left";
+    EXPECT_EQ(fixture.alerts().size(), 1u);
 }
