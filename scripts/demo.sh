@@ -21,11 +21,12 @@ fi
 echo
 echo "The same as a text report, a tab-delimited one or JSON: add --format text, tab or json."
 
-# Then package it: the document, its links and fonts and the text report, in a folder of its own.
+# Then package it: the document, its links and fonts, the text and PDF reports, in a folder of its
+# own.
 packages=$(mktemp -d "${TMPDIR:-/tmp}/quillon-packages-XXXXXX")
 echo
 status=0
-"$quillon" package "$sample/sample-brochure.idml" --to "$packages" --text-report \
+"$quillon" package "$sample/sample-brochure.idml" --to "$packages" --text-report --pdf-report \
   --preset-file "$sample/Sample Print Checks.qnfp" || status=$?
 if ((status > 1)); then
   exit "$status"
@@ -35,3 +36,4 @@ echo
 "$quillon" verify "$packages/sample-brochure"
 echo
 echo "The package is in $packages."
+echo "The desktop application: build/release/src/ui/quillon-gui $sample/sample-brochure.idml"

@@ -19,7 +19,6 @@
 #include "preflight/DocumentWarnings.h"
 #include "reportpdf/PdfReport.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -299,9 +298,7 @@ int runPackage(const PackageOptions& options)
                                                          const QString& folder, const QString& fileName, bool replace) {
         reportpdf::ReportInputs inputs = reportpdf::reportInputs(document.finalFontItems, document.finalColorItems,
                                                                  document.finalLinkItems, document.docInfo);
-        inputs.presetName = presetName;
-        inputs.userName = reportpdf::currentUserFullName();
-        inputs.reportDate = QDateTime::currentDateTime();
+        reportpdf::stampReport(inputs, presetName);
         return reportpdf::writePdfReport({reportpdf::reportSection(inputs)}, folder, fileName,
                                          replace ? reports::QNTextReport::ExistingFile::Replace
                                                  : reports::QNTextReport::ExistingFile::Number);

@@ -7,7 +7,6 @@
 #include "preflight/DocumentWarnings.h"
 #include "reports/PreflightResults.h"
 
-#include <QDateTime>
 #include <QFileInfo>
 
 namespace quillon::cli {
@@ -89,9 +88,7 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
         inputs.summary = results.summary().items();
         inputs.statusLine = document.status.text;
         inputs.hasAlerts = document.status.total != 0;
-        inputs.presetName = options.presetName;
-        inputs.userName = reportpdf::currentUserFullName();
-        inputs.reportDate = QDateTime::currentDateTime();
+        reportpdf::stampReport(inputs, options.presetName);
         inputs.paraStyles = paraStyles;
         document.pdfReport = reportpdf::reportSection(inputs);
     }

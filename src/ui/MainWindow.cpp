@@ -468,9 +468,7 @@ reportpdf::ReportInputs MainWindow::shownReportInputs() const
     inputs.summary = m_summaryModel->sections();
     inputs.statusLine = m_shownStatus.text;
     inputs.hasAlerts = m_shownStatus.total != 0;
-    inputs.presetName = m_presetsPopup->currentText();
-    inputs.userName = reportpdf::currentUserFullName();
-    inputs.reportDate = QDateTime::currentDateTime();
+    reportpdf::stampReport(inputs, m_presetsPopup->currentText());
     return inputs;
 }
 

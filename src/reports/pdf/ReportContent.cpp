@@ -224,6 +224,13 @@ ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors,
     return inputs;
 }
 
+void stampReport(ReportInputs& inputs, const QString& presetName)
+{
+    inputs.presetName = presetName;
+    inputs.userName = currentUserFullName();
+    inputs.reportDate = QDateTime::currentDateTime();
+}
+
 ReportSection reportSection(const ReportInputs& inputs)
 {
     app::logEntry("loadSummary [report window]");

@@ -112,6 +112,9 @@ QString currentUserFullName();
 ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors, const QVariantList& links,
                           const inspection::QNDocInfo& docInfo);
 
+// The report made now, by the user running the program, judged by `presetName`.
+void stampReport(ReportInputs& inputs, const QString& presetName);
+
 ReportSection reportSection(const ReportInputs& inputs);
 
 // Marks links whose file is used by more than one of the sections with "Multiple documents".
