@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 
 namespace quillon::inspection {
 
@@ -114,6 +115,26 @@ std::optional<FontFile> findInstalled(FcConfig* config, const QString& postScrip
     return best;
 }
 
+// One configuration of our own for the process (not the process's current one, which other users
+// of fontconfig may change). Loading it reads some forty configuration and cache files, which a
+// batch of small documents would otherwise pay for each document. It is loaded again when fonts
+// were installed or removed since (fontconfig compares the folders' times), so a long-running
+// window sees new fonts. Each caller gets a reference of its own, released with FcConfigDestroy,
+// so a configuration replaced here lives on for whoever still uses it.
+FcConfig* sharedFontconfig()
+{
+    static std::mutex mutex;
+    static FcConfig* shared = nullptr;
+    const std::lock_guard lock(mutex);
+    if (shared && !FcConfigUptoDate(shared)) {
+        FcConfigDestroy(shared);
+        shared = nullptr;
+    }
+    if (!shared)
+        shared = FcInitLoadConfigAndFonts();
+    return shared ? FcConfigReference(shared) : nullptr;
+}
+
 } // namespace
 
 FontFileFinder::FontFileFinder(const QString& documentPath) : m_documentFonts(documentFontsFolder(documentPath))
@@ -127,11 +148,9 @@ FontFileFinder::FontFileFinder(const QString& documentPath) : m_documentFonts(do
 
 void* FontFileFinder::installedFonts()
 {
-    // A configuration of our own rather than the process's current one: it is released with the
-    // finder and shares no state with other users of fontconfig in the process.
     if (!m_fontconfigLoaded) {
         m_fontconfigLoaded = true;
-        m_fontconfig = FcInitLoadConfigAndFonts();
+        m_fontconfig = sharedFontconfig();
         if (!m_fontconfig)
             app::logFailure(QStringLiteral("load the fontconfig configuration"));
     }
