@@ -99,6 +99,12 @@ Result<std::shared_ptr<IdmlDocument>> IdmlDocument::open(const QString& idmlPath
                                                          const app::CancelFlag* cancel)
 {
     const QString path = QFileInfo(idmlPath).absoluteFilePath();
+    // A sound archive, the usual case, needs no scratch folder: one is made only for a repair.
+    if (Result<IdmlArchive> sound = IdmlArchive::open(path, path); sound) {
+        if (Status whole = checkIdmlStructure(*sound); !whole)
+            return whole.error();
+        return fromArchive(std::move(sound).value());
+    }
     auto scratch = std::make_unique<QTemporaryDir>(QDir(workFolder).filePath(QStringLiteral("idml-XXXXXX")));
     ArchiveRepair repair;
     repair.repairedPath = scratch->filePath(QFileInfo(path).fileName() + QStringLiteral("_tmp.zip"));

@@ -123,16 +123,25 @@ std::optional<FontFile> findInstalled(FcConfig* config, const QString& postScrip
 // so a configuration replaced here lives on for whoever still uses it.
 FcConfig* sharedFontconfig()
 {
-    static std::mutex mutex;
-    static FcConfig* shared = nullptr;
-    const std::lock_guard lock(mutex);
-    if (shared && !FcConfigUptoDate(shared)) {
-        FcConfigDestroy(shared);
-        shared = nullptr;
+    // Released at exit, after the last finder.
+    struct Shared {
+        std::mutex mutex;
+        FcConfig* config = nullptr;
+        ~Shared()
+        {
+            if (config)
+                FcConfigDestroy(config);
+        }
+    };
+    static Shared shared;
+    const std::lock_guard lock(shared.mutex);
+    if (shared.config && !FcConfigUptoDate(shared.config)) {
+        FcConfigDestroy(shared.config);
+        shared.config = nullptr;
     }
-    if (!shared)
-        shared = FcInitLoadConfigAndFonts();
-    return shared ? FcConfigReference(shared) : nullptr;
+    if (!shared.config)
+        shared.config = FcInitLoadConfigAndFonts();
+    return shared.config ? FcConfigReference(shared.config) : nullptr;
 }
 
 } // namespace
