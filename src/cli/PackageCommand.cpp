@@ -65,8 +65,7 @@ QString q(const std::string& text)
 
 void printError(const QString& about, const QString& message)
 {
-    std::cerr << "quillon package: "
-              << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
+    printCommandError("package", about, message);
 }
 
 // The batch bar and the package bars on the progress line.

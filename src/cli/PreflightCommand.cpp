@@ -56,8 +56,7 @@ QString q(const std::string& text)
 
 void printError(const QString& about, const QString& message)
 {
-    std::cerr << "quillon preflight: "
-              << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
+    printCommandError("preflight", about, message);
 }
 
 bool isPdf(const QString& format)

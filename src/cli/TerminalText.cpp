@@ -3,6 +3,7 @@
 #include "app/RegularFile.h"
 
 #include <algorithm>
+#include <iostream>
 
 namespace quillon::cli {
 
@@ -50,6 +51,12 @@ std::string printableText(const QString& text)
 std::string printableLinesText(const QString& text)
 {
     return printableLines(text).toStdString();
+}
+
+void printCommandError(const char* command, const QString& about, const QString& message)
+{
+    std::cerr << "quillon " << command << ": "
+              << printableText(about.isEmpty() ? message : about + QStringLiteral(": ") + message) << std::endl;
 }
 
 } // namespace quillon::cli

@@ -17,4 +17,7 @@ QString printableLines(const QString& text);
 std::string printableText(const QString& text);
 std::string printableLinesText(const QString& text);
 
+// "quillon <command>: <about>: <message>" (without "<about>: " when it is empty) on standard error.
+void printCommandError(const char* command, const QString& about, const QString& message);
+
 } // namespace quillon::cli
