@@ -70,18 +70,6 @@ QNIDMLLinksProcessor::QNIDMLLinksProcessor(LinksController controller) : m_contr
 
 QNIDMLLinksProcessor::~QNIDMLLinksProcessor() = default;
 
-bool QNIDMLLinksProcessor::processLinksInIDMLFolderAtPath(const QString& packageFolder,
-                                                          const QString& origInDesignDocPath,
-                                                          const LinksController& controller, PageSizes* docPageSizes)
-{
-    QNIDMLLinksProcessor processor(controller);
-    const QVariantList records = processor.processLinksInIDMLFolder(packageFolder, origInDesignDocPath);
-    if (docPageSizes)
-        *docPageSizes = processor.docPageSizes();
-    // The callers have always read the count through a one-byte truth value; kept so.
-    return static_cast<std::uint8_t>(records.size()) != 0;
-}
-
 void QNIDMLLinksProcessor::beginRun(const QString& origInDesignDocPath)
 {
     m_geometry = PageGeometry();

@@ -66,12 +66,6 @@ public:
     explicit QNIDMLLinksProcessor(LinksController controller);
     ~QNIDMLLinksProcessor();
 
-    // Runs the analysis on an unpacked package and returns the low eight bits of the record count
-    // as a truth value, so that exactly 256, 512, ... records read as false: the callers have
-    // always tested it so. `docPageSizes`, when given, receives the document's page sizes.
-    static bool processLinksInIDMLFolderAtPath(const QString& packageFolder, const QString& origInDesignDocPath,
-                                               const LinksController& controller, PageSizes* docPageSizes = nullptr);
-
     // The records ("children") of the document; empty when cancelled. The `alongside` readers are
     // handed their parts in the same pass over the document (the stories then read whether the
     // links need them or not).

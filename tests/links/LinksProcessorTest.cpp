@@ -311,29 +311,6 @@ TEST(LinksProcessor, MastersComeFirstThenSpreadsInByteOrderOfTheirNames)
     EXPECT_TRUE(quiet.statuses.isEmpty());
 }
 
-TEST(LinksProcessor, TheEntryPointAnswersWithTheLowByteOfTheCount)
-{
-    const auto runWith = [](int links, PageSizes* sizes = nullptr) {
-        Document doc;
-        std::string body;
-        for (int i = 0; i < links; ++i) {
-            PlacedLink link;
-            link.linkSelf = "u" + std::to_string(i + 1);
-            body += test::placedLinkXml(link);
-        }
-        doc.write({{"Spreads/Spread_1.xml", test::spreadXml(1, 0, 0, {{"1", 0}}, body)}});
-        return QNIDMLLinksProcessor::processLinksInIDMLFolderAtPath(doc.package(), doc.docPath(), doc.controller,
-                                                                    sizes);
-    };
-    PageSizes sizes;
-    EXPECT_TRUE(runWith(255, &sizes));
-    ASSERT_EQ(sizes.size(), 1);
-    EXPECT_EQ(sizes.firstKey(), (QStringList{QStringLiteral("612"), QStringLiteral("792")}));
-    EXPECT_FALSE(runWith(256));
-    EXPECT_TRUE(runWith(257));
-    EXPECT_FALSE(runWith(0));
-}
-
 TEST(LinksProcessor, TheLinkDataTreeHasTheDataFileShapeAndACancelledRunLeavesItEmpty)
 {
     Document doc;
