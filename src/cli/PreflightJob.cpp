@@ -84,10 +84,8 @@ PreflightedDocument preflightDocument(const QString& path, const PreflightJobOpt
         document.reportText = results.textReport(*options.reportType, paraStyles, outcome->docInfo);
     if (options.pdfReport) {
         reportpdf::ReportInputs inputs =
-            reportpdf::reportInputs(document.fonts, document.colors, document.links, outcome->docInfo);
-        inputs.summary = results.summary().items();
-        inputs.statusLine = document.status.text;
-        inputs.hasAlerts = document.status.total != 0;
+            reportpdf::reportInputs(document.fonts, document.colors, document.links, outcome->docInfo,
+                                    results.summary().items(), document.status);
         reportpdf::stampReport(inputs, options.presetName);
         inputs.paraStyles = paraStyles;
         document.pdfReport = reportpdf::reportSection(inputs);

@@ -464,10 +464,8 @@ void MainWindow::choosePreset(const QString& title)
 reportpdf::ReportInputs MainWindow::shownReportInputs() const
 {
     reportpdf::ReportInputs inputs =
-        reportpdf::reportInputs(m_fontsModel->rows(), m_colorsModel->rows(), m_linksModel->rows(), m_shownDocInfo);
-    inputs.summary = m_summaryModel->sections();
-    inputs.statusLine = m_shownStatus.text;
-    inputs.hasAlerts = m_shownStatus.total != 0;
+        reportpdf::reportInputs(m_fontsModel->rows(), m_colorsModel->rows(), m_linksModel->rows(), m_shownDocInfo,
+                                m_summaryModel->sections(), m_shownStatus);
     reportpdf::stampReport(inputs, m_presetsPopup->currentText());
     return inputs;
 }

@@ -212,11 +212,18 @@ ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors,
         {docInfo.docName(), docInfo.docPath(), docInfo.creationDateStr(), docInfo.modDateStr(),
          docInfo.InDesignVersion(), docInfo.numberOfPagesStr(), docInfo.bleedStr(), docInfo.slugStr()},
         fonts, colors, links, links::fileSizeFormat);
+    return reportInputs(fonts, colors, links, docInfo, summary.items(), status);
+}
+
+ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors, const QVariantList& links,
+                          const inspection::QNDocInfo& docInfo, QList<results::QNSummaryItem> summary,
+                          const results::PreflightStatus& status)
+{
     ReportInputs inputs;
     inputs.fonts = fonts;
     inputs.colors = colors;
     inputs.links = links;
-    inputs.summary = summary.items();
+    inputs.summary = std::move(summary);
     inputs.statusLine = status.text;
     inputs.hasAlerts = status.total != 0;
     inputs.docName = docInfo.docName();

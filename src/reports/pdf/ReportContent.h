@@ -111,6 +111,10 @@ QString currentUserFullName();
 // left for the caller.
 ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors, const QVariantList& links,
                           const inspection::QNDocInfo& docInfo);
+// The same with the summary and status a caller has already loaded from those lists.
+ReportInputs reportInputs(const QVariantList& fonts, const QVariantList& colors, const QVariantList& links,
+                          const inspection::QNDocInfo& docInfo, QList<results::QNSummaryItem> summary,
+                          const results::PreflightStatus& status);
 
 // The report made now, by the user running the program, judged by `presetName`.
 void stampReport(ReportInputs& inputs, const QString& presetName);
