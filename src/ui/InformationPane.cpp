@@ -77,6 +77,8 @@ void InformationPane::setInfoForFile(const QVariantMap& record)
     m_shown.clear();
     m_thumbnail->clear();
     m_preview->clear();
+    // No empty box where a missing or unreadable file has no picture: the facts move up.
+    m_preview->hide();
     m_name->clear();
     if (record.isEmpty())
         return;
@@ -123,6 +125,7 @@ void InformationPane::showPicture(quint64 generation, const QImage& picture, QSi
         return;
     if (!picture.isNull()) {
         m_preview->setPixmap(QPixmap::fromImage(picture));
+        m_preview->show();
         m_thumbnail->setPixmap(QPixmap::fromImage(
             picture.scaled(kThumbnailSize, kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
     }
