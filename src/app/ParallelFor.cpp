@@ -15,7 +15,9 @@ namespace quillon::app {
 
 int coreCount()
 {
-    return static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    // Asked once: the system reads it from a file each time, and fan-outs ask often.
+    static const int cores = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    return cores;
 }
 
 namespace {

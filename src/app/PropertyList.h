@@ -36,6 +36,6 @@ Result<QByteArray> toXmlPropertyList(const QVariant& root);
 
 // Writes the XML form through a temporary file renamed into place, so a failed write never
 // leaves a half-written file where a good one was.
-Status writePropertyListFile(const QVariant& root, const QString& path);
+Status writePropertyListFile(const QVariant& root, const QString& path, Durability durability = Durability::Flushed);
 
 } // namespace quillon::app

@@ -1,6 +1,7 @@
 // XML property lists: reading with pugixml and writing by hand in the layout macOS writes.
 #include "app/PropertyList.h"
 
+#include "app/ParallelFor.h"
 #include "app/PropertyListBinary.h"
 
 #include <QDateTime>
@@ -13,6 +14,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace quillon::app {
@@ -292,7 +294,7 @@ public:
         if (Status ok = value(root, 0); !ok)
             return ok.error();
         m_out += "</plist>\n";
-        return m_out;
+        return QByteArray(m_out.data(), static_cast<qsizetype>(m_out.size()));
     }
 
     bool sinkFailed() const { return m_sinkFailed; }
@@ -314,13 +316,32 @@ private:
 
     void appendEscaped(const QString& text)
     {
+        // Most texts are plain ASCII that needs no escape: copied unit by unit, with no UTF-8
+        // conversion made on the way.
+        const QChar* units = text.constData();
+        const size_t start = m_out.size();
+        m_out.resize(start + static_cast<size_t>(text.size()));
+        char* at = m_out.data() + start;
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            const char16_t unit = units[i].unicode();
+            if (unit >= 0x80 || unit < 0x20 || unit == u'&' || unit == u'<' || unit == u'>') {
+                m_out.resize(start);
+                appendEscapedUtf8(text);
+                return;
+            }
+            *at++ = static_cast<char>(unit);
+        }
+    }
+
+    void appendEscapedUtf8(const QString& text)
+    {
         const QByteArray utf8 = text.toUtf8();
         const auto needsWork = [](char c) {
             const auto u = static_cast<unsigned char>(c);
             return c == '&' || c == '<' || c == '>' || c == '\r' || (u < 0x20 && c != '\t' && c != '\n');
         };
         if (std::none_of(utf8.cbegin(), utf8.cend(), needsWork)) {
-            m_out += utf8;
+            m_out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
             return;
         }
         for (const char c : utf8) {
@@ -340,7 +361,7 @@ private:
         }
     }
 
-    void indent(int depth) { m_out.append(depth, '\t'); }
+    void indent(int depth) { m_out.append(static_cast<size_t>(depth), '\t'); }
 
     void open(int depth, const char* tag)
     {
@@ -360,7 +381,7 @@ private:
     void leaf(int depth, const char* tag, QByteArrayView text)
     {
         open(depth, tag);
-        m_out += text;
+        m_out.append(text.data(), static_cast<size_t>(text.size()));
         close(tag);
     }
 
@@ -398,16 +419,24 @@ private:
         return QByteArray(buffer, length);
     }
 
-    Status value(const QVariant& v, int depth)
+    // Hands the text made so far to the sink once it is a piece's worth.
+    Status passPiece()
     {
         constexpr qsizetype kPieceBytes = 1 << 20;
         if (m_sink && m_out.size() > kPieceBytes) {
-            if (!(*m_sink)(m_out)) {
+            if (!(*m_sink)(QByteArrayView(m_out.data(), static_cast<qsizetype>(m_out.size())))) {
                 m_sinkFailed = true;
                 return makeError(QStringLiteral("the text could not be written"));
             }
-            m_out.resize(0); // keeps its capacity for the next piece
+            m_out.clear(); // keeps its capacity for the next piece
         }
+        return {};
+    }
+
+    Status value(const QVariant& v, int depth)
+    {
+        if (Status passed = passPiece(); !passed)
+            return passed;
         if (depth > kMaxDepth)
             return makeError(QStringLiteral("values nested more than %1 deep at %2").arg(kMaxDepth).arg(path()));
         switch (v.typeId()) {
@@ -479,7 +508,7 @@ private:
         const QByteArray encoded = bytes.toBase64();
         for (qsizetype i = 0; i < encoded.size(); i += 68) {
             indent(depth);
-            m_out.append(encoded.constData() + i, std::min<qsizetype>(68, encoded.size() - i));
+            m_out.append(encoded.constData() + i, static_cast<size_t>(std::min<qsizetype>(68, encoded.size() - i)));
             m_out += '\n';
         }
         indent(depth);
@@ -515,21 +544,57 @@ private:
             return {};
         }
         m_out += "<array>\n";
-        for (qsizetype i = 0; i < list.size(); ++i) {
-            m_path.push_back({nullptr, i});
-            const Status ok = value(list[i], depth + 1);
-            m_path.pop_back();
-            if (!ok)
+        if (list.size() >= kItemsWrittenSideBySide && !m_withinSideBySide) {
+            if (Status ok = itemsSideBySide(list, depth); !ok)
                 return ok;
+        } else {
+            for (qsizetype i = 0; i < list.size(); ++i) {
+                m_path.push_back({nullptr, i});
+                const Status ok = value(list[i], depth + 1);
+                m_path.pop_back();
+                if (!ok)
+                    return ok;
+            }
         }
         indent(depth);
         m_out += "</array>\n";
         return {};
     }
 
+    // The records of a data file are one long array: its items are written on several threads, a
+    // batch at a time so that only a batch's text is held, and joined in order.
+    static constexpr qsizetype kItemsWrittenSideBySide = 256;
+
+    Status itemsSideBySide(const QVariantList& list, int depth)
+    {
+        constexpr qsizetype kBatch = 1024;
+        std::vector<XmlWriter> items;
+        for (qsizetype begin = 0; begin < list.size(); begin += kBatch) {
+            const qsizetype count = std::min(kBatch, list.size() - begin);
+            items.assign(static_cast<size_t>(count), XmlWriter());
+            std::vector<Status> written(static_cast<size_t>(count));
+            parallelFor(count, {.itemsPerThread = 64}, [&](int, qsizetype index) {
+                XmlWriter& item = items[static_cast<size_t>(index)];
+                item.m_withinSideBySide = true;
+                item.m_path = m_path;
+                item.m_path.push_back({nullptr, begin + index});
+                written[static_cast<size_t>(index)] = item.value(list[begin + index], depth + 1);
+            });
+            for (size_t index = 0; index < items.size(); ++index) {
+                if (!written[index])
+                    return written[index];
+                m_out += items[index].m_out;
+                if (Status passed = passPiece(); !passed)
+                    return passed;
+            }
+        }
+        return {};
+    }
+
     const ChunkWriter* m_sink = nullptr;
     bool m_sinkFailed = false;
-    QByteArray m_out;
+    bool m_withinSideBySide = false;
+    std::string m_out;
     std::vector<Step> m_path;
 };
 
@@ -567,17 +632,20 @@ Result<QByteArray> toXmlPropertyList(const QVariant& root)
     return XmlWriter().write(root);
 }
 
-Status writePropertyListFile(const QVariant& root, const QString& path)
+Status writePropertyListFile(const QVariant& root, const QString& path, Durability durability)
 {
-    return writeFileReplacing(path, [&root, &path](const ChunkWriter& write) -> Status {
-        XmlWriter writer(&write);
-        const Result<QByteArray> rest = writer.write(root);
-        if (writer.sinkFailed() || (rest && !write(*rest)))
-            return {}; // the file's own error is reported
-        if (!rest)
-            return makeError(rest.error().message, path);
-        return {};
-    });
+    return writeFileReplacing(
+        path,
+        [&root, &path](const ChunkWriter& write) -> Status {
+            XmlWriter writer(&write);
+            const Result<QByteArray> rest = writer.write(root);
+            if (writer.sinkFailed() || (rest && !write(*rest)))
+                return {}; // the file's own error is reported
+            if (!rest)
+                return makeError(rest.error().message, path);
+            return {};
+        },
+        durability);
 }
 
 } // namespace quillon::app

@@ -267,7 +267,8 @@ Status writeFileReplacing(const QString& path, QByteArrayView bytes)
     });
 }
 
-Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce)
+Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce,
+                          Durability durability)
 {
     const QByteArray target = localBytesOfPath(path);
     struct stat existing {};
@@ -296,7 +297,7 @@ Status writeFileReplacing(const QString& path, const std::function<Status(const 
         return writeError == 0;
     };
     const Status produced = produce(write);
-    bool ok = produced && writeError == 0 && ::fsync(fd) == 0;
+    bool ok = produced && writeError == 0 && (durability == Durability::Unflushed || ::fsync(fd) == 0);
     if (ok && replacing)
         ok = ::fchmod(fd, existing.st_mode & 07777) == 0;
     int errorNumber = ok ? 0 : (writeError != 0 ? writeError : errno);

@@ -69,10 +69,15 @@ Result<QByteArray> readOpenedFile(const ReadableFile& file, const QString& path,
 // the failing call's own reason ("No space left on device", "File too large").
 Status writeFileReplacing(const QString& path, QByteArrayView bytes);
 
+// Whether a written file is flushed to disk before it is renamed into place. A file the program
+// makes again on every run (the preflight's data files) is not worth the wait.
+enum class Durability { Flushed, Unflushed };
+
 // Hands bytes to the file being written; false once a write has failed.
 using ChunkWriter = std::function<bool(QByteArrayView bytes)>;
 // The same for text made in pieces, so that it is never held whole: `produce` hands each piece to
 // `write`. When it returns an error, or a write fails, the file is left as it was.
-Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce);
+Status writeFileReplacing(const QString& path, const std::function<Status(const ChunkWriter& write)>& produce,
+                          Durability durability = Durability::Flushed);
 
 } // namespace quillon::app

@@ -1,5 +1,6 @@
 #include "cli/PreflightOutput.h"
 
+#include "app/ParallelFor.h"
 #include "app/RecordKeys.h"
 #include "app/Records.h"
 #include "cli/JsonOutput.h"
@@ -9,9 +10,11 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace quillon::cli {
 
@@ -93,11 +96,22 @@ void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document
         }
         const QVariantList records = results::flatRecords(*list.rows);
         out += records.isEmpty() ? "[" : "[\n";
-        for (qsizetype i = 0; i < records.size(); ++i) {
-            out += indentation(depth + 2);
-            appendRecordJson(out, records.at(i).toMap(), list.kind, depth + 2);
-            out += i + 1 < records.size() ? ",\n" : "\n";
-            flush(1 << 16);
+        // A batch of records at a time is written on several threads and joined in order.
+        constexpr qsizetype kBatch = 1024;
+        std::vector<std::string> batch;
+        for (qsizetype begin = 0; begin < records.size(); begin += kBatch) {
+            batch.assign(static_cast<size_t>(std::min(kBatch, records.size() - begin)), std::string());
+            app::parallelFor(static_cast<qsizetype>(batch.size()), {.itemsPerThread = 64}, [&](int, qsizetype index) {
+                const qsizetype i = begin + index;
+                std::string& text = batch[static_cast<size_t>(index)];
+                text = indentation(depth + 2);
+                appendRecordJson(text, records.at(i).toMap(), list.kind, depth + 2);
+                text += i + 1 < records.size() ? ",\n" : "\n";
+            });
+            for (const std::string& text : batch) {
+                out += text;
+                flush(1 << 16);
+            }
         }
         out += (records.isEmpty() ? "" : indentation(depth + 1)) + "]";
     }

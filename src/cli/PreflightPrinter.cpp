@@ -11,6 +11,7 @@
 
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 namespace quillon::cli {
 
@@ -23,6 +24,10 @@ bool isJson(const QString& format)
 
 // The depth of a document's object: an item of the envelope's "documents" array.
 constexpr int kDocumentDepth = 2;
+
+// Up to this many records a document's JSON is made before it reaches the printer (a few hundred
+// kilobytes at most); a larger one is made as it is printed, never held whole.
+constexpr qsizetype kJsonWrittenAheadRecords = 2000;
 
 // The envelope up to its documents: "format", "quillonVersion", "command" and "preset", then the
 // opened array.
@@ -54,8 +59,17 @@ RenderedDocument renderDocument(PreflightedDocument document, const QString& for
     if (withSummary && document.preflighted)
         rendered.terminal = printableLinesText(summaryText(document, presetName, maxItems));
     if (isJson(format)) {
-        auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
-        rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
+        if (document.links.size() + document.fonts.size() + document.colors.size() <= kJsonWrittenAheadRecords) {
+            // Written here, on the document's own thread, so that documents run side by side do not
+            // wait for each other's text at the printer.
+            std::ostringstream text;
+            writeDocumentJson(text, document, kDocumentDepth);
+            rendered.writeJson = [kept = std::make_shared<const std::string>(std::move(text).str())](
+                                     std::ostream& stream) { stream << *kept; };
+        } else {
+            auto kept = std::make_shared<const PreflightedDocument>(std::move(document));
+            rendered.writeJson = [kept](std::ostream& stream) { writeDocumentJson(stream, *kept, kDocumentDepth); };
+        }
     } else if (document.preflighted) {
         rendered.out = printableLinesText(format == QLatin1String("summary") || format == QLatin1String("pdf")
                                               ? summaryText(document, presetName, maxItems)

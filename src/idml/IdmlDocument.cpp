@@ -279,15 +279,17 @@ qint64 IdmlDocument::partBytes(const QString& name) const
     return entry ? static_cast<qint64>(entry->size) : 0;
 }
 
-void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* cancel,
-                               const std::function<void(const QString& name)>& visit) const
+void IdmlDocument::forEachWindow(const QStringList& names, const app::CancelFlag* cancel,
+                                 const std::function<void(qsizetype begin, qsizetype end)>& visit) const
 {
-    app::ParallelOptions options;
-    options.cancel = cancel;
     for (qsizetype begin = 0; begin < names.size();) {
         qsizetype end = begin;
-        for (qint64 bytes = 0; end < names.size() && (end == begin || bytes < kWindowTextBytes); ++end)
+        qint64 bytes = 0;
+        for (; end < names.size() && (end == begin || bytes < kWindowTextBytes); ++end)
             bytes += partBytes(names[end]);
+        app::ParallelOptions options;
+        options.cancel = cancel;
+        options.maxThreads = bytes < kTextBytesWorthAThread ? 1 : 0;
         // A part not kept is held in its slot until its window is visited, so that the visit finds
         // it parsed.
         std::vector<Slot*> held(static_cast<size_t>(end - begin), nullptr);
@@ -302,8 +304,8 @@ void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* 
                 held[static_cast<size_t>(index)] = found;
             }
         });
-        for (qsizetype index = begin; parsed && index < end; ++index)
-            visit(names[index]);
+        if (parsed)
+            visit(begin, end);
         for (Slot* found : held)
             if (found) {
                 const std::lock_guard lock(found->mutex);
@@ -314,6 +316,15 @@ void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* 
             return;
         begin = end;
     }
+}
+
+void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* cancel,
+                               const std::function<void(const QString& name)>& visit) const
+{
+    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end) {
+        for (qsizetype index = begin; index < end; ++index)
+            visit(names[index]);
+    });
 }
 
 void IdmlDocument::visitParts(const std::vector<PartVisitor*>& visitors, const app::CancelFlag* cancel) const
@@ -331,11 +342,21 @@ void IdmlDocument::visitParts(const std::vector<PartVisitor*>& visitors, const a
             }
         }
     }
-    forEachPart(names, cancel, [&](const QString& name) {
-        const Result<std::shared_ptr<const XmlPart>> read = part(name);
-        for (size_t index = 0; index < visitors.size(); ++index)
-            if (wanted[index].contains(name))
-                visitors[index]->visit(name, read);
+    // The readers share nothing but the parsed parts, which they only read: each walks the window
+    // on a thread of its own, in the pass's order.
+    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end) {
+        qint64 bytes = 0;
+        for (qsizetype at = begin; at < end; ++at)
+            bytes += partBytes(names[at]);
+        app::ParallelOptions options;
+        options.cancel = cancel;
+        options.maxThreads = bytes < kTextBytesWorthAThread ? 1 : 0;
+        app::parallelFor(static_cast<qsizetype>(visitors.size()), options, [&](int, qsizetype reader) {
+            const auto index = static_cast<size_t>(reader);
+            for (qsizetype at = begin; at < end && !(cancel && cancel->isCancelled()); ++at)
+                if (wanted[index].contains(names[at]))
+                    visitors[index]->visit(names[at], part(names[at]));
+        });
     });
 }
 

@@ -30,7 +30,9 @@ public:
     virtual ~PartVisitor() = default;
     // The parts it reads, in the order it wants them.
     virtual QStringList partNames(const IdmlDocument& document) const = 0;
-    // One of its parts, parsed, or why it cannot be read; each once, in the pass's order.
+    // One of its parts, parsed, or why it cannot be read; each once, in the pass's order. The
+    // readers of a pass walk side by side, each on one thread at a time but not necessarily the
+    // caller's: a reader keeps its state to itself.
     virtual void visit(const QString& name, const app::Result<std::shared_ptr<const XmlPart>>& part) = 0;
 };
 
@@ -90,12 +92,15 @@ public:
     void forEachPart(const QStringList& names, const app::CancelFlag* cancel,
                      const std::function<void(const QString& name)>& visit) const;
     // One pass for several readers: the parts of the first visitor in its order, then those of the
-    // next it did not name, and so on; each visitor is handed the parts it named. Stops early when
-    // cancelled.
+    // next it did not name, and so on; each visitor is handed the parts it named, the visitors of a
+    // window side by side on several threads. Stops early when cancelled.
     void visitParts(const std::vector<PartVisitor*>& visitors, const app::CancelFlag* cancel) const;
     // How much part text (the archive's uncompressed sizes) one window holds at most, unless a
     // single part is larger.
     static constexpr qint64 kWindowTextBytes = qint64(24) << 20;
+    // Below this much text a window is parsed and visited on the calling thread alone: starting
+    // a thread costs more than it saves.
+    static constexpr qint64 kTextBytesWorthAThread = qint64(512) << 10;
     // Frees the parsed parts; asked again, they are parsed again.
     void release(const QStringList& names) const;
     // How much part text the document keeps parsed for the next reader. When the text of all its
@@ -115,6 +120,10 @@ private:
     app::Status readDesignmap();
     Slot* slot(const QString& name) const;
     void addSlot(const QString& name);
+    // Parses `names` a window at a time on several threads and hands each window's index range to
+    // `visit` on the calling thread; see forEachPart.
+    void forEachWindow(const QStringList& names, const app::CancelFlag* cancel,
+                       const std::function<void(qsizetype begin, qsizetype end)>& visit) const;
     void listPartFiles();
     qint64 partBytes(const QString& name) const;
 

@@ -47,8 +47,13 @@ bool isSameFolder(const QString& a, const QString& b)
 
 QString defaultZipTool()
 {
-    const QString found = QStandardPaths::findExecutable(QStringLiteral("zip"));
-    return found.isEmpty() ? QStringLiteral("/usr/bin/zip") : found;
+    // Looked up once: documents are opened by the hundred, and the search looks in every folder
+    // of PATH.
+    static const QString tool = [] {
+        const QString found = QStandardPaths::findExecutable(QStringLiteral("zip"));
+        return found.isEmpty() ? QStringLiteral("/usr/bin/zip") : found;
+    }();
+    return tool;
 }
 
 Status checkStartsLikeZip(const QString& path, const QString& reportedName)

@@ -2,7 +2,6 @@
 
 #include "app/Company.h"
 #include "app/Log.h"
-#include "app/ParallelFor.h"
 #include "app/PropertyList.h"
 #include "app/RecordKeys.h"
 #include "preflight/BatchPreflight.h"
@@ -106,19 +105,17 @@ void alertLinkAnalysisFailure(const QString& failure, app::AlertSink& alerts, QO
 
 QList<app::Error> writeDataFiles(const QString& dataFolder, const PreflightOutcome& outcome)
 {
-    // The three files are written side by side: the link file is the big one.
+    // One after the other: the long record lists of each are written on several threads.
     std::array<app::Status, 3> written;
-    app::parallelFor(3, {.maxThreads = 3}, [&](int, qsizetype file) {
-        if (file == 0 && !outcome.linkData.isEmpty()) {
-            app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
-            written[0] =
-                app::writePropertyListFile(outcome.linkData, QDir(dataFolder).filePath(app::kLinkDataFileName));
-        } else if (file == 1 && outcome.fonts) {
-            written[1] = writeFontDataFile(dataFolder, outcome.record.posixPath, *outcome.fonts);
-        } else if (file == 2 && outcome.colors) {
-            written[2] = writeColorDataFile(dataFolder, outcome.record.posixPath, *outcome.colors);
-        }
-    });
+    if (!outcome.linkData.isEmpty()) {
+        app::logLine(QStringLiteral("write qnf_tmpLinkData.plist"));
+        written[0] = app::writePropertyListFile(outcome.linkData, QDir(dataFolder).filePath(app::kLinkDataFileName),
+                                                app::Durability::Unflushed);
+    }
+    if (outcome.fonts)
+        written[1] = writeFontDataFile(dataFolder, outcome.record.posixPath, *outcome.fonts);
+    if (outcome.colors)
+        written[2] = writeColorDataFile(dataFolder, outcome.record.posixPath, *outcome.colors);
     QList<app::Error> warnings;
     if (!written[0]) {
         app::logFailure(QStringLiteral("write the link data: %1").arg(written[0].error().text()));

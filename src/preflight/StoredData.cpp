@@ -36,7 +36,7 @@ app::Status writeDocumentEntry(const QString& dataFolder, const QString& fileNam
             app::logFailure(QStringLiteral("read %1, replacing it: %2").arg(path, existing.error().text()));
     }
     root.insert(documentPath, entry);
-    return app::writePropertyListFile(root, path);
+    return app::writePropertyListFile(root, path, app::Durability::Unflushed);
 }
 
 QString storedDataPath(const QString& fileName)

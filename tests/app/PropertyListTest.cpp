@@ -90,6 +90,32 @@ TEST(PropertyList, WriterRefusesValuesAPlistCannotHoldAndNamesWhere)
     EXPECT_EQ(back.value(u"k"_s).toString(), u"ab\tc\r"_s);
 }
 
+// A long array is written a batch at a time on several threads: every item comes back, in order,
+// the plain and the escaped alike, and a value that cannot be written is still named by its place.
+TEST(PropertyList, LongArraysComeBackWholeAndInOrder)
+{
+    QVariantList records;
+    for (int i = 0; i < 2600; ++i)
+        records << QVariantMap{{u"index"_s, i},
+                               {u"name"_s, i % 3 == 0 ? u"Ünïcode & <%1>"_s.arg(i) : u"plain %1"_s.arg(i)},
+                               {u"nested"_s, QVariantList{i, QString(600, u'x')}}};
+    const Result<QByteArray> xml = toXmlPropertyList(QVariantMap{{u"links"_s, records}});
+    ASSERT_TRUE(xml.ok()) << xml.error().text().toStdString();
+    const Result<QVariant> back = parsePropertyList(*xml, u"mem"_s);
+    ASSERT_TRUE(back.ok()) << back.error().text().toStdString();
+    EXPECT_EQ(back->toMap().value(u"links"_s).toList(), records);
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"links.plist"_s);
+    ASSERT_TRUE(writePropertyListFile(records, path, Durability::Unflushed).ok());
+    EXPECT_EQ(readAll(path), *toXmlPropertyList(records)) << "written in pieces, the file holds the same text";
+
+    records[2100] = QVariantMap{{u"bad"_s, QVariant()}};
+    const Result<QByteArray> refused = toXmlPropertyList(QVariantMap{{u"links"_s, records}});
+    ASSERT_FALSE(refused.ok());
+    EXPECT_TRUE(refused.error().message.contains(u"links[2100].bad"_s)) << refused.error().message.toStdString();
+}
+
 TEST(PropertyList, FileWriteIsAtomicAndReadable)
 {
     QTemporaryDir dir;

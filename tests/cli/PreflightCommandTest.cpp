@@ -2,6 +2,7 @@
 #include "JsonSchema.h"
 
 #include "app/BuildInfo.h"
+#include "support/IdmlFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -220,6 +221,39 @@ TEST_F(PreflightCommand, ExitStatusesAndADocumentThatCannotBePreflighted)
     EXPECT_EQ(preflight({interview, QStringLiteral("--preset"), QStringLiteral("No Such Preset")}).exitCode, 2);
     EXPECT_EQ(preflight({interview, QStringLiteral("--links-dir"), missing}).exitCode, 2);
     EXPECT_EQ(preflight({interview, QStringLiteral("--preset-file"), broken}).exitCode, 2);
+}
+
+// The JSON of a document of thousands of links is made a batch of records at a time on several
+// threads, and that of a small one before it reaches the printer: both come out whole, in order.
+TEST_F(PreflightCommand, ThousandsOfRecordsComeOutWholeAndInOrder)
+{
+    constexpr int kLinks = 2500;
+    QByteArray images;
+    for (int i = 0; i < kLinks; ++i)
+        images += QStringLiteral("<Rectangle Self=\"r%1\" ItemTransform=\"1 0 0 1 0 0\"><Image Self=\"i%1\" "
+                                 "ItemTransform=\"1 0 0 1 0 0\"><Link Self=\"l%1\" LinkResourceURI=\"file:%2/"
+                                 "image_%3.tif\" StoredState=\"Normal\"/></Image></Rectangle>\n")
+                      .arg(i)
+                      .arg(m_out.path())
+                      .arg(i, 5, 10, QLatin1Char('0'))
+                      .toUtf8();
+    quillon::test::ArchiveEntries entries = quillon::test::minimalIdml();
+    entries.back().second = quillon::test::spreadXml({QStringLiteral("0 0 792 612")}, images);
+    const QString many = m_out.filePath(QStringLiteral("many.idml"));
+    quillon::test::writeIdml(many, entries);
+
+    const CliRun run = preflight({many, samplePath(QStringLiteral("idml/interview.idml")), QStringLiteral("--format"),
+                                  QStringLiteral("json"), QStringLiteral("--jobs"), QStringLiteral("2")});
+    EXPECT_EQ(run.exitCode, 1) << run.err.toStdString(); // every link is missing
+    const QJsonArray documents = quillon::test::jsonEntries(run.out);
+    ASSERT_EQ(documents.size(), 2);
+    const QJsonArray links = documents.at(0).toObject().value(QStringLiteral("links")).toArray();
+    ASSERT_EQ(links.size(), kLinks);
+    for (int i = 0; i < kLinks; ++i)
+        ASSERT_EQ(links.at(i).toObject().value(QStringLiteral("name")).toString(),
+                  QStringLiteral("image_%1.tif").arg(i, 5, 10, QLatin1Char('0')))
+            << "link " << i;
+    EXPECT_FALSE(documents.at(1).toObject().value(QStringLiteral("fonts")).toArray().isEmpty());
 }
 
 TEST_F(PreflightCommand, ReportsGoToStandardOutputAndIntoTheReportFolder)
