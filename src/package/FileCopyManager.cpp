@@ -37,6 +37,16 @@ void FileCopyManager::addOPeration(std::shared_ptr<FileCopyOperation> operation)
     notify();
 }
 
+void FileCopyManager::addOperations(const std::vector<std::shared_ptr<FileCopyOperation>>& operations)
+{
+    {
+        std::lock_guard lock(m_mutex);
+        m_queue.insert(m_queue.end(), operations.begin(), operations.end());
+    }
+    m_changed.notify_all();
+    notify();
+}
+
 int FileCopyManager::operationCount() const
 {
     std::lock_guard lock(m_mutex);

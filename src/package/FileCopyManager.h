@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace quillon::package {
 
@@ -34,6 +35,8 @@ public:
 
     // The selector's spelling is kept.
     void addOPeration(std::shared_ptr<FileCopyOperation> operation);
+    // Queues many at once, in order: one wake for the lot instead of one for each.
+    void addOperations(const std::vector<std::shared_ptr<FileCopyOperation>>& operations);
     int operationCount() const;
     void waitUntilAllOperationsAreFinished();
     // The same for at most `timeout`; true when all are finished.

@@ -9,6 +9,7 @@
 #include "app/Company.h"
 #include "app/FilePaths.h"
 #include "app/Log.h"
+#include "app/ParallelFor.h"
 #include "host/InDesignHost.h"
 #include "links/LinkRecordKeys.h"
 #include "reports/PreflightResults.h"
@@ -256,11 +257,20 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
 {
     PackageProgress& progress = *m_progress;
     FileCopyManager manager([&progress](int count) { progress.copyQueueDidChange(count); });
+    // Making an operation reads its source's size: thousands of links are looked at side by side.
+    std::vector<std::shared_ptr<FileCopyOperation>> made(static_cast<size_t>(sourceAndFolder.size()));
+    const ExistingDestination existing = existingDestination();
+    app::parallelFor(sourceAndFolder.size(), {.itemsPerThread = 256}, [&](int, qsizetype index) {
+        const auto& [source, folder] = sourceAndFolder.at(index);
+        made[static_cast<size_t>(index)] =
+            FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()), &progress, existing);
+    });
+    const bool inOwnedFolder = m_foldersMadeByRun.contains(m_targetPackageFolderPath);
     std::vector<std::shared_ptr<FileCopyOperation>> operations;
     QHash<QString, bool> folderIsThere; // thousands of links share a few folders
-    for (const auto& [source, folder] : sourceAndFolder) {
-        auto operation = FileCopyOperation::create(source, QDir(folder).filePath(QFileInfo(source).fileName()),
-                                                   &progress, existingDestination());
+    for (qsizetype index = 0; index < sourceAndFolder.size(); ++index) {
+        const auto& [source, folder] = sourceAndFolder.at(index);
+        std::shared_ptr<FileCopyOperation>& operation = made[static_cast<size_t>(index)];
         auto known = folderIsThere.constFind(folder);
         if (known == folderIsThere.constEnd())
             known = folderIsThere.insert(folder, QFileInfo(folder).isDir());
@@ -272,13 +282,12 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
         }
         if (m_request->choices.writeManifest)
             operation->hashWhileCopying();
-        if (m_foldersMadeByRun.contains(m_targetPackageFolderPath))
+        if (inOwnedFolder)
             operation->writeInOwnedFolder();
         operations.push_back(std::move(operation));
     }
     progress.prepareProgr2ForFilesArr(static_cast<int>(operations.size()));
-    for (const auto& operation : operations)
-        manager.addOPeration(operation);
+    manager.addOperations(operations);
     // The window's 0.1 s ticks; a cancel is passed on within 20 ms and stops the running copy
     // within one chunk.
     using namespace std::chrono_literals;
@@ -292,6 +301,7 @@ void QNPackageController::copyFiles(const QList<std::pair<QString, QString>>& so
         if (cancelled())
             manager.cancelAllOperations();
     } while (!manager.waitUntilAllOperationsAreFinishedFor(20ms));
+    m_copies.reserve(m_copies.size() + static_cast<qsizetype>(operations.size()));
     for (const auto& operation : operations) {
         if (operation->fCopyState() != FileCopyState::Finished) {
             if (!cancelled())
@@ -619,11 +629,13 @@ void QNPackageController::log(const QString& line) const
 void QNPackageController::packagedDocument(const PreflightedDocument& document, const QString& packagedPath)
 {
     m_outcome.pathsOfPackagedDocs << packagedPath;
-    m_packagedDocuments << ManifestDocument{
-        document.docItem.path, packagedPath,
-        results::QNSummaryOutlineController::loadPreflightStatusResults(
-            document.finalFontItems, document.finalColorItems, document.finalLinkItems)
-            .text};
+    // The line the preflight gave; counted again only for a document that comes without one.
+    const QString summary = !document.statusLine.isEmpty()
+                                ? document.statusLine
+                                : results::QNSummaryOutlineController::loadPreflightStatusResults(
+                                      document.finalFontItems, document.finalColorItems, document.finalLinkItems)
+                                      .text;
+    m_packagedDocuments << ManifestDocument{document.docItem.path, packagedPath, summary};
 }
 
 void QNPackageController::writeManifestOf(const QString& folder)
@@ -634,7 +646,8 @@ void QNPackageController::writeManifestOf(const QString& folder)
     for (const ManifestDocument& document : std::as_const(m_packagedDocuments))
         if (document.packaged.startsWith(folder + u'/'))
             header.documents << document;
-    if (const app::Status written = writePackageManifest(folder, header, m_copies, m_request->cancel); !written) {
+    const app::Status written = writePackageManifest(folder, header, m_copies, m_request->cancel);
+    if (!written) {
         log(QStringLiteral("-> can't write the package manifest: %1").arg(written.error().text()));
         m_outcome.warnings << written.error();
     }

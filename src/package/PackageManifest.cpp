@@ -17,6 +17,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,39 +40,79 @@ struct FileOnDisk {
     struct stat info {};
 };
 
-// Adds every file and symbolic link under the folder `local` (its path relative to the package
-// being `prefix`), each with its own status, read relative to the open folder.
-void addFilesUnder(const QByteArray& local, const QString& prefix, QList<FileOnDisk>& files)
+// A file or symbolic link met in a folder: its name, and the folder it is in.
+struct ListedName {
+    std::string name;
+    size_t folder = 0;
+};
+
+// A folder met, open for the statuses of its files to be read relative to it.
+struct ListedFolder {
+    QString relative; // "" or "Links/"
+    DIR* dir = nullptr;
+};
+
+// Lists every file and symbolic link under `local` (`prefix` being its path relative to the
+// package) into `names`, and the folders into `folders`, left open.
+void listFilesUnder(const QByteArray& local, const QString& prefix, std::vector<ListedFolder>& folders,
+                    std::vector<ListedName>& names)
 {
     DIR* dir = ::opendir(local.constData());
     if (dir == nullptr)
         return;
+    const size_t folder = folders.size();
+    folders.push_back({prefix, dir});
     while (const dirent* entry = ::readdir(dir)) {
         const std::string_view name(entry->d_name);
         if (name == "." || name == "..")
             continue;
-        FileOnDisk file;
-        if (::fstatat(::dirfd(dir), entry->d_name, &file.info, AT_SYMLINK_NOFOLLOW) != 0)
-            continue;
-        file.relative = prefix + app::pathFromLocalBytes(name);
-        if (S_ISDIR(file.info.st_mode))
-            addFilesUnder(local + '/' + entry->d_name, file.relative + u'/', files);
+        bool isFolder = entry->d_type == DT_DIR;
+        if (entry->d_type == DT_UNKNOWN) {
+            struct stat info {};
+            if (::fstatat(::dirfd(dir), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+                continue;
+            isFolder = S_ISDIR(info.st_mode);
+        }
+        if (isFolder)
+            listFilesUnder(local + '/' + entry->d_name, prefix + app::pathFromLocalBytes(name) + u'/', folders, names);
         else
-            files << file;
+            names.push_back({std::string(name), folder});
     }
-    ::closedir(dir);
 }
 
-// Every file and symbolic link under `folder` but the manifest, by path relative to it, sorted.
+// Every file and symbolic link under `folder` but the manifest, by path relative to it, sorted,
+// each with its own status. A package holds thousands of links: their names are made and their
+// statuses read side by side, each relative to its open folder.
 QList<FileOnDisk> filesUnder(const QString& folder)
 {
-    QList<FileOnDisk> files;
-    addFilesUnder(app::localBytesOfPath(folder), QString(), files);
-    files.removeIf([](const FileOnDisk& file) { return file.relative == QLatin1String(kManifestFileName); });
-    for (FileOnDisk& file : files)
+    std::vector<ListedFolder> folders;
+    std::vector<ListedName> names;
+    listFilesUnder(app::localBytesOfPath(folder), QString(), folders, names);
+    std::vector<std::optional<FileOnDisk>> found(names.size());
+    app::parallelFor(static_cast<qsizetype>(names.size()), {.itemsPerThread = 256}, [&](int, qsizetype index) {
+        const ListedName& listed = names[static_cast<size_t>(index)];
+        FileOnDisk file;
+        // A file that went between the listing and its status is not there.
+        if (::fstatat(::dirfd(folders[listed.folder].dir), listed.name.c_str(), &file.info, AT_SYMLINK_NOFOLLOW) != 0)
+            return;
+        file.relative = folders[listed.folder].relative + app::pathFromLocalBytes(listed.name);
         file.absolute = folder + u'/' + file.relative;
-    std::sort(files.begin(), files.end(),
-              [](const FileOnDisk& a, const FileOnDisk& b) { return a.relative < b.relative; });
+        found[static_cast<size_t>(index)] = std::move(file);
+    });
+    for (const ListedFolder& listed : folders)
+        ::closedir(listed.dir);
+    // Sorted by index: the entries themselves are large to move.
+    std::vector<size_t> order;
+    order.reserve(found.size());
+    for (size_t index = 0; index < found.size(); ++index)
+        if (found[index] && found[index]->relative != QLatin1String(kManifestFileName))
+            order.push_back(index);
+    std::sort(order.begin(), order.end(),
+              [&found](size_t a, size_t b) { return found[a]->relative < found[b]->relative; });
+    QList<FileOnDisk> files;
+    files.reserve(static_cast<qsizetype>(order.size()));
+    for (const size_t index : order)
+        files.append(std::move(*found[index]));
     return files;
 }
 
@@ -105,19 +147,19 @@ app::Result<QByteArray> sha256OfFile(const QString& path, const struct stat& inf
     }
 }
 
-// The modification time as "2026-01-15T10:00:00.000Z", written directly: through a date object it
-// costs more than the rest of an entry.
-QByteArray isoTime(const struct stat& info)
+// Appends the modification time as "2026-01-15T10:00:00.000Z", written directly: through a date
+// object it costs more than the rest of an entry.
+void appendIsoTime(QByteArray& out, const struct stat& info)
 {
     struct tm utc {};
     const time_t seconds = info.st_mtim.tv_sec;
     if (::gmtime_r(&seconds, &utc) == nullptr)
-        return {};
+        return;
     char text[40];
     const int length = std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", utc.tm_year + 1900,
                                      utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec,
                                      static_cast<int>(info.st_mtim.tv_nsec / 1'000'000));
-    return QByteArray(text, length);
+    out.append(text, length);
 }
 
 // Hashes the files for which `needed` is true, several at once; a file that cannot be read leaves
@@ -136,15 +178,20 @@ void hashFiles(const QList<FileOnDisk>& files, const std::vector<bool>& needed, 
     });
 }
 
-// A JSON string. Paths rarely hold what JSON escapes; those that do go through the JSON writer.
-QByteArray jsonString(const QString& text)
+// Appends a JSON string. Paths rarely hold what JSON escapes; those that do go through the JSON
+// writer.
+void appendJsonString(QByteArray& out, const QString& text)
 {
     const bool plain =
         std::none_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x20 || c == u'"' || c == u'\\'; });
-    if (plain)
-        return '"' + text.toUtf8() + '"';
+    if (plain) {
+        out += '"';
+        out += text.toUtf8();
+        out += '"';
+        return;
+    }
     const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
-    return array.mid(1, array.size() - 2);
+    out.append(array.constData() + 1, array.size() - 2);
 }
 
 app::Error manifestError(const QString& manifest, const QString& problem)
@@ -163,17 +210,22 @@ app::Status writePackageManifest(const QString& folder, const ManifestHeader& he
     std::vector<bool> needed(count, true);
     std::vector<std::optional<app::Error>> errors(count);
     std::vector<const CopiedFileRecord*> copied(count, nullptr);
-    for (size_t i = 0; i < count; ++i) {
-        const FileOnDisk& file = files.at(static_cast<qsizetype>(i));
+    // A file copied with its hash taken, and not changed since, is not read again.
+    std::vector<char> hashed(count, 0);
+    app::parallelFor(files.size(), {.itemsPerThread = 256}, [&](int, qsizetype index) {
+        const auto i = static_cast<size_t>(index);
+        const FileOnDisk& file = files.at(index);
         const auto copy = copies.constFind(file.absolute);
         if (copy == copies.constEnd())
-            continue;
+            return;
         copied[i] = &*copy;
         if (!copy->sha256.isEmpty() && copy->stamp == fileStamp(file.info)) {
             hashes[i] = copy->sha256;
-            needed[i] = false;
+            hashed[i] = 1;
         }
-    }
+    });
+    for (size_t i = 0; i < count; ++i)
+        needed[i] = hashed[i] == 0;
     hashFiles(files, needed, hashes, errors, cancel);
     if (cancel != nullptr && cancel->isCancelled())
         return app::makeError(QStringLiteral("writing the package manifest was cancelled"), folder);
@@ -186,19 +238,41 @@ app::Status writePackageManifest(const QString& folder, const ManifestHeader& he
                                      {QStringLiteral("path"), QDir(folder).relativeFilePath(document.packaged)},
                                      {QStringLiteral("summary"), document.summary}});
     }
-    // Ten thousand entries go straight to text: as JSON objects they cost more than the copy.
-    QByteArray list = "[";
-    for (size_t i = 0; i < count; ++i) {
-        const FileOnDisk& file = files.at(static_cast<qsizetype>(i));
+    // Ten thousand entries go straight to text, side by side: as JSON objects they cost more than
+    // the copy.
+    for (size_t i = 0; i < count; ++i)
         if (errors[i])
             return *errors[i];
+    std::vector<QByteArray> entries(count);
+    app::parallelFor(files.size(), {.itemsPerThread = 256}, [&](int, qsizetype index) {
+        const auto i = static_cast<size_t>(index);
+        const FileOnDisk& file = files.at(index);
         const QString source = copied[i] != nullptr ? copied[i]->source : documentSources.value(file.absolute);
+        QByteArray& entry = entries[i];
+        entry.reserve(160 + 3 * (file.relative.size() + source.size()));
+        entry += "        {\"modified\": \"";
+        appendIsoTime(entry, file.info);
+        entry += "\", \"path\": ";
+        appendJsonString(entry, file.relative);
+        entry += ", \"sha256\": \"";
+        entry += hashes[i];
+        entry += "\", \"size\": ";
+        entry += QByteArray::number(qint64(file.info.st_size));
+        if (!source.isEmpty()) {
+            entry += ", \"source\": ";
+            appendJsonString(entry, source);
+        }
+        entry += '}';
+    });
+    qsizetype listBytes = 16;
+    for (const QByteArray& entry : entries)
+        listBytes += entry.size() + 2;
+    QByteArray list;
+    list.reserve(listBytes);
+    list += "[";
+    for (size_t i = 0; i < count; ++i) {
         list += i == 0 ? "\n" : ",\n";
-        list += "        {\"modified\": \"" + isoTime(file.info) + "\", \"path\": " + jsonString(file.relative) +
-                ", \"sha256\": \"" + hashes[i] + "\", \"size\": " + QByteArray::number(qint64(file.info.st_size));
-        if (!source.isEmpty())
-            list += ", \"source\": " + jsonString(source);
-        list += '}';
+        list += entries[i];
     }
     list += "\n    ]";
     const QJsonObject manifest{{QStringLiteral("manifestFormat"), 1},

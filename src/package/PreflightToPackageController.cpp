@@ -74,6 +74,7 @@ PreflightedDocument recordOf(const TNFileItem& item, const preflight::PreflightO
     document.finalLinkItems = results.linkItems();
     document.finalColorItems = results.colorItems();
     document.finalFontItems = results.fontItems();
+    document.statusLine = results.status().text;
     document.preflightProblems = outcome.alerts + outcome.warnings;
     return document;
 }

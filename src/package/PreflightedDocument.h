@@ -21,6 +21,8 @@ struct PreflightedDocument {
     QVariantList finalLinkItems;
     QVariantList finalColorItems;
     QVariantList finalFontItems;
+    // The preflight's status line as its results gave it ("2 errors found: Fonts: 1 • Links: 1").
+    QString statusLine;
     // What the preflight alerted to or could not read: a package of this document is not clean.
     QList<app::Error> preflightProblems;
 

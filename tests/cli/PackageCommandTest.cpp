@@ -78,6 +78,16 @@ TEST(PackageCommand, ManifestProvesThePackageAndTheRelinkedCopyFindsEveryLinkIns
     const QString folder = to + u"/Job"_s;
     EXPECT_EQ(QJsonDocument::fromJson(run.out)["package"]["folders"][0].toString(), folder);
     EXPECT_TRUE(QFile::exists(hot + u"/Job/package-manifest.json"_s)); // handed over whole, manifest included
+    // The manifest names each document with the status line its preflight gave.
+    QFile manifest(folder + u"/package-manifest.json"_s);
+    ASSERT_TRUE(manifest.open(QIODevice::ReadOnly));
+    const QString summary = QJsonDocument::fromJson(manifest.readAll())["documents"][0]["summary"].toString();
+    EXPECT_TRUE(summary.contains(u"errors found"_s)) << summary.toStdString();
+    EXPECT_EQ(
+        summary,
+        QJsonDocument::fromJson(
+            runQuillon({u"preflight"_s, brochure, u"--format"_s, u"json"_s}, environment).out)["documents"][0]["status"]
+            .toString());
 
     // The packaged copy opened again: every link that was found at home is found in the package.
     const auto linksOf = [&](const QString& document) {
