@@ -8,6 +8,7 @@
 
 #include <QSet>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -35,28 +36,53 @@ bool textContains(const QVariant& value, const QString& part)
     return value.typeId() == QMetaType::QString && value.toString().contains(part);
 }
 
-qint64 alertCount(const QVariantList& rows)
+// The value under `key` of a record row, read in place: a copy of each of thousands of records
+// costs more than the count made of it. Null when the row is not a record or has no such value.
+const QVariant* valueInRow(const QVariant& row, const QString& key)
 {
-    // Thousands of links are counted side by side, each worker into a total of its own.
-    struct alignas(64) Total {
-        qint64 alerts = 0;
+    if (row.typeId() != QMetaType::QVariantMap)
+        return nullptr;
+    const auto& record = *static_cast<const QVariantMap*>(row.constData());
+    const auto found = record.constFind(key);
+    return found == record.cend() ? nullptr : &*found;
+}
+
+// Sums `measure(row)` over the rows, thousands of them side by side, each worker into a total of
+// its own.
+template <typename Total, typename Measure> Total sumOverRows(const QVariantList& rows, Measure&& measure)
+{
+    struct alignas(64) Share {
+        Total total{};
     };
-    std::vector<Total> totals(static_cast<size_t>(app::parallelThreadLimit(0)));
+    std::vector<Share> shares(static_cast<size_t>(app::parallelThreadLimit(0)));
     app::parallelFor(rows.size(), {.itemsPerThread = 2048}, [&](int worker, qsizetype index) {
-        // Read in place: a copy of each record and of its alerts would cost more than the count.
-        const QVariant& row = rows.at(index);
-        if (row.typeId() != QMetaType::QVariantMap)
-            return;
-        const auto& record = *static_cast<const QVariantMap*>(row.constData());
-        const auto alerts = record.constFind(kAlertsKey);
-        if (alerts != record.cend() && alerts->typeId() == QMetaType::QVariantMap)
-            totals[static_cast<size_t>(worker)].alerts += static_cast<const QVariantMap*>(alerts->constData())->size();
+        measure(rows.at(index), shares[static_cast<size_t>(worker)].total);
     });
-    qint64 total = 0;
-    for (const Total& each : totals)
-        total += each.alerts;
+    Total total{};
+    for (const Share& share : shares)
+        total += share.total;
     return total;
 }
+
+qint64 alertCount(const QVariantList& rows)
+{
+    return sumOverRows<qint64>(rows, [](const QVariant& row, qint64& total) {
+        if (const QVariant* alerts = valueInRow(row, kAlertsKey); alerts && alerts->typeId() == QMetaType::QVariantMap)
+            total += static_cast<const QVariantMap*>(alerts->constData())->size();
+    });
+}
+
+// Counts, for each part, the rows whose text under a key contains it.
+struct PartCounts {
+    std::vector<qsizetype> counts;
+    PartCounts& operator+=(const PartCounts& other)
+    {
+        counts.resize(std::max(counts.size(), other.counts.size()));
+        for (size_t i = 0; i < other.counts.size(); ++i)
+            counts[i] += other.counts[i];
+        return *this;
+    }
+};
 
 } // namespace
 
@@ -258,46 +284,49 @@ QString QNSummaryOutlineController::objectValueForColumn(const QNSummaryItem& it
 qsizetype QNSummaryOutlineController::numberOfDictsWhoseValueForKey(const QString& key, const QString& part,
                                                                     const QVariantList& rows)
 {
-    qsizetype n = 0;
-    for (const QVariant& row : rows)
-        if (textContains(row.toMap().value(key), part))
-            ++n;
-    return n;
+    return countDictsWhoseValueForKey(key, {part}, rows).value(part);
 }
 
 QMap<QString, qsizetype> QNSummaryOutlineController::countDictsWhoseValueForKey(const QString& key,
                                                                                 const QStringList& parts,
                                                                                 const QVariantList& rows)
 {
+    const PartCounts found = sumOverRows<PartCounts>(rows, [&](const QVariant& row, PartCounts& total) {
+        total.counts.resize(static_cast<size_t>(parts.size()));
+        if (const QVariant* value = valueInRow(row, key))
+            for (qsizetype i = 0; i < parts.size(); ++i)
+                if (textContains(*value, parts.at(i)))
+                    ++total.counts[static_cast<size_t>(i)];
+    });
     QMap<QString, qsizetype> counts;
-    for (const QString& part : parts)
-        counts.insert(part, 0);
-    for (const QVariant& row : rows) {
-        const QVariant value = row.toMap().value(key);
-        for (const QString& part : parts)
-            if (textContains(value, part))
-                ++counts[part];
-    }
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        counts.insert(parts.at(i),
+                      static_cast<size_t>(i) < found.counts.size() ? found.counts[static_cast<size_t>(i)] : 0);
     return counts;
 }
 
 QString QNSummaryOutlineController::numberOfUniqueLinksInLinksItems(const QVariantList& links)
 {
+    // The records are looked up side by side; the set is made of what they hold.
+    std::vector<const QVariant*> found(static_cast<size_t>(links.size()), nullptr);
+    app::parallelFor(links.size(), {.itemsPerThread = 2048}, [&](int, qsizetype index) {
+        found[static_cast<size_t>(index)] = valueInRow(links.at(index), lk::kLinkPathKey);
+    });
     QSet<QString> paths;
-    for (const QVariant& row : links) {
-        const QVariant path = row.toMap().value(lk::kLinkPathKey);
-        if (!path.isNull())
-            paths.insert(path.toString());
-    }
+    paths.reserve(links.size());
+    for (const QVariant* path : found)
+        if (path != nullptr && !path->isNull())
+            paths.insert(path->toString());
     return count(paths.size());
 }
 
 QString QNSummaryOutlineController::totalFileSizeFromDictsInArray(const QVariantList& rows, const QString& key,
                                                                   const FileSizeFormatter& fileSizeFormat)
 {
-    std::uint64_t sum = 0;
-    for (const QVariant& row : rows)
-        sum += row.toMap().value(key).toULongLong();
+    const std::uint64_t sum = sumOverRows<std::uint64_t>(rows, [&key](const QVariant& row, std::uint64_t& total) {
+        if (const QVariant* size = valueInRow(row, key))
+            total += size->toULongLong();
+    });
     if (rows.isEmpty() || sum == 0 || !fileSizeFormat)
         return QStringLiteral("-");
     return fileSizeFormat(sum);

@@ -95,6 +95,31 @@ TEST(Summary, SectionsCountByTheirRules)
     EXPECT_EQ(valueOf(summary, u"Links"_s, u"Total"_s), QString());
 }
 
+// Thousands of links are counted side by side: every count comes out the same as one by one,
+// whatever worker a record fell to, and a row that is not a record counts for nothing.
+TEST(Summary, LongListsCountEveryRowOnce)
+{
+    constexpr int kLinks = 9001;
+    QVariantList links;
+    for (int i = 0; i < kLinks; ++i)
+        links.append(withAlerts(QVariantMap{{u"path"_s, u"/job/%1.tif"_s.arg(i % 3000)},
+                                            {u"status"_s, i % 3 == 0 ? u"Missing"_s : u"Modified"_s},
+                                            {u"color"_s, i % 2 == 0 ? u"CMYK"_s : u"RGB"_s},
+                                            {u"sizebytes"_s, QVariant::fromValue<quint64>(1000)}},
+                                (i % 5 == 0) ? QStringList{u"size"_s, u"eres"_s} : QStringList{}));
+    links.append(u"not a record"_s);
+    QNSummaryOutlineController summary;
+    summary.startup();
+    const PreflightStatus status = summary.loadSummary({}, {}, {}, links, bytesAsText);
+    EXPECT_EQ(status.links, 2 * 1801);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Unique"_s), u"3000"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Missing"_s), u"3001"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Modified"_s), u"6000"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"CMYK"_s), u"4501"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"RGB"_s), u"4500"_s);
+    EXPECT_EQ(valueOf(summary, u"Links"_s, u"Total Size"_s), u"9001000 B"_s);
+}
+
 TEST(Summary, TotalSizeAndDisplayedValues)
 {
     const QVariantList links{QVariantMap{{u"sizebytes"_s, QVariant::fromValue<quint64>(3000000000ULL)}},
