@@ -58,11 +58,6 @@ struct PackageOptions {
     int jobs = 0;
 };
 
-QString q(const std::string& text)
-{
-    return app::pathFromLocalBytes(text);
-}
-
 void printError(const QString& about, const QString& message)
 {
     printCommandError("package", about, message);
@@ -195,18 +190,18 @@ int runPackage(const PackageOptions& options)
     }
     QList<package::TNFileItem> documents;
     for (const std::string& document : options.documents) {
-        const QString path = QFileInfo(q(document)).absoluteFilePath();
+        const QString path = QFileInfo(app::pathFromLocalBytes(document)).absoluteFilePath();
         if (const app::Status usable = host::OfflineIdmlHost::checkDocumentPath(path); !usable) {
-            printError(q(document), usable.error().message);
+            printError(app::pathFromLocalBytes(document), usable.error().message);
             return kExitFailure;
         }
         documents << package::TNFileItem::fileItemWithPath(path);
     }
     QList<package::TNFileItem> extras;
     for (const std::string& extra : options.extras) {
-        const QFileInfo info(q(extra));
+        const QFileInfo info(app::pathFromLocalBytes(extra));
         if (!info.exists()) {
-            printError(q(extra), QStringLiteral("--extras names nothing that exists"));
+            printError(app::pathFromLocalBytes(extra), QStringLiteral("--extras names nothing that exists"));
             return kExitFailure;
         }
         extras << (info.isDir() ? package::TNFileItem::folderItemWithPath(info.absoluteFilePath())
@@ -215,13 +210,14 @@ int runPackage(const PackageOptions& options)
     const std::optional<QStringList> linkFolders = linkFoldersFromArguments(options.linkDirs, "package");
     if (!linkFolders)
         return kExitFailure;
-    const QString hotFolder =
-        options.hotFolder.empty() ? QString() : QFileInfo(q(options.hotFolder)).absoluteFilePath();
+    const QString hotFolder = options.hotFolder.empty()
+                                  ? QString()
+                                  : QFileInfo(app::pathFromLocalBytes(options.hotFolder)).absoluteFilePath();
     if (!hotFolder.isEmpty() && !QFileInfo(hotFolder).isDir()) {
         printError(hotFolder, QStringLiteral("--hot-folder needs a folder, and there is none here"));
         return kExitFailure;
     }
-    const QString base = QFileInfo(q(options.to)).absoluteFilePath();
+    const QString base = QFileInfo(app::pathFromLocalBytes(options.to)).absoluteFilePath();
     if (!QDir().mkpath(base) || !QFileInfo(base).isWritable()) {
         printError(base, QStringLiteral("the folder for packages cannot be made or written to"));
         return kExitFailure;
@@ -280,8 +276,8 @@ int runPackage(const PackageOptions& options)
     package::PackageRunChoices& choices = request.choices;
     choices.mode = mode;
     choices.basePackageFolderPath = base;
-    choices.namePart1 = q(options.name);
-    choices.namePart2 = q(options.nameSuffix);
+    choices.namePart1 = app::pathFromLocalBytes(options.name);
+    choices.namePart2 = app::pathFromLocalBytes(options.nameSuffix);
     choices.overwrite = options.overwrite;
     choices.collectLinks = !options.noLinks;
     choices.collectFonts = !options.noFonts;
@@ -290,7 +286,7 @@ int runPackage(const PackageOptions& options)
     choices.relinkToPackagedLinks = !options.noRelink;
     choices.createIdml = options.idml;
     choices.createPdf = !options.pdfPreset.empty();
-    choices.pdfPreset = q(options.pdfPreset);
+    choices.pdfPreset = app::pathFromLocalBytes(options.pdfPreset);
     choices.textReport = options.textReport;
     choices.pdfReport = options.pdfReport;
     request.writePdfReport = [presetName = preset->name](const package::PreflightedDocument& document,
@@ -303,7 +299,7 @@ int runPackage(const PackageOptions& options)
                                                  : reports::QNTextReport::ExistingFile::Number);
     };
     choices.extrasInSubfolder = !options.extrasFolder.empty();
-    choices.extrasSubfolderName = q(options.extrasFolder);
+    choices.extrasSubfolderName = app::pathFromLocalBytes(options.extrasFolder);
     choices.fontsFromRecords = true; // the offline host copies the document alone
     choices.writeManifest = !options.noManifest;
     choices.presetName = preset->name;

@@ -49,11 +49,6 @@ struct PreflightOptions {
     bool overwrite = false;
 };
 
-QString q(const std::string& text)
-{
-    return app::pathFromLocalBytes(text);
-}
-
 void printError(const QString& about, const QString& message)
 {
     printCommandError("preflight", about, message);
@@ -98,7 +93,7 @@ std::optional<reports::TextReportType> reportTypeFor(const QString& format, bool
 int preflightAll(const PreflightOptions& options, const QStringList& paths, const ChosenPreset& preset,
                  const PreflightJobOptions& jobOptions, const QString& reportDir, const PrinterOutput& output)
 {
-    const QString format = q(options.format);
+    const QString format = app::pathFromLocalBytes(options.format);
     // Every document works in a folder of its own inside this one, which goes at the end.
     const PrivateWorkFolder runRoot(QStringLiteral("preflight"));
     if (!runRoot.isValid())
@@ -156,7 +151,7 @@ int preflightAll(const PreflightOptions& options, const QStringList& paths, cons
 
 int runPreflight(const PreflightOptions& options)
 {
-    if (isPdf(q(options.format)) && options.reportDir.empty()) {
+    if (isPdf(app::pathFromLocalBytes(options.format)) && options.reportDir.empty()) {
         std::cerr << "quillon preflight: --format pdf needs --report-dir: the PDF reports are written there; see "
                      "'quillon preflight --help'"
                   << std::endl;
@@ -178,13 +173,13 @@ int runPreflight(const PreflightOptions& options)
     jobOptions.linkFolders = *linkFolders;
     QString reportDir;
     if (!options.reportDir.empty()) {
-        reportDir = QFileInfo(q(options.reportDir)).absoluteFilePath();
+        reportDir = QFileInfo(app::pathFromLocalBytes(options.reportDir)).absoluteFilePath();
         if (!QDir().mkpath(reportDir) || !QFileInfo(reportDir).isWritable()) {
             printError(reportDir, QStringLiteral("the report folder cannot be made or written to"));
             return kExitFailure;
         }
     }
-    const QString format = q(options.format);
+    const QString format = app::pathFromLocalBytes(options.format);
     jobOptions.reportType = reportTypeFor(format, !reportDir.isEmpty());
     jobOptions.printParaStyles = app::Settings().boolForKey(QStringLiteral("printParas"), false);
     jobOptions.pdfReport = isPdf(format);

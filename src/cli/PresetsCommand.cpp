@@ -4,6 +4,7 @@
 #include "app/Alerts.h"
 #include "app/Company.h"
 #include "app/NumericText.h"
+#include "app/RegularFile.h"
 #include "app/Settings.h"
 #include "cli/JsonOutput.h"
 #include "cli/OutputFile.h"
@@ -110,11 +111,6 @@ struct PresetsOptions {
         return replace ? ConflictChoice::Replace : (keepBoth ? ConflictChoice::KeepBoth : ConflictChoice::Ask);
     }
 };
-
-QString q(const std::string& s)
-{
-    return QString::fromStdString(s);
-}
 
 // Loads the presets; a failure to write the default and the preset files left out (unless `quiet`)
 // are reported but do not stop the command.
@@ -343,73 +339,73 @@ void addPresetsCommand(CLI::App& program, std::vector<Command>& commands)
         replace->excludes(keepBoth);
     }
 
-    commands.push_back({presets, [=]() -> int {
-                            TerminalAlerts alerts(options->conflictChoice());
-                            const bool json = options->format == "json";
-                            if (list->parsed())
-                                return runWithOutput(options->output, "presets list", [&](const ResultStream& out) {
-                                    return listPresets(out.stream, json, out.quiet);
-                                });
-                            if (show->parsed())
-                                return runWithOutput(options->output, "presets show", [&](const ResultStream& out) {
-                                    return showPreset(out.stream, q(options->name), json, out.quiet);
-                                });
-                            if (use->parsed()) {
-                                rs::QNPresetsTable table = loadTable();
-                                if (findPreset(table, q(options->name)) < 0)
-                                    return kExitFailure;
-                                app::Settings settings;
-                                rs::presetsPopup(settings, q(options->name));
-                                return kExitOk;
-                            }
-                            if (set->parsed())
-                                return setPreset(q(options->name), options->edits);
-                            if (add->parsed()) {
-                                rs::QNPresetsTable table = loadTable();
-                                const qsizetype row = findPreset(table, q(options->from));
-                                if (row < 0)
-                                    return kExitFailure;
-                                table.selectRow(row);
-                                const auto name = table.addRow();
-                                if (!name) {
-                                    std::cerr << printableText(name.error().text()) << std::endl;
-                                    return kExitFailure;
-                                }
-                                std::cout << printableText(*name) << "\n";
-                                return kExitOk;
-                            }
-                            if (rename->parsed()) {
-                                rs::QNPresetsTable table = loadTable();
-                                const qsizetype row = findPreset(table, q(options->name));
-                                if (row < 0 || !table.renamePreset(row, q(options->newName), alerts))
-                                    return kExitFailure;
-                                followInSettings(q(options->name), q(options->newName));
-                                return kExitOk;
-                            }
-                            if (remove->parsed()) {
-                                rs::QNPresetsTable table = loadTable();
-                                const qsizetype row = findPreset(table, q(options->name));
-                                if (row < 0)
-                                    return kExitFailure;
-                                table.selectRow(row);
-                                if (!table.removeRow(alerts))
-                                    return kExitFailure;
-                                followInSettings(q(options->name), QString());
-                                return kExitOk;
-                            }
-                            if (exportCmd->parsed()) {
-                                const rs::QNPresetsTable table =
-                                    loadTable(); // makes "[Default].qnfp" in an empty folder
-                                const QString folder = QDir(q(options->folder)).absolutePath();
-                                alerts.setTargetFolder(folder);
-                                return transferOutcome(rs::exportAllPresets(table.presetsFolder(), folder, alerts));
-                            }
-                            QStringList files;
-                            for (const std::string& file : options->files)
-                                files.append(QFileInfo(q(file)).absoluteFilePath());
-                            alerts.setTargetFolder(rs::presetsFolderPath());
-                            return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
-                        }});
+    commands.push_back(
+        {presets, [=]() -> int {
+             TerminalAlerts alerts(options->conflictChoice());
+             const bool json = options->format == "json";
+             if (list->parsed())
+                 return runWithOutput(options->output, "presets list", [&](const ResultStream& out) {
+                     return listPresets(out.stream, json, out.quiet);
+                 });
+             if (show->parsed())
+                 return runWithOutput(options->output, "presets show", [&](const ResultStream& out) {
+                     return showPreset(out.stream, app::pathFromLocalBytes(options->name), json, out.quiet);
+                 });
+             if (use->parsed()) {
+                 rs::QNPresetsTable table = loadTable();
+                 if (findPreset(table, app::pathFromLocalBytes(options->name)) < 0)
+                     return kExitFailure;
+                 app::Settings settings;
+                 rs::presetsPopup(settings, app::pathFromLocalBytes(options->name));
+                 return kExitOk;
+             }
+             if (set->parsed())
+                 return setPreset(app::pathFromLocalBytes(options->name), options->edits);
+             if (add->parsed()) {
+                 rs::QNPresetsTable table = loadTable();
+                 const qsizetype row = findPreset(table, app::pathFromLocalBytes(options->from));
+                 if (row < 0)
+                     return kExitFailure;
+                 table.selectRow(row);
+                 const auto name = table.addRow();
+                 if (!name) {
+                     std::cerr << printableText(name.error().text()) << std::endl;
+                     return kExitFailure;
+                 }
+                 std::cout << printableText(*name) << "\n";
+                 return kExitOk;
+             }
+             if (rename->parsed()) {
+                 rs::QNPresetsTable table = loadTable();
+                 const qsizetype row = findPreset(table, app::pathFromLocalBytes(options->name));
+                 if (row < 0 || !table.renamePreset(row, app::pathFromLocalBytes(options->newName), alerts))
+                     return kExitFailure;
+                 followInSettings(app::pathFromLocalBytes(options->name), app::pathFromLocalBytes(options->newName));
+                 return kExitOk;
+             }
+             if (remove->parsed()) {
+                 rs::QNPresetsTable table = loadTable();
+                 const qsizetype row = findPreset(table, app::pathFromLocalBytes(options->name));
+                 if (row < 0)
+                     return kExitFailure;
+                 table.selectRow(row);
+                 if (!table.removeRow(alerts))
+                     return kExitFailure;
+                 followInSettings(app::pathFromLocalBytes(options->name), QString());
+                 return kExitOk;
+             }
+             if (exportCmd->parsed()) {
+                 const rs::QNPresetsTable table = loadTable(); // makes "[Default].qnfp" in an empty folder
+                 const QString folder = QDir(app::pathFromLocalBytes(options->folder)).absolutePath();
+                 alerts.setTargetFolder(folder);
+                 return transferOutcome(rs::exportAllPresets(table.presetsFolder(), folder, alerts));
+             }
+             QStringList files;
+             for (const std::string& file : options->files)
+                 files.append(QFileInfo(app::pathFromLocalBytes(file)).absoluteFilePath());
+             alerts.setTargetFolder(rs::presetsFolderPath());
+             return transferOutcome(rs::importPresets(rs::presetsFolderPath(), files, alerts));
+         }});
 }
 
 } // namespace quillon::cli
