@@ -1,6 +1,7 @@
 #include "cli/JsonOutput.h"
 
 #include "app/BuildInfo.h"
+#include "app/ParallelFor.h"
 #include "links/LinkRecordKeys.h"
 #include "results/ResultKeys.h"
 
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
+#include <ostream>
 #include <vector>
 
 namespace quillon::cli {
@@ -380,11 +383,69 @@ void appendRecordJson(std::string& out, const QVariantMap& record, RecordKind ki
     }
 }
 
-QJsonObject linkJson(const QVariantMap& record)
+void writeObjectWithRecords(std::ostream& stream, const QJsonObject& members,
+                            const std::vector<RecordListMember>& lists, int depth)
 {
-    std::string text;
-    appendRecordJson(text, record, RecordKind::Link, 0);
-    return parsedValue(text).toObject();
+    const RecordListMember noList;
+    std::map<QString, const RecordListMember*> ordered;
+    for (auto it = members.constBegin(); it != members.constEnd(); ++it)
+        ordered.emplace(it.key(), &noList);
+    for (const RecordListMember& list : lists)
+        ordered.insert_or_assign(list.key, &list);
+
+    std::string out = indentation(depth) + "{\n";
+    const auto flush = [&stream, &out](size_t above) {
+        if (out.size() > above) {
+            stream.write(out.data(), static_cast<std::streamsize>(out.size()));
+            out.clear();
+        }
+    };
+    bool first = true;
+    for (const auto& [key, list] : ordered) {
+        out += first ? "" : ",\n";
+        first = false;
+        out += indentation(depth + 1);
+        appendJson(out, key, depth + 1);
+        out += ": ";
+        if (list == &noList) {
+            appendJson(out, members.value(key), depth + 1);
+            continue;
+        }
+        const QVariantList& records = list->records;
+        out += records.isEmpty() ? "[" : "[\n";
+        // A batch of records at a time is written on several threads and joined in order.
+        constexpr qsizetype kBatch = 1024;
+        std::vector<std::string> batch;
+        for (qsizetype begin = 0; begin < records.size(); begin += kBatch) {
+            batch.assign(static_cast<size_t>(std::min(kBatch, records.size() - begin)), std::string());
+            app::parallelFor(static_cast<qsizetype>(batch.size()), {.itemsPerThread = 64}, [&](int, qsizetype index) {
+                const qsizetype i = begin + index;
+                std::string& text = batch[static_cast<size_t>(index)];
+                text = indentation(depth + 2);
+                appendRecordJson(text, records.at(i).toMap(), list->kind, depth + 2);
+                text += i + 1 < records.size() ? ",\n" : "\n";
+            });
+            for (const std::string& text : batch) {
+                out += text;
+                flush(1 << 16);
+            }
+        }
+        out += (records.isEmpty() ? "" : indentation(depth + 1)) + "]";
+    }
+    out += "\n" + indentation(depth) + "}";
+    flush(0);
+}
+
+std::string envelopeOpening(const QJsonObject& head)
+{
+    QByteArray text = jsonText(head).trimmed();
+    text.chop(1); // the closing brace
+    return text.trimmed().toStdString() + ",\n    \"documents\": [\n";
+}
+
+std::string envelopeClosing(bool anyDocument)
+{
+    return std::string(anyDocument ? "\n" : "") + "    ]\n}\n";
 }
 
 QJsonObject documentInfoJson(const inspection::QNDocInfo& info)

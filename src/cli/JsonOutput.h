@@ -9,7 +9,9 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <iosfwd>
 #include <string>
+#include <vector>
 
 namespace quillon::cli {
 
@@ -45,8 +47,24 @@ enum class RecordKind { FontOrColor, Link };
 // "horizontalScale", "verticalScale"; null when not known). Written straight from the record,
 // as QJsonDocument would write it: a JSON tree for each of 200,000 links costs more than the rest.
 void appendRecordJson(std::string& out, const QVariantMap& record, RecordKind kind, int depth);
-// A link record the same way, as a JSON object.
-QJsonObject linkJson(const QVariantMap& record);
+
+// A member of an object that holds records: its key and the records, in order.
+struct RecordListMember {
+    QString key;
+    QVariantList records;
+    RecordKind kind = RecordKind::FontOrColor;
+};
+// Writes an object of `members` and the record `lists` as QJsonDocument's indented form lays it
+// out `depth` levels deep (its first line indented too, no line break at the end), its members in
+// key order. The records are made and written a batch at a time, the batch side by side on
+// several threads: a document of many links never has its whole text in memory.
+void writeObjectWithRecords(std::ostream& stream, const QJsonObject& members,
+                            const std::vector<RecordListMember>& lists, int depth);
+
+// The head of an envelope with its "documents" array opened, for documents written one at a time
+// (each at depth 2, separated by ",\n"); envelopeClosing() ends it.
+std::string envelopeOpening(const QJsonObject& head);
+std::string envelopeClosing(bool anyDocument);
 
 // Appends `value` as QJsonDocument's indented form writes it, its lines after the first indented
 // `depth` levels further, so that it can stand as a member at that depth of a text written in

@@ -14,7 +14,6 @@
 #include "links/QNIDMLLinksProcessor.h"
 #include "preflight/DocumentWarnings.h"
 
-#include <QJsonArray>
 #include <QJsonObject>
 
 #include <iostream>
@@ -83,7 +82,16 @@ int runLinks(const LinksOptions& options, const ResultStream& out)
     if (!workFolder.isValid())
         return kExitFailure;
     const bool json = options.format == "json";
-    QJsonArray documents;
+    // The JSON is written a document at a time, a document's links a batch at a time: a copy of a
+    // document of many links would double the peak memory.
+    bool anyDocument = false;
+    const auto writeDocument = [&](const QJsonObject& members, const std::vector<RecordListMember>& lists) {
+        out.stream << (anyDocument ? ",\n" : "");
+        writeObjectWithRecords(out.stream, members, lists, 2);
+        anyDocument = true;
+    };
+    if (json)
+        out.stream << envelopeOpening(jsonEnvelope(QStringLiteral("links")));
     for (const QString& path : documentPaths.paths) {
         if (Interruption::requested())
             break;
@@ -92,7 +100,7 @@ int runLinks(const LinksOptions& options, const ResultStream& out)
             std::cerr << "quillon links: " << printableText(unpacked.error().text()) << std::endl;
             status = kExitFailure;
             if (json)
-                documents.append(jsonFileEntry(path, {}, unpacked.error().text()));
+                writeDocument(jsonFileEntry(path, {}, unpacked.error().text()), {});
             continue;
         }
         const QString docPath = unpacked->record.posixPath;
@@ -117,24 +125,14 @@ int runLinks(const LinksOptions& options, const ResultStream& out)
         if (alerted && status == kExitOk)
             status = kExitAlerts;
         if (json) {
-            QJsonArray links;
-            for (const QVariant& record : records)
-                links.append(linkJson(record.toMap()));
-            QJsonObject entry = jsonFileEntry(path, warningLines);
-            entry.insert(QStringLiteral("links"), links);
-            documents.append(entry);
+            writeDocument(jsonFileEntry(path, warningLines), {{QStringLiteral("links"), records, RecordKind::Link}});
         } else {
             printTable(out.stream, docPath, records);
             out.stream << std::flush;
         }
     }
-    if (json) {
-        // Written as it is: a copy of a document of many links would double the peak memory.
-        QJsonObject envelope = jsonEnvelope(QStringLiteral("links"));
-        envelope.insert(QStringLiteral("documents"), std::move(documents));
-        const QByteArray text = jsonText(envelope);
-        out.stream.write(text.constData(), text.size());
-    }
+    if (json)
+        out.stream << envelopeClosing(anyDocument);
     return status;
 }
 

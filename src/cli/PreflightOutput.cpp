@@ -1,6 +1,5 @@
 #include "cli/PreflightOutput.h"
 
-#include "app/ParallelFor.h"
 #include "app/RecordKeys.h"
 #include "app/Records.h"
 #include "cli/JsonOutput.h"
@@ -10,22 +9,9 @@
 
 #include <QJsonArray>
 
-#include <algorithm>
-#include <map>
-#include <ostream>
-#include <string>
 #include <vector>
 
 namespace quillon::cli {
-
-namespace {
-
-std::string indentation(int depth)
-{
-    return std::string(static_cast<size_t>(depth) * 4, ' ');
-}
-
-} // namespace
 
 namespace {
 
@@ -60,63 +46,14 @@ QJsonObject documentJson(const PreflightedDocument& document)
 
 void writeDocumentJson(std::ostream& stream, const PreflightedDocument& document, int depth)
 {
-    // The record lists are written one record at a time: as one JSON tree, or one text, 200,000
-    // links cost gigabytes.
-    struct RecordList {
-        const QVariantList* rows = nullptr;
-        RecordKind kind = RecordKind::FontOrColor;
-    };
-    const QJsonObject small = documentJson(document);
-    std::map<QString, RecordList> members;
-    for (auto it = small.constBegin(); it != small.constEnd(); ++it)
-        members.emplace(it.key(), RecordList{});
+    std::vector<RecordListMember> lists;
     if (document.preflighted) {
-        members.emplace(QStringLiteral("links"), RecordList{&document.links, RecordKind::Link});
-        members.emplace(QStringLiteral("fonts"), RecordList{&document.fonts, RecordKind::FontOrColor});
-        members.emplace(QStringLiteral("colors"), RecordList{&document.colors, RecordKind::FontOrColor});
+        // Judged lists are grouped: their records are written one after the other.
+        lists.push_back({QStringLiteral("links"), results::flatRecords(document.links), RecordKind::Link});
+        lists.push_back({QStringLiteral("fonts"), results::flatRecords(document.fonts), RecordKind::FontOrColor});
+        lists.push_back({QStringLiteral("colors"), results::flatRecords(document.colors), RecordKind::FontOrColor});
     }
-
-    std::string out = indentation(depth) + "{\n";
-    const auto flush = [&stream, &out](size_t above) {
-        if (out.size() > above) {
-            stream.write(out.data(), static_cast<std::streamsize>(out.size()));
-            out.clear();
-        }
-    };
-    bool first = true;
-    for (const auto& [key, list] : members) {
-        out += first ? "" : ",\n";
-        first = false;
-        out += indentation(depth + 1);
-        appendJson(out, key, depth + 1);
-        out += ": ";
-        if (!list.rows) {
-            appendJson(out, small.value(key), depth + 1);
-            continue;
-        }
-        const QVariantList records = results::flatRecords(*list.rows);
-        out += records.isEmpty() ? "[" : "[\n";
-        // A batch of records at a time is written on several threads and joined in order.
-        constexpr qsizetype kBatch = 1024;
-        std::vector<std::string> batch;
-        for (qsizetype begin = 0; begin < records.size(); begin += kBatch) {
-            batch.assign(static_cast<size_t>(std::min(kBatch, records.size() - begin)), std::string());
-            app::parallelFor(static_cast<qsizetype>(batch.size()), {.itemsPerThread = 64}, [&](int, qsizetype index) {
-                const qsizetype i = begin + index;
-                std::string& text = batch[static_cast<size_t>(index)];
-                text = indentation(depth + 2);
-                appendRecordJson(text, records.at(i).toMap(), list.kind, depth + 2);
-                text += i + 1 < records.size() ? ",\n" : "\n";
-            });
-            for (const std::string& text : batch) {
-                out += text;
-                flush(1 << 16);
-            }
-        }
-        out += (records.isEmpty() ? "" : indentation(depth + 1)) + "]";
-    }
-    out += "\n" + indentation(depth) + "}";
-    flush(0);
+    writeObjectWithRecords(stream, documentJson(document), lists, depth);
 }
 
 } // namespace quillon::cli

@@ -31,13 +31,11 @@ constexpr qsizetype kJsonWrittenAheadRecords = 2000;
 
 // The envelope up to its documents: "format", "quillonVersion", "command" and "preset", then the
 // opened array.
-std::string envelopeOpening(const QString& presetName)
+std::string preflightEnvelopeOpening(const QString& presetName)
 {
     QJsonObject head = jsonEnvelope(QStringLiteral("preflight"));
     head.insert(QStringLiteral("preset"), presetName);
-    QByteArray text = jsonText(head).trimmed();
-    text.chop(1); // the closing brace
-    return text.trimmed().toStdString() + ",\n    \"documents\": [\n";
+    return envelopeOpening(head);
 }
 
 } // namespace
@@ -84,7 +82,7 @@ OrderedPrinter::OrderedPrinter(const QString& format, const QString& presetName,
       m_done(static_cast<size_t>(documents))
 {
     if (isJson(m_format))
-        *m_output.results << envelopeOpening(m_presetName) << std::flush;
+        *m_output.results << preflightEnvelopeOpening(m_presetName) << std::flush;
 }
 
 void OrderedPrinter::deliver(qsizetype index, RenderedDocument document)
@@ -114,7 +112,7 @@ void OrderedPrinter::finish(const QStringList& paths)
         }
     }
     if (isJson(m_format))
-        *m_output.results << (m_printedOne ? "\n" : "") << "    ]\n}\n" << std::flush;
+        *m_output.results << envelopeClosing(m_printedOne) << std::flush;
 }
 
 int OrderedPrinter::exitStatus() const
