@@ -216,7 +216,7 @@ app::Status QNPreflightToPackageController::preflightDoc(host::InDesignHost& hos
     const auto showStage = [this, &slot](const QString& stageKey) {
         std::lock_guard lock(m_mutex);
         useSlot(slot);
-        setBatchPreflightProgressValueToStage(stageKey);
+        showStageOfCurrentDoc(stageKey);
     };
     BatchStageProgress progress(showStage);
     const DocumentPreflightRequest request{host, preflight::PreflightFolders::inside(runFolder), options.preset,
@@ -306,6 +306,11 @@ QString QNPreflightToPackageController::composePreflightStatusBaseStr() const
 void QNPreflightToPackageController::setBatchPreflightProgressValueToStage(const QString& stageKey)
 {
     std::lock_guard lock(m_mutex);
+    showStageOfCurrentDoc(stageKey);
+}
+
+void QNPreflightToPackageController::showStageOfCurrentDoc(const QString& stageKey)
+{
     const auto stage = batchStages().constFind(stageKey);
     if (stage == batchStages().cend())
         return;

@@ -109,6 +109,8 @@ private:
                              int index);
     bool preflightSeveralAtOnce(const QList<TNFileItem>& documents, const BatchPreflightOptions& options);
     void useSlot(const DocumentSlot& slot);
+    // The stage's value and text for the current document; the caller holds the mutex.
+    void showStageOfCurrentDoc(const QString& stageKey);
 
     host::InDesignHost& m_host;
     app::AlertSink& m_alerts;
@@ -126,7 +128,7 @@ private:
     double m_startValueOfCurrDoc = 0;
     double m_batchBarValue = 0;
     // Guards the bar, the records and the failure while documents are preflighted at once.
-    mutable std::recursive_mutex m_mutex;
+    mutable std::mutex m_mutex;
 };
 
 } // namespace quillon::package
