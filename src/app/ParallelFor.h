@@ -2,7 +2,9 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <functional>
+#include <vector>
 
 namespace quillon::app {
 
@@ -25,6 +27,24 @@ struct ParallelOptions {
 // every thread has ended. Returns false when cancelled before every item was done.
 bool parallelFor(qsizetype count, const ParallelOptions& options,
                  const std::function<void(int worker, qsizetype index)>& work);
+
+// Makes `count` items a batch at a time, the items of a batch side by side, and hands them to
+// `take` in order: a long list written as text is never held whole. `make(index, item)` fills a
+// default-made Item; `take(index, item)` returning false stops it, and then it returns false.
+template <typename Item, typename Make, typename Take> bool inOrderedBatches(qsizetype count, Make&& make, Take&& take)
+{
+    constexpr qsizetype kBatch = 1024;
+    std::vector<Item> batch;
+    for (qsizetype begin = 0; begin < count; begin += kBatch) {
+        batch.assign(static_cast<size_t>(std::min(kBatch, count - begin)), Item());
+        parallelFor(static_cast<qsizetype>(batch.size()), {.itemsPerThread = 64},
+                    [&](int, qsizetype index) { make(begin + index, batch[static_cast<size_t>(index)]); });
+        for (size_t index = 0; index < batch.size(); ++index)
+            if (!take(begin + static_cast<qsizetype>(index), batch[index]))
+                return false;
+    }
+    return true;
+}
 
 // The processor cores of the machine, at least 1.
 int coreCount();

@@ -567,28 +567,26 @@ private:
 
     Status itemsSideBySide(const QVariantList& list, int depth)
     {
-        constexpr qsizetype kBatch = 1024;
-        std::vector<XmlWriter> items;
-        for (qsizetype begin = 0; begin < list.size(); begin += kBatch) {
-            const qsizetype count = std::min(kBatch, list.size() - begin);
-            items.assign(static_cast<size_t>(count), XmlWriter());
-            std::vector<Status> written(static_cast<size_t>(count));
-            parallelFor(count, {.itemsPerThread = 64}, [&](int, qsizetype index) {
-                XmlWriter& item = items[static_cast<size_t>(index)];
-                item.m_withinSideBySide = true;
-                item.m_path = m_path;
-                item.m_path.push_back({nullptr, begin + index});
-                written[static_cast<size_t>(index)] = item.value(list[begin + index], depth + 1);
+        struct Item {
+            XmlWriter writer;
+            Status written;
+        };
+        Status status;
+        inOrderedBatches<Item>(
+            list.size(),
+            [&](qsizetype index, Item& item) {
+                item.writer.m_withinSideBySide = true;
+                item.writer.m_path = m_path;
+                item.writer.m_path.push_back({nullptr, index});
+                item.written = item.writer.value(list[index], depth + 1);
+            },
+            [&](qsizetype, Item& item) {
+                status = item.written ? passPiece() : item.written;
+                if (status)
+                    m_out += item.writer.m_out;
+                return bool(status);
             });
-            for (size_t index = 0; index < items.size(); ++index) {
-                if (!written[index])
-                    return written[index];
-                m_out += items[index].m_out;
-                if (Status passed = passPiece(); !passed)
-                    return passed;
-            }
-        }
-        return {};
+        return status;
     }
 
     const ChunkWriter* m_sink = nullptr;

@@ -413,23 +413,18 @@ void writeObjectWithRecords(std::ostream& stream, const QJsonObject& members,
         }
         const QVariantList& records = list->records;
         out += records.isEmpty() ? "[" : "[\n";
-        // A batch of records at a time is written on several threads and joined in order.
-        constexpr qsizetype kBatch = 1024;
-        std::vector<std::string> batch;
-        for (qsizetype begin = 0; begin < records.size(); begin += kBatch) {
-            batch.assign(static_cast<size_t>(std::min(kBatch, records.size() - begin)), std::string());
-            app::parallelFor(static_cast<qsizetype>(batch.size()), {.itemsPerThread = 64}, [&](int, qsizetype index) {
-                const qsizetype i = begin + index;
-                std::string& text = batch[static_cast<size_t>(index)];
+        app::inOrderedBatches<std::string>(
+            records.size(),
+            [&](qsizetype i, std::string& text) {
                 text = indentation(depth + 2);
                 appendRecordJson(text, records.at(i).toMap(), list->kind, depth + 2);
                 text += i + 1 < records.size() ? ",\n" : "\n";
-            });
-            for (const std::string& text : batch) {
+            },
+            [&](qsizetype, const std::string& text) {
                 out += text;
                 flush(1 << 16);
-            }
-        }
+                return true;
+            });
         out += (records.isEmpty() ? "" : indentation(depth + 1)) + "]";
     }
     out += "\n" + indentation(depth) + "}";

@@ -280,7 +280,7 @@ qint64 IdmlDocument::partBytes(const QString& name) const
 }
 
 void IdmlDocument::forEachWindow(const QStringList& names, const app::CancelFlag* cancel,
-                                 const std::function<void(qsizetype begin, qsizetype end)>& visit) const
+                                 const WindowVisit& visit) const
 {
     for (qsizetype begin = 0; begin < names.size();) {
         qsizetype end = begin;
@@ -305,7 +305,7 @@ void IdmlDocument::forEachWindow(const QStringList& names, const app::CancelFlag
             }
         });
         if (parsed)
-            visit(begin, end);
+            visit(begin, end, options);
         for (Slot* found : held)
             if (found) {
                 const std::lock_guard lock(found->mutex);
@@ -321,7 +321,7 @@ void IdmlDocument::forEachWindow(const QStringList& names, const app::CancelFlag
 void IdmlDocument::forEachPart(const QStringList& names, const app::CancelFlag* cancel,
                                const std::function<void(const QString& name)>& visit) const
 {
-    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end) {
+    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end, const app::ParallelOptions&) {
         for (qsizetype index = begin; index < end; ++index)
             visit(names[index]);
     });
@@ -344,13 +344,7 @@ void IdmlDocument::visitParts(const std::vector<PartVisitor*>& visitors, const a
     }
     // The readers share nothing but the parsed parts, which they only read: each walks the window
     // on a thread of its own, in the pass's order.
-    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end) {
-        qint64 bytes = 0;
-        for (qsizetype at = begin; at < end; ++at)
-            bytes += partBytes(names[at]);
-        app::ParallelOptions options;
-        options.cancel = cancel;
-        options.maxThreads = bytes < kTextBytesWorthAThread ? 1 : 0;
+    forEachWindow(names, cancel, [&](qsizetype begin, qsizetype end, const app::ParallelOptions& options) {
         app::parallelFor(static_cast<qsizetype>(visitors.size()), options, [&](int, qsizetype reader) {
             const auto index = static_cast<size_t>(reader);
             for (qsizetype at = begin; at < end && !(cancel && cancel->isCancelled()); ++at)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/ParallelFor.h"
 #include "app/Result.h"
 #include "idml/XmlPart.h"
 
@@ -121,9 +122,9 @@ private:
     Slot* slot(const QString& name) const;
     void addSlot(const QString& name);
     // Parses `names` a window at a time on several threads and hands each window's index range to
-    // `visit` on the calling thread; see forEachPart.
-    void forEachWindow(const QStringList& names, const app::CancelFlag* cancel,
-                       const std::function<void(qsizetype begin, qsizetype end)>& visit) const;
+    // `visit` on the calling thread, with how far work on that window may spread; see forEachPart.
+    using WindowVisit = std::function<void(qsizetype begin, qsizetype end, const app::ParallelOptions& spread)>;
+    void forEachWindow(const QStringList& names, const app::CancelFlag* cancel, const WindowVisit& visit) const;
     void listPartFiles();
     qint64 partBytes(const QString& name) const;
 

@@ -162,9 +162,9 @@ void appendIsoTime(QByteArray& out, const struct stat& info)
     out.append(text, length);
 }
 
-// Hashes the files for which `needed` is true, several at once; a file that cannot be read leaves
-// its error in `errors`.
-void hashFiles(const QList<FileOnDisk>& files, const std::vector<bool>& needed, std::vector<QByteArray>& hashes,
+// Hashes the files for which `needed` is set, several at once; a file that cannot be read leaves
+// its error in `errors`. One byte a file, not a bit, so that threads may set them side by side.
+void hashFiles(const QList<FileOnDisk>& files, const std::vector<char>& needed, std::vector<QByteArray>& hashes,
                std::vector<std::optional<app::Error>>& errors, const app::CancelFlag* cancel)
 {
     app::parallelFor(files.size(), {.itemsPerThread = 16, .cancel = cancel}, [&](int, qsizetype index) {
@@ -207,11 +207,10 @@ app::Status writePackageManifest(const QString& folder, const ManifestHeader& he
     const QList<FileOnDisk> files = filesUnder(folder);
     const auto count = static_cast<size_t>(files.size());
     std::vector<QByteArray> hashes(count);
-    std::vector<bool> needed(count, true);
+    // A file copied with its hash taken, and not changed since, is not read again.
+    std::vector<char> needed(count, 1);
     std::vector<std::optional<app::Error>> errors(count);
     std::vector<const CopiedFileRecord*> copied(count, nullptr);
-    // A file copied with its hash taken, and not changed since, is not read again.
-    std::vector<char> hashed(count, 0);
     app::parallelFor(files.size(), {.itemsPerThread = 256}, [&](int, qsizetype index) {
         const auto i = static_cast<size_t>(index);
         const FileOnDisk& file = files.at(index);
@@ -221,11 +220,9 @@ app::Status writePackageManifest(const QString& folder, const ManifestHeader& he
         copied[i] = &*copy;
         if (!copy->sha256.isEmpty() && copy->stamp == fileStamp(file.info)) {
             hashes[i] = copy->sha256;
-            hashed[i] = 1;
+            needed[i] = 0;
         }
     });
-    for (size_t i = 0; i < count; ++i)
-        needed[i] = hashed[i] == 0;
     hashFiles(files, needed, hashes, errors, cancel);
     if (cancel != nullptr && cancel->isCancelled())
         return app::makeError(QStringLiteral("writing the package manifest was cancelled"), folder);
@@ -313,7 +310,7 @@ app::Result<PackageCheck> verifyPackage(const QString& folder)
     for (qsizetype i = 0; i < onDisk.size(); ++i)
         indexOnDisk.insert(onDisk.at(i).relative, i);
     PackageCheck check;
-    std::vector<bool> needed(static_cast<size_t>(onDisk.size()), false);
+    std::vector<char> needed(static_cast<size_t>(onDisk.size()), 0);
     std::vector<QByteArray> expected(static_cast<size_t>(onDisk.size()));
     QSet<QString> listedPaths;
     for (const QJsonValue& value : listed.toArray()) {
@@ -338,7 +335,7 @@ app::Result<PackageCheck> verifyPackage(const QString& folder)
                                          QStringLiteral("size %1, listed as %2").arg(file.info.st_size).arg(size)};
             continue;
         }
-        needed[static_cast<size_t>(*found)] = true;
+        needed[static_cast<size_t>(*found)] = 1;
         expected[static_cast<size_t>(*found)] = sha256;
     }
     std::vector<QByteArray> hashes(static_cast<size_t>(onDisk.size()));
